@@ -1,0 +1,39 @@
+# Every library the project builds on, once, with the reason it was chosen. A target that the host has already defined
+# is used as it is.
+#
+#   simdjson      JSON documents into records at memory speed; strict UTF-8. Used by oska/platform/json only.
+#   uriparser     RFC 3986 syntax, strictly. Used by oska/platform/url only.
+#   libidn2       international host names to their ASCII form (UTS 46). Used by oska/platform/url only.
+#   utf8proc      Unicode categories, case and composition in 350 KB, where ICU would add 32 MB to a phone.
+#                 Used by oska/platform/text only.
+#   CLI11         the oska program's options and help.
+#   GoogleTest, Google Benchmark   tests and measurements.
+#   nlohmann/json the yardstick of the decoding benchmark; nothing else uses it.
+
+function(quenlooska_need_module target module)  # a library that ships a pkg-config file and no CMake package
+  if(NOT TARGET PkgConfig::${target})
+    find_package(PkgConfig REQUIRED)
+    pkg_check_modules(${target} REQUIRED IMPORTED_TARGET GLOBAL ${module})
+  endif()
+endfunction()
+
+if(NOT TARGET simdjson::simdjson)
+  find_package(simdjson 3 REQUIRED)
+endif()
+if(NOT TARGET uriparser::uriparser)
+  find_package(uriparser 0.9 REQUIRED)
+endif()
+quenlooska_need_module(utf8proc libutf8proc)
+quenlooska_need_module(idn2 libidn2)
+
+if(QUENLOOSKA_BUILD_TOOLS)
+  find_package(CLI11 2.1 REQUIRED)
+endif()
+if(QUENLOOSKA_BUILD_TESTS)
+  find_package(GTest REQUIRED)
+  include(GoogleTest)
+endif()
+if(QUENLOOSKA_BUILD_BENCH)
+  find_package(benchmark REQUIRED)
+  find_package(nlohmann_json REQUIRED)
+endif()
