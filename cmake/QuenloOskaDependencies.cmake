@@ -1,11 +1,14 @@
 # Every library the project builds on, once, with the reason it was chosen. A target that the host has already defined
-# is used as it is.
+# is used as it is. What a library links is GLOBAL: the host links it too, from a folder above.
 #
 #   simdjson      JSON documents into records at memory speed; strict UTF-8. Used by oska/platform/json only.
-#   uriparser     RFC 3986 syntax, strictly. Used by oska/platform/url only.
-#   libidn2       international host names to their ASCII form (UTS 46). Used by oska/platform/url only.
+#   uriparser     joins a reference to its base by RFC 3986. Used by oska/platform/url_join only.
+#   libidn2       international host names to their ASCII form (UTS 46). Used by oska/platform/url_encoding only.
 #   utf8proc      Unicode categories, case and composition in 350 KB, where ICU would add 32 MB to a phone.
 #                 Used by oska/platform/text only.
+#   libcurl       HTTP/1.1 and HTTP/2 with a pool of connections. Used by adapters/native only, as are the next two.
+#   OpenSSL       TLS under libcurl, where the servers' certificates are judged.
+#   zlib          compressed bodies: libcurl takes a stream that is cut off for a whole one.
 #   CLI11         the oska program's options and help.
 #   GoogleTest, Google Benchmark   tests and measurements.
 #   nlohmann/json the yardstick of the decoding benchmark; nothing else uses it.
@@ -18,13 +21,24 @@ function(quenlooska_need_module target module)  # a library that ships a pkg-con
 endfunction()
 
 if(NOT TARGET simdjson::simdjson)
-  find_package(simdjson 3 REQUIRED)
+  find_package(simdjson 3 REQUIRED GLOBAL)
 endif()
 if(NOT TARGET uriparser::uriparser)
-  find_package(uriparser 0.9 REQUIRED)
+  find_package(uriparser 0.9 REQUIRED GLOBAL)
 endif()
 quenlooska_need_module(utf8proc libutf8proc)
 quenlooska_need_module(idn2 libidn2)
+
+if(NOT TARGET CURL::libcurl)
+  find_package(CURL 7.88 REQUIRED GLOBAL)
+endif()
+if(NOT TARGET OpenSSL::SSL)
+  find_package(OpenSSL 3 REQUIRED GLOBAL)
+endif()
+if(NOT TARGET ZLIB::ZLIB)
+  find_package(ZLIB REQUIRED GLOBAL)
+endif()
+find_package(Threads REQUIRED GLOBAL)
 
 if(QUENLOOSKA_BUILD_TOOLS)
   find_package(CLI11 2.1 REQUIRED)

@@ -62,7 +62,8 @@ LogValue::LogValue(double value) {
     if (text.find_first_not_of("-0123456789") == std::string::npos) text += ".0";
 }
 
-std::string logMessage(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs) {
+std::string logMessage(std::string_view operation, std::string_view text,
+                       std::initializer_list<LogPair> pairs) {
     std::string message = "(" + std::string(operation) + ") : " + std::string(text);
     std::string_view separator = " // ";
     for (const auto& [name, value] : pairs) {
@@ -72,15 +73,18 @@ std::string logMessage(std::string_view operation, std::string_view text, std::i
     return message;
 }
 
-void Log::info(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs) const {
+void Log::info(std::string_view operation, std::string_view text,
+               std::initializer_list<LogPair> pairs) const {
     write(OskaLogLevel::INFO, logMessage(operation, text, pairs));
 }
 
-void Log::warn(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs) const {
+void Log::warn(std::string_view operation, std::string_view text,
+               std::initializer_list<LogPair> pairs) const {
     write(OskaLogLevel::WARN, logMessage(operation, text, pairs));
 }
 
-void Log::error(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs) const {
+void Log::error(std::string_view operation, std::string_view text,
+                std::initializer_list<LogPair> pairs) const {
     write(OskaLogLevel::ERROR, logMessage(operation, text, pairs));
 }
 

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <curl/curl.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+
+/// libcurl's handles as C++ values. Threads: one at a time.
+namespace oska::native {
+
+/// A list of lines.
+class CurlList {
+public:
+    void append(const std::string& line) {
+        // The list's head stays what it is once there is one; without memory the list is left as it was.
+        if (auto* head = curl_slist_append(list_.get(), line.c_str())) {
+            (void)list_.release();
+            list_.reset(head);
+        }
+    }
+    [[nodiscard]] curl_slist* get() const { return list_.get(); }
+
+private:
+    struct Free {
+        void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+    };
+    std::unique_ptr<curl_slist, Free> list_;
+};
+
+/// One transfer. Every option is checked: one that libcurl refuses must not be silently without effect.
+class CurlEasy {
+public:
+    CurlEasy() : handle_(curl_easy_init()), result_(handle_ ? CURLE_OK : CURLE_OUT_OF_MEMORY) {}
+
+    template <class Value>
+    CurlEasy& set(CURLoption option, Value value) {
+        if (result_ == CURLE_OK) result_ = curl_easy_setopt(handle_.get(), option, value);
+        return *this;
+    }
+
+    /// The first refusal.
+    [[nodiscard]] CURLcode result() const { return result_; }
+    [[nodiscard]] CURL* get() const { return handle_.get(); }
+
+private:
+    struct Free {
+        void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
+    };
+    std::unique_ptr<CURL, Free> handle_;
+    CURLcode result_;
+};
+
+/// A URL taken apart.
+class CurlUrl {
+public:
+    CurlUrl() : handle_(curl_url()) {}
+
+    [[nodiscard]] CURLUcode set(CURLUPart part, const std::string& text, unsigned flags) {
+        return handle_ ? curl_url_set(handle_.get(), part, text.c_str(), flags) : CURLUE_OUT_OF_MEMORY;
+    }
+
+    /// Empty when the URL has no such part.
+    [[nodiscard]] std::string part(CURLUPart part) const {
+        char* text = nullptr;
+        if (curl_url_get(handle_.get(), part, &text, 0) != CURLUE_OK) return {};
+        std::string copy(text);
+        curl_free(text);
+        return copy;
+    }
+    [[nodiscard]] CURLU* get() const { return handle_.get(); }
+
+private:
+    struct Free {
+        void operator()(CURLU* handle) const { curl_url_cleanup(handle); }
+    };
+    std::unique_ptr<CURLU, Free> handle_;
+};
+
+}  // namespace oska::native

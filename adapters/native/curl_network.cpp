@@ -1,0 +1,82 @@
+#include "adapters/native/curl_network.h"
+
+#include <csignal>
+#include <utility>
+
+namespace oska::native {
+namespace {
+
+/// The host's signals are for the host's threads. A broken connection, too, would send one, which ends the process.
+void blockSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+void cancel(HttpTransfers transfers) {
+    for (const auto& transfer : transfers) transfer->cancel();
+}
+
+}  // namespace
+
+CurlNetwork::~CurlNetwork() {
+    if (!thread_.joinable()) return;
+    // The thread itself may hold the last reference, and drops it as its last act.
+    thread_.get_id() == std::this_thread::get_id() ? thread_.detach() : thread_.join();
+}
+
+void CurlNetwork::send(std::unique_ptr<HttpTransfer> transfer) {
+    {
+        const std::lock_guard lock(mutex_);
+        sent_.push_back(std::move(transfer));
+        if (!std::exchange(isRunning_, true)) startThread();
+    }
+    wake();
+}
+
+void CurlNetwork::startThread() {
+    if (thread_.joinable()) thread_.join();  // one that has ended after a shutdown
+    thread_ = std::thread([self = shared_from_this()] { self->run(); });
+}
+
+void CurlNetwork::shutDown() {
+    std::thread ending;
+    {
+        const std::lock_guard lock(mutex_);
+        isShutDown_ = true;
+        if (thread_.get_id() != std::this_thread::get_id()) ending.swap(thread_);
+    }
+    wake();
+    if (ending.joinable()) ending.join();
+}
+
+void CurlNetwork::run() {
+    blockSignals();
+    NetworkLoop loop(caFile_);
+    for (;;) {
+        auto [sent, isShutDown] = takeOrders();
+        if (isShutDown) {
+            loop.cancelAll();
+            cancel(std::move(sent));
+            if (tryEnd()) return;
+        } else {
+            loop.begin(std::move(sent));
+            loop.turn(wakePipe_.descriptor());
+        }
+    }
+}
+
+CurlNetwork::Orders CurlNetwork::takeOrders() {
+    wakePipe_.reset();
+    const std::lock_guard lock(mutex_);
+    return {std::exchange(sent_, {}), isShutDown_};
+}
+
+bool CurlNetwork::tryEnd() {
+    const std::lock_guard lock(mutex_);
+    if (!sent_.empty()) return false;
+    isRunning_ = false;
+    return true;
+}
+
+}  // namespace oska::native

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "adapters/native/network_loop.h"
+#include "adapters/native/wake_pipe.h"
+
+namespace oska::native {
+
+/// The network thread: it starts with the first request, and serves the sessions of all.
+///
+/// Life: `shutDown` ends what is under way as cancelled, and the thread with it. A request that comes later is
+/// completed as cancelled by a thread that lives for just that.
+/// Threads: operations on any; completions on the network thread with no lock held.
+/// Lifetime: the thread keeps the network alive, so that somebody must shut it down: see `CurlHttpSessionFactory`.
+class CurlNetwork : public std::enable_shared_from_this<CurlNetwork> {
+public:
+    /// `caFile`: see `TrustStore`.
+    explicit CurlNetwork(std::string caFile) : caFile_(std::move(caFile)) {}
+    ~CurlNetwork();
+    CurlNetwork(const CurlNetwork&) = delete;
+    CurlNetwork& operator=(const CurlNetwork&) = delete;
+
+    void send(std::unique_ptr<HttpTransfer> transfer);
+
+    /// Makes the thread look for transfers that are cancelled.
+    void wake() { wakePipe_.wake(); }
+
+    /// Waits for the thread, unless called on it. May be called again.
+    void shutDown();
+
+private:
+    struct Orders {
+        HttpTransfers sent;
+        bool isShutDown = false;
+    };
+
+    void startThread();
+    void run();
+    [[nodiscard]] Orders takeOrders();
+    /// True, and the thread does not run any more for those who send, unless somebody has sent since.
+    [[nodiscard]] bool tryEnd();
+
+    const std::string caFile_;
+    WakePipe wakePipe_;
+
+    std::mutex mutex_;
+    HttpTransfers sent_;
+    bool isShutDown_ = false;
+    bool isRunning_ = false;
+    std::thread thread_;
+};
+
+}  // namespace oska::native

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <atomic>
+#include <memory>
+#include <optional>
+
+#include "adapters/native/curl_exchange.h"
+#include "adapters/native/request_deadlines.h"
+#include "oska/platform/http_session.h"
+
+namespace oska::native {
+
+/// What a session is to its requests, which may outlive it. Threads: any.
+struct SessionState {
+    const platform::HttpSessionConfiguration configuration;
+    const std::shared_ptr<platform::HttpSessionDelegate> delegate;
+    std::atomic<bool> hasEnded{false};
+};
+
+/// One request of a session on its way to an outcome, over as many exchanges as the redirects ask for.
+/// Threads: made on any; everything else on the network thread.
+class HttpTransfer {
+public:
+    using Clock = RequestDeadlines::Clock;
+
+    HttpTransfer(std::shared_ptr<const SessionState> session, platform::HttpRequest request,
+                 platform::HttpSession::Completion completion);
+
+    /// The transfer that a handle of libcurl's works for.
+    [[nodiscard]] static HttpTransfer& of(CURL* handle) {
+        return *static_cast<HttpTransfer*>(CurlExchange::ownerOf(handle));
+    }
+
+    /// Sends the request, or the one that a redirect has led to. An outcome when that fails.
+    [[nodiscard]] std::optional<platform::HttpOutcome> send(CurlMulti& multi, TrustStore& authorities);
+
+    /// To be called when the exchange has ended. None when the reply was a redirect: `send` again.
+    [[nodiscard]] std::optional<platform::HttpOutcome> take(CURLcode code);
+
+    [[nodiscard]] bool isCancelled() const { return session_->hasEnded; }
+    [[nodiscard]] Clock::time_point deadline() const { return deadlines_.next(); }
+    void noteActivity(Clock::time_point now) { deadlines_.noteActivity(now); }
+
+    // The end of the transfer: what is under way is broken off, and the caller is told.
+    void complete(platform::HttpOutcome outcome);
+    void timeOut();
+    void cancel();
+
+private:
+    void breakOff(platform::HttpError error);
+    [[nodiscard]] std::optional<platform::HttpOutcome> follow(const platform::HttpReply& redirect);
+
+    const std::shared_ptr<const SessionState> session_;
+    platform::HttpRequest request_;
+    platform::HttpSession::Completion completion_;
+    RequestDeadlines deadlines_;
+    int redirects_ = 0;
+    std::unique_ptr<CurlExchange> exchange_;
+};
+
+}  // namespace oska::native

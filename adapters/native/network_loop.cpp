@@ -1,0 +1,60 @@
+#include "adapters/native/network_loop.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace oska::native {
+
+void NetworkLoop::begin(HttpTransfers transfers) {
+    for (auto& transfer : transfers) {
+        auto& kept = *transfer;
+        transfers_.emplace(&kept, std::move(transfer));
+        send(kept);
+    }
+}
+
+void NetworkLoop::send(HttpTransfer& transfer) {
+    if (auto failure = transfer.send(multi_, authorities_)) end(transfer, std::move(*failure));
+}
+
+void NetworkLoop::turn(int wakeDescriptor) {
+    multi_.wait(nextDeadline(), wakeDescriptor,
+                [](CURL* handle) { HttpTransfer::of(handle).noteActivity(HttpTransfer::Clock::now()); });
+    multi_.collectEnded([this](CURL* handle, CURLcode code) {
+        auto& transfer = HttpTransfer::of(handle);
+        auto outcome = transfer.take(code);
+        outcome ? end(transfer, std::move(*outcome)) : send(transfer);
+    });
+    endOverdue();
+}
+
+void NetworkLoop::end(HttpTransfer& transfer, platform::HttpOutcome outcome) {
+    const auto node = transfers_.extract(&transfer);
+    transfer.complete(std::move(outcome));
+}
+
+void NetworkLoop::endOverdue() {
+    const auto now = HttpTransfer::Clock::now();
+    for (auto next = transfers_.begin(); next != transfers_.end();) {
+        const auto current = next++;
+        const bool isCancelled = current->second->isCancelled();
+        if (!isCancelled && current->second->deadline() > now) continue;
+        const auto node = transfers_.extract(current);
+        isCancelled ? node.mapped()->cancel() : node.mapped()->timeOut();
+    }
+}
+
+void NetworkLoop::cancelAll() {
+    while (!transfers_.empty()) {
+        const auto node = transfers_.extract(transfers_.begin());
+        node.mapped()->cancel();
+    }
+}
+
+CurlMulti::Clock::time_point NetworkLoop::nextDeadline() const {
+    auto next = CurlMulti::Clock::time_point::max();
+    for (const auto& [key, transfer] : transfers_) next = std::min(next, transfer->deadline());
+    return next;
+}
+
+}  // namespace oska::native

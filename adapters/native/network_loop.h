@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "adapters/native/curl_multi.h"
+#include "adapters/native/http_transfer.h"
+#include "adapters/native/trust_store.h"
+
+namespace oska::native {
+
+using HttpTransfers = std::vector<std::unique_ptr<HttpTransfer>>;
+
+/// The transfers under way, and the connections kept for the next ones. Threads: the network thread.
+class NetworkLoop {
+public:
+    explicit NetworkLoop(std::string caFile) : authorities_(std::move(caFile)) {}
+
+    /// Completions are called from here on, inside each of these.
+    void begin(HttpTransfers transfers);
+    /// Waits for something to happen, or for `wakeDescriptor` to be readable, and ends what is to end.
+    void turn(int wakeDescriptor);
+    void cancelAll();
+
+private:
+    void send(HttpTransfer& transfer);
+    void end(HttpTransfer& transfer, platform::HttpOutcome outcome);
+    void endOverdue();
+    [[nodiscard]] CurlMulti::Clock::time_point nextDeadline() const;
+
+    TrustStore authorities_;
+    CurlMulti multi_;
+    std::unordered_map<HttpTransfer*, std::unique_ptr<HttpTransfer>> transfers_;
+};
+
+}  // namespace oska::native

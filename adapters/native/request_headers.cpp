@@ -1,0 +1,65 @@
+#include "adapters/native/request_headers.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "adapters/native/http_address.h"
+
+namespace oska::native {
+
+using platform::HttpHeader;
+using platform::HttpRequest;
+
+namespace {
+
+/// RFC 9110, 5.6.2.
+bool isToken(std::string_view text) {
+    constexpr std::string_view ALLOWED =
+        "!#$%&'*+-.^_`|~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz";
+    return !text.empty() && text.find_first_not_of(ALLOWED) == std::string_view::npos;
+}
+
+bool breaksLine(std::string_view value) {
+    constexpr std::string_view BREAKS("\r\n\0", 3);
+    return value.find_first_of(BREAKS) != std::string_view::npos;
+}
+
+std::optional<std::string> faultIn(const HttpHeader& header) {
+    if (!isToken(header.name)) return "\"" + header.name + "\" is not a header name.";
+    if (breaksLine(header.value)) return "The value of the header \"" + header.name + "\" holds a line break.";
+    return std::nullopt;
+}
+
+/// Two statements of a length that disagree are how requests are smuggled past proxies.
+bool tellsLength(const HttpHeader& header) {
+    return equalsIgnoringAsciiCase(header.name, "Content-Length") ||
+           equalsIgnoringAsciiCase(header.name, "Transfer-Encoding");
+}
+
+/// libcurl takes "Name:" as the wish to leave the header out, and "Name;" as one without a value.
+std::string line(const HttpHeader& header) {
+    const bool isBlank = header.value.find_first_not_of(" \t") == std::string::npos;
+    return isBlank ? header.name + ";" : header.name + ": " + header.value;
+}
+
+}  // namespace
+
+std::optional<std::string> faultIn(const HttpRequest& request) {
+    if (!isToken(request.method)) return "\"" + request.method + "\" is not an HTTP method.";
+    for (const auto& header : request.headers) {
+        if (auto fault = faultIn(header)) return fault;
+    }
+    return std::nullopt;
+}
+
+CurlList curlHeaders(const HttpRequest& request) {
+    CurlList lines;
+    // libcurl would wait a second for leave to send a body above 1 MiB.
+    lines.append("Expect:");
+    for (const auto& header : request.headers) {
+        if (!tellsLength(header)) lines.append(line(header));
+    }
+    return lines;
+}
+
+}  // namespace oska::native

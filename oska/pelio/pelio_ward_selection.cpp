@@ -1,0 +1,86 @@
+#include "oska/pelio/pelio_ward_selection.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace oska {
+namespace {
+
+template <class Visit>
+void forEachWard(const PelioBundle& bundle, Visit visit) {
+    for (const auto& building : bundle.buildings) {
+        for (const auto& level : building.levels) {
+            for (const auto& ward : level.wards) visit(building, level, ward);
+        }
+    }
+}
+
+}  // namespace
+
+PelioWardSelection::PelioWardSelection(const PelioBundle& bundle) : maps_(bundle.buildings) {
+    std::vector<std::pair<WardNames::Number, PelioWardNode>> nodes;
+    forEachWard(bundle, [&](const auto& building, const auto& level, const auto& ward) {
+        nodes.emplace_back(names_.add(ward.name),
+                           PelioWardNode{ward.id, ward.name, building.id, building.name, level.id, level.name,
+                                         ward.x, ward.y, ward.rssi});
+    });
+    std::stable_sort(nodes.begin(), nodes.end(),
+                     [](const auto& a, const auto& b) { return a.first < b.first; });
+    wards_.reserve(nodes.size());
+    for (auto& [name, node] : nodes) {
+        if (firstOfName_.size() == name) firstOfName_.push_back(wards_.size());
+        wards_.push_back(std::move(node));
+    }
+    firstOfName_.push_back(wards_.size());
+}
+
+const PelioWardNode* PelioWardSelection::handle(platform::ReceivedForce sample) {
+    const auto now = sample.mobile_time;
+    window_.append(std::move(sample), names_);
+    const auto best = strongest();
+    if (!best.ward) return nullptr;
+    adopt(best, now);
+    return current_->ward;
+}
+
+PelioWardSelection::Candidate PelioWardSelection::strongest() const {
+    Candidate best;
+    const auto isBetter = [&best](const PelioWardNode& ward, double rssi) {
+        if (!best.ward) return true;
+        if (rssi != best.observedRssi) return rssi > best.observedRssi;
+        if (ward.thresholdRssi != best.ward->thresholdRssi)
+            return ward.thresholdRssi > best.ward->thresholdRssi;
+        return ward.id < best.ward->id;
+    };
+    for (const auto& sample : window_.samples()) {
+        for (const auto& [name, rssi] : sample.readings) {
+            if (best.ward && rssi < best.observedRssi) continue;  // most readings: no ward need be looked at
+            for (auto at = firstOfName_[name]; at < firstOfName_[name + 1]; ++at) {
+                const auto& ward = wards_[at];
+                if (ward.thresholdRssi <= rssi && isBetter(ward, rssi)) best = {&ward, {name, ward.id}, rssi};
+            }
+        }
+    }
+    return best;
+}
+
+void PelioWardSelection::adopt(const Candidate& best, std::int64_t now) {
+    if (current_) {
+        if (best.key == current_->key) return;
+        if (!hasElapsed(RESULT_CHANGE_MIN_INTERVAL * 1000, current_->changedAt, now)) return;
+    }
+    current_ = Current{best.key, best.ward, now};
+}
+
+PelioResult PelioWardSelection::report(const PelioWardNode& ward, std::int64_t mobileTime,
+                                       const Log& log) const {
+    const auto [x, y] = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y, log);
+    return {mobileTime, ward.buildingId, ward.buildingName, ward.levelId, ward.levelName, x, y};
+}
+
+void PelioWardSelection::reset() {
+    window_.clear();
+    current_.reset();
+}
+
+}  // namespace oska

@@ -1,0 +1,20 @@
+#include "oska/platform/description.h"
+
+#include <charconv>
+
+#include "oska/platform/json_writer.h"
+
+namespace oska::platform {
+
+void appendDescription(std::string& out, bool value) { out += value ? "true" : "false"; }
+
+void appendDescription(std::string& out, std::int64_t value) { json::appendInteger(out, value); }
+
+void appendDescription(std::string& out, double value) {
+    char digits[32];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+void appendDescription(std::string& out, std::string_view value) { json::appendText(out, value); }
+
+}  // namespace oska::platform

@@ -1,0 +1,86 @@
+#include "oska/platform/json_index.h"
+
+#include <simdjson.h>
+
+namespace oska::platform::json {
+namespace {
+
+// Bytes of text: its tokens' offsets then fit the second-level cache beside it.
+constexpr std::size_t STRETCH = std::size_t{128} * 1024;
+
+// A single string can make a stretch far longer; above this the memory is worth more than the time to ask for
+// it again.
+constexpr std::size_t LARGEST_KEPT_CAPACITY = 2 * STRETCH;
+
+// Room that a first short document leaves for the next ones.
+constexpr std::size_t SMALLEST_CAPACITY = 4096;
+
+// The library's own choice would follow an environment variable.
+const simdjson::implementation* bestKernel() {
+    for (const auto* const kernel : simdjson::get_available_implementations()) {
+        if (kernel->supported_by_runtime_system()) return kernel;
+    }
+    return simdjson::get_active_implementation();
+}
+
+auto newStage() {
+    static const simdjson::implementation* const KERNEL = bestKernel();
+    // Room for the first stage only: the depth is the second stage's business.
+    std::unique_ptr<simdjson::internal::dom_parser_implementation> stage;
+    if (KERNEL->create_dom_parser_implementation(SMALLEST_CAPACITY, 1, stage) != simdjson::SUCCESS)
+        stage.reset();
+    return stage;
+}
+
+thread_local std::unique_ptr<TokenIndex> spare;
+
+// The end of the last comma of the window, preferably one between two objects, which few strings hold; 0:
+// none.
+std::size_t stretchLength(std::string_view text, std::size_t window) {
+    if (text.size() <= window) return text.size();
+    const std::string_view seen = text.substr(0, window);
+    const std::size_t brace = seen.rfind("},");
+    return brace != std::string_view::npos ? brace + 2 : seen.rfind(',') + 1;
+}
+
+}  // namespace
+
+TokenIndex::TokenIndex() : stage_(newStage()) {}
+TokenIndex::~TokenIndex() = default;
+
+// Quotes that do not pair up tell a comma inside a string from one between tokens: then a longer stretch is
+// tried.
+TokenIndex::Outcome TokenIndex::build(std::string_view text) {
+    for (std::size_t window = STRETCH;; window *= 2) {
+        const std::string_view stretch = text.substr(0, stretchLength(text, window));
+        const Outcome outcome = buildWhole(stretch);
+        if (outcome != Outcome::NO_TOKENS || stretch.size() == text.size()) return outcome;
+    }
+}
+
+TokenIndex::Outcome TokenIndex::buildWhole(std::string_view stretch) {
+    // JSON ends in ASCII. A sequence that is cut off there could lead the library past the end of the text.
+    if (stretch.empty() || static_cast<unsigned char>(stretch.back()) >= 0x80) return Outcome::NO_TOKENS;
+    if (stage_ == nullptr) return Outcome::NO_MEMORY;
+    if (stretch.size() > stage_->capacity() && stage_->set_capacity(stretch.size()) != simdjson::SUCCESS) {
+        return Outcome::NO_MEMORY;
+    }
+    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(stretch.data());
+    const auto error = stage_->stage1(bytes, stretch.size(), simdjson::stage1_mode::regular);
+    return error == simdjson::SUCCESS ? Outcome::INDEXED : Outcome::NO_TOKENS;
+}
+
+const std::uint32_t* TokenIndex::begin() const { return stage_->structural_indexes.get(); }
+const std::uint32_t* TokenIndex::end() const { return begin() + stage_->n_structural_indexes; }
+
+std::unique_ptr<TokenIndex> TokenIndex::borrow() {
+    if (spare != nullptr) return std::move(spare);
+    return std::make_unique<TokenIndex>();
+}
+
+void TokenIndex::giveBack(std::unique_ptr<TokenIndex> index) {
+    if (index->stage_ != nullptr && index->stage_->capacity() <= LARGEST_KEPT_CAPACITY)
+        spare = std::move(index);
+}
+
+}  // namespace oska::platform::json

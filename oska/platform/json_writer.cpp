@@ -1,0 +1,122 @@
+#include "oska/platform/json_writer.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "oska/platform/json_path.h"
+#include "oska/platform/json_text.h"
+
+namespace oska::platform::json {
+namespace {
+
+constexpr std::string_view REPLACEMENT_CHARACTER = "\xEF\xBF\xBD";
+
+// Shorter doubles stand in plain notation: from 1e-4, and up to where every integer has its own double.
+constexpr double SMALLEST_PLAIN = 1e-4;
+constexpr double LARGEST_PLAIN = 9007199254740992.0;
+
+constexpr std::size_t LONGEST_NUMBER = 32;
+
+bool isPlain(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x20 && byte < 0x80 && byte != '"' && byte != '\\';
+}
+
+// Whether eight bytes at once are all plain, by the arithmetic of "Bit Twiddling Hacks" (a byte less than n,
+// a zero byte).
+bool areEightPlain(const char* bytes) {
+    constexpr std::uint64_t ONES = 0x0101010101010101;
+    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080;
+    std::uint64_t word = 0;
+    std::memcpy(&word, bytes, sizeof word);
+    const std::uint64_t quote = word ^ (ONES * '"');
+    const std::uint64_t backslash = word ^ (ONES * '\\');
+    const std::uint64_t special = (word - ONES * 0x20) | (quote - ONES) | (backslash - ONES) | word;
+    return (special & HIGH_BITS) == 0;
+}
+
+std::size_t plainLength(std::string_view text) {
+    std::size_t length = 0;
+    while (text.size() - length >= 8 && areEightPlain(text.data() + length)) length += 8;
+    while (length < text.size() && isPlain(text[length])) ++length;
+    return length;
+}
+
+void appendEscaped(std::string& out, char c) {
+    constexpr std::string_view ESCAPED = "\"\\\b\f\n\r\t";
+    constexpr std::string_view ESCAPES = "\"\\bfnrt";
+    const std::size_t known = ESCAPED.find(c);
+    if (known == std::string_view::npos) {
+        appendUnicodeEscape(out, c);
+        return;
+    }
+    out += '\\';
+    out += ESCAPES[known];
+}
+
+// Appends the first character of `text`, which is not plain; answers its length in bytes.
+std::size_t appendSpecial(std::string& out, std::string_view text) {
+    const std::size_t length = characterLength(text);
+    if (length == 0) {
+        out += REPLACEMENT_CHARACTER;
+        return 1;
+    }
+    if (length == 1) {
+        appendEscaped(out, text.front());
+    } else {
+        out += text.substr(0, length);
+    }
+    return length;
+}
+
+std::string_view nameOf(double value) {
+    if (std::isnan(value)) return "Double.nan";
+    return value > 0 ? "Double.infinity" : "-Double.infinity";
+}
+
+}  // namespace
+
+void appendText(std::string& out, std::string_view text) {
+    out += '"';
+    while (!text.empty()) {
+        const std::size_t plain = plainLength(text);
+        out += text.substr(0, plain);
+        text.remove_prefix(plain);
+        if (!text.empty()) text.remove_prefix(appendSpecial(out, text));
+    }
+    out += '"';
+}
+
+void appendInteger(std::string& out, std::int64_t value) {
+    char digits[LONGEST_NUMBER];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, value).ptr);
+}
+
+bool appendReal(std::string& out, double value) {
+    if (!std::isfinite(value)) return false;
+    const double magnitude = std::fabs(value);
+    const bool isPlainNotation = value == 0 || (magnitude >= SMALLEST_PLAIN && magnitude <= LARGEST_PLAIN);
+    const auto format = isPlainNotation ? std::chars_format::fixed : std::chars_format::scientific;
+    char digits[LONGEST_NUMBER];
+    out.append(digits, std::to_chars(digits, digits + sizeof digits, value, format).ptr);
+    return true;
+}
+
+bool Writer::writeReal(double value) {
+    if (appendReal(text_, value)) return true;
+    error_.problem = "Unable to encode " + std::string(nameOf(value)) + " directly in JSON.";
+    return false;
+}
+
+bool Writer::failedIn(std::string_view key) {
+    prependKey(error_.path, key);
+    return false;
+}
+
+bool Writer::failedIn(std::size_t element) {
+    prependIndex(error_.path, element);
+    return false;
+}
+
+}  // namespace oska::platform::json

@@ -1,0 +1,84 @@
+// What stands in for the navigation framework where there is none.
+#include "oska/platform/quenlo_navigation.h"
+
+#include <mutex>
+#include <utility>
+
+#include "oska/platform/platform.h"
+
+namespace oska::platform {
+namespace {
+
+const TovanServiceResult& frameworkMissing() {
+    static const TovanServiceResult result{
+        "The navigation framework QuenloTovan is missing: the installed platform makes no NavigationManager"};
+    return result;
+}
+
+class MissingNavigationManager : public NavigationManager,
+                                 public std::enable_shared_from_this<MissingNavigationManager> {
+public:
+    void setDelegate(std::weak_ptr<NavigationManagerDelegate> delegate) override {
+        const std::lock_guard lock(mutex_);
+        delegate_ = std::move(delegate);
+    }
+
+    void initialize() override {
+        current().mainQueue->async([weak = weak_from_this()] {
+            const auto self = weak.lock();
+            if (const auto host = self ? self->delegate() : nullptr) {
+                host->onInitSuccess(false, InitErrorCode::UNKNOWN, frameworkMissing());
+            }
+        });
+    }
+
+    void startService(UserMode) override {
+        if (const auto host = delegate()) {
+            host->onTovanSuccess(false, TovanErrorCode::UNKNOWN, frameworkMissing());
+        }
+    }
+
+    void stopService(StopCompletion completion) override {
+        completion(false, frameworkMissing().message, frameworkMissing());
+    }
+
+    std::optional<std::string> getBuildingName(std::int64_t) override { return std::nullopt; }
+    std::optional<std::int64_t> getBuildingId(const std::string&) override { return std::nullopt; }
+    std::optional<std::string> getLevelName(std::int64_t) override { return std::nullopt; }
+    std::optional<std::int64_t> getLevelId(std::int64_t, const std::string&, const std::string&) override {
+        return std::nullopt;
+    }
+    std::optional<std::vector<float>> getScaleOffset(std::int64_t, const std::string&,
+                                                     const std::string&) override {
+        return std::nullopt;
+    }
+
+    void setNaviDestination(const Point&, bool) override {
+        if (const auto host = delegate())
+            host->isNavigationRouteFailed(NavigationRouteFailureReason::UNKNOWN);
+    }
+
+    void requestRouting(const RoutingStart&, const Point&, const std::vector<Point>&, bool,
+                        RoutingCompletion completion) override {
+        completion(std::nullopt, {}, NavigationRouteFailureReason::UNKNOWN);
+    }
+
+private:
+    std::shared_ptr<NavigationManagerDelegate> delegate() {
+        const std::lock_guard lock(mutex_);
+        return delegate_.lock();
+    }
+
+    std::mutex mutex_;
+    std::weak_ptr<NavigationManagerDelegate> delegate_;
+};
+
+}  // namespace
+
+std::shared_ptr<NavigationManager> makeNavigationManager(const NavigationOptions& options) {
+    const auto& make = current().makeNavigationManager;
+    auto made = make ? make(options) : nullptr;
+    return made ? made : std::make_shared<MissingNavigationManager>();
+}
+
+}  // namespace oska::platform

@@ -1,0 +1,64 @@
+#include "oska/platform/text.h"
+
+#include <cstdint>
+#include <cstring>
+
+#include "oska/platform/text_scalars.h"
+
+namespace oska::platform::text {
+namespace {
+
+bool isBlank(utf8proc_int32_t scalar) {
+    if (scalar < 0x80) return scalar == ' ' || (scalar >= '\n' && scalar <= '\r');
+    if (scalar == 0x85) return true;
+    const auto category = utf8proc_category(scalar);
+    return category == UTF8PROC_CATEGORY_ZS || category == UTF8PROC_CATEGORY_ZL ||
+           category == UTF8PROC_CATEGORY_ZP;
+}
+
+// Bytes of the blank that `text` starts with; 0 when it starts with none.
+std::size_t leadingBlank(std::string_view text) {
+    if (text.empty()) return 0;
+    const Scalar first = firstScalar(text);
+    return first.value >= 0 && isBlank(first.value) ? first.length : 0;
+}
+
+std::size_t trailingBlank(std::string_view text) {
+    constexpr std::size_t LONGEST_BLANK = 3;
+    for (std::size_t length = 1; length <= LONGEST_BLANK && length <= text.size(); ++length) {
+        if (leadingBlank(text.substr(text.size() - length)) == length) return length;
+    }
+    return 0;
+}
+
+}  // namespace
+
+bool isAscii(std::string_view text) {
+    std::uint64_t eight = 0;
+    while (text.size() >= sizeof eight) {
+        std::memcpy(&eight, text.data(), sizeof eight);
+        if ((eight & 0x8080808080808080U) != 0) return false;
+        text.remove_prefix(sizeof eight);
+    }
+    unsigned char bits = 0;
+    for (const char c : text) bits |= static_cast<unsigned char>(c);
+    return bits < 0x80;
+}
+
+bool isUtf8(std::string_view text) {
+    if (isAscii(text)) return true;
+    while (!text.empty()) {
+        const Scalar first = firstScalar(text);
+        if (first.value < 0) return false;
+        text.remove_prefix(first.length);
+    }
+    return true;
+}
+
+std::string_view trimmed(std::string_view text) {
+    while (const std::size_t length = leadingBlank(text)) text.remove_prefix(length);
+    while (const std::size_t length = trailingBlank(text)) text.remove_suffix(length);
+    return text;
+}
+
+}  // namespace oska::platform::text

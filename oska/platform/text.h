@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// What the kit asks of Unicode: trimming, lower case, and equality and order that do not depend on how an
+/// accent was typed. All text is UTF-8; no result depends on a locale.
+///
+/// Threads: any. Cost: linear in the text; plain ASCII never reaches a table.
+/// Errors: none. Bytes that are no UTF-8 stay as they are and count as nothing but themselves.
+namespace oska::platform::text {
+
+[[nodiscard]] bool isAscii(std::string_view text);
+[[nodiscard]] bool isUtf8(std::string_view text);
+
+/// The part of `text` between its white space and line breaks: general category Z, U+000A to U+000D and
+/// U+0085, taken off scalar by scalar. A tab (U+0009) is neither and stays.
+[[nodiscard]] std::string_view trimmed(std::string_view text);
+
+/// Unicode's full default lower case: U+0130 becomes two scalars, and a capital sigma that ends a word the
+/// final one.
+[[nodiscard]] std::string lowercased(std::string_view text);
+
+/// The canonical composed form (NFC). A text that is not UTF-8 throughout is its own form.
+[[nodiscard]] std::string composed(std::string_view text);
+
+/// Whether both texts have one composed form. Compatibility forms (U+FB01 and "fi") differ.
+[[nodiscard]] bool canonicallyEqual(std::string_view a, std::string_view b);
+
+/// Orders texts by the scalars of their composed forms; two texts are equivalent exactly when
+/// `canonicallyEqual`.
+struct CanonicalLess {
+    using is_transparent = void;
+    [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const;
+};
+
+}  // namespace oska::platform::text

@@ -1,0 +1,98 @@
+#include "oska/platform/url_encoding.h"
+
+#include <idn2.h>
+
+#include <algorithm>
+#include <memory>
+
+#include "oska/platform/text.h"
+
+namespace oska::platform {
+namespace {
+
+constexpr bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
+
+bool startsWithEscape(std::string_view text) {
+    return text.size() >= 3 && text[0] == '%' && isHexDigit(text[1]) && isHexDigit(text[2]);
+}
+
+bool consistsOf(std::string_view text, const UrlCharacters& allowed) {
+    return std::all_of(text.begin(), text.end(), [&](char c) { return allowed.contains(c); });
+}
+
+std::optional<std::string> idnaForm(std::string_view host) {
+    // No name longer than 255 bytes can be looked up, and the work grows with the square of a label's length.
+    constexpr std::size_t LONGEST_CONVERTED = 1024;
+    if (host.size() > LONGEST_CONVERTED) return std::nullopt;
+    char* converted = nullptr;
+    const int result =
+        idn2_to_ascii_8z(std::string(host).c_str(), &converted, IDN2_NFC_INPUT | IDN2_NONTRANSITIONAL);
+    const std::unique_ptr<char, decltype(&idn2_free)> form(converted, &idn2_free);
+    if (result != IDN2_OK || !form) return std::nullopt;
+    return std::string(form.get());
+}
+
+std::optional<std::string> encodedName(std::string_view host) {
+    if (isEncoded(host, HOST_CHARACTERS)) return std::string(host);
+    const auto mayBeConverted = [](char c) {
+        return static_cast<unsigned char>(c) >= 0x80 || HOST_CHARACTERS.contains(c);
+    };
+    if (!std::all_of(host.begin(), host.end(), mayBeConverted)) return std::nullopt;
+    auto name = idnaForm(host);
+    // Compatibility characters can turn into delimiters: U+2100 is "a/c".
+    if (!name || name->empty() || !consistsOf(*name, HOST_CHARACTERS)) return std::nullopt;
+    return name;
+}
+
+std::string encodedZone(std::string_view zone) {
+    constexpr std::string_view ESCAPED_PERCENT = "25";
+    if (zone.starts_with(ESCAPED_PERCENT)) zone.remove_prefix(ESCAPED_PERCENT.size());
+    return "%25" + encodedWhereNeeded(zone, HOST_CHARACTERS);
+}
+
+// `address` is what stands between the brackets.
+std::optional<std::string> encodedAddress(std::string_view address) {
+    const auto zoneMark = std::min(address.find('%'), address.size());
+    const auto number = address.substr(0, zoneMark);
+    if (number.empty() || !consistsOf(number, ADDRESS_CHARACTERS)) return std::nullopt;
+    std::string encoded(number);
+    if (zoneMark < address.size()) encoded += encodedZone(address.substr(zoneMark + 1));
+    return "[" + encoded + "]";
+}
+
+}  // namespace
+
+bool isEncoded(std::string_view text, const UrlCharacters& allowed) {
+    while (!text.empty()) {
+        const bool escape = startsWithEscape(text);
+        if (!escape && !allowed.contains(text.front())) return false;
+        text.remove_prefix(escape ? 3 : 1);
+    }
+    return true;
+}
+
+std::string percentEncoded(std::string_view text, const UrlCharacters& allowed) {
+    constexpr std::string_view DIGITS = "0123456789ABCDEF";
+    std::string encoded;
+    encoded.reserve(text.size());
+    for (const char c : text) {
+        if (allowed.contains(c)) {
+            encoded += c;
+            continue;
+        }
+        const auto byte = static_cast<unsigned char>(c);
+        encoded += {'%', DIGITS[byte >> 4U], DIGITS[byte & 0xFU]};
+    }
+    return encoded;
+}
+
+std::string encodedWhereNeeded(std::string_view text, const UrlCharacters& allowed) {
+    return isEncoded(text, allowed) ? std::string(text) : percentEncoded(text, allowed);
+}
+
+std::optional<std::string> encodedHost(std::string_view host) {
+    if (!host.starts_with('[')) return encodedName(host);
+    return encodedAddress(host.substr(1, host.size() - 2));
+}
+
+}  // namespace oska::platform

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "oska/resources/bundle_shelf.h"
+#include "oska/resources/json_decoding.h"
+#include "oska/resources/resource_log.h"
+#include "oska/resources/resource_manager.h"
+
+namespace oska {
+
+/// One pass of a load, from the descriptor on: decide, download, take into use, answer. Each step runs on the
+/// main queue and calls the next; the load keeps itself alive until it has answered.
+template <class Kind>
+class BundleLoad : public std::enable_shared_from_this<BundleLoad<Kind>> {
+public:
+    using Completion = OskaResourceManager::LoadCompletion;
+
+    /// `shelf` is the manager's, and touched only while the manager lives.
+    BundleLoad(std::weak_ptr<OskaResourceManager> manager, BundleShelf<Kind>& shelf,
+               std::shared_ptr<platform::MainQueue> queue, std::int64_t sectorId, bool forceUpdate,
+               Completion completion)
+        : manager_(std::move(manager)),
+          shelf_(shelf),
+          queue_(std::move(queue)),
+          sectorId_(sectorId),
+          forceUpdate_(forceUpdate),
+          completion_(std::move(completion)) {}
+
+    void decide(std::optional<BundleOutput> output) {
+        const auto manager = manager_.lock();
+        if (!manager) return failBefore("self is nil before processing BundleOutput");
+        if (!output) return failBefore("serverBundleOutput is nil");
+        output_ = std::move(*output);
+        cachedOutput_ = shelf_.outputFor(sectorId_);
+        cachedBundle_ = shelf_.bundleFor(sectorId_);
+        if (isUnchanged()) return reuse();
+        manager->downloadResourceData(output_.url,
+                                      [load = this->shared_from_this()](std::optional<std::string> data) {
+                                          load->take(std::move(data));
+                                      });
+    }
+
+private:
+    using Bundle = typename Kind::Bundle;
+
+    bool isUnchanged() const {
+        return !forceUpdate_ && cachedOutput_ && cachedBundle_ &&
+               cachedOutput_->version_id == output_.version_id;
+    }
+
+    void reuse() {
+        shelf_.versionId = output_.version_id;
+        shelf_.current = cachedBundle_;
+        RESOURCE_LOG.info(tag(), kindBundle<Kind>("version unchanged, use cached "),
+                          {{"sectorId", sectorId_}, {"versionId", output_.version_id}});
+        finish(true);
+    }
+
+    void take(std::optional<std::string> data) {
+        const auto manager = manager_.lock();
+        if (Kind::LOGS_EACH_STEP && !manager) {
+            RESOURCE_LOG.error(tag(), kindBundle<Kind>("self is nil before decoding "),
+                               {{"sectorId", sectorId_}, {"versionId", output_.version_id}});
+            return finish(false);
+        }
+        const auto dataSize = data ? std::optional(data->size()) : std::nullopt;
+        std::optional<Bundle> bundle;
+        if (manager && data) bundle = decodeJSONData<Bundle>(std::move(*data));
+        if (bundle) return use(std::make_shared<const Bundle>(std::move(*bundle)));
+        logUnusable(dataSize);
+        fallBack(manager != nullptr, dataSize ? "decode failed" : "downloaded data is nil");
+    }
+
+    void use(std::shared_ptr<const Bundle> bundle) {
+        shelf_.put(sectorId_, output_, bundle);
+        shelf_.versionId = output_.version_id;
+        shelf_.current = std::move(bundle);
+        RESOURCE_LOG.info(tag(), kindBundle<Kind>(forceUpdate_ ? "force updated " : "updated "),
+                          {{"sectorId", sectorId_}, {"versionId", output_.version_id}});
+        finish(true);
+    }
+
+    void logUnusable(std::optional<std::size_t> dataSize) const {
+        if (Kind::LOGS_EACH_STEP && dataSize) {
+            RESOURCE_LOG.error(
+                tag(), kindBundle<Kind>("failed to decode "),
+                {{"sectorId", sectorId_}, {"versionId", output_.version_id}, {"dataSize", *dataSize}});
+        } else {
+            RESOURCE_LOG.error(
+                tag(), "downloadResourceData returned nil",
+                {{"sectorId", sectorId_}, {"versionId", output_.version_id}, {"url", output_.url}});
+        }
+    }
+
+    void fallBack(bool isManaged, std::string_view reason) {
+        if (forceUpdate_ || !cachedBundle_) return finish(false);
+        if (Kind::LOGS_EACH_STEP) {
+            RESOURCE_LOG.warn(tag(), kindBundle<Kind>("use cached ", " because ") + std::string(reason),
+                              {{"sectorId", sectorId_},
+                               {"cachedVersionId", cachedOutput_ ? cachedOutput_->version_id : "unknown"}});
+        }
+        if (isManaged) shelf_.current = cachedBundle_;
+        finish(true);
+    }
+
+    void failBefore(std::string_view text) {
+        if (Kind::LOGS_EACH_STEP)
+            RESOURCE_LOG.error(tag(), text, {{"sectorId", sectorId_}, {"forceUpdate", forceUpdate_}});
+        finish(false);
+    }
+
+    void finish(bool success) {
+        queue_->async([completion = std::move(completion_), success] { completion(success); });
+    }
+
+    static std::string tag() { return kindOperation<Kind>("Resources"); }
+
+    std::weak_ptr<OskaResourceManager> manager_;
+    BundleShelf<Kind>& shelf_;
+    std::shared_ptr<platform::MainQueue> queue_;
+    std::int64_t sectorId_;
+    bool forceUpdate_;
+    Completion completion_;
+    BundleOutput output_;                         // being loaded
+    std::optional<BundleOutput> cachedOutput_;    // held for the sector when the decision was taken
+    std::shared_ptr<const Bundle> cachedBundle_;  // likewise
+};
+
+}  // namespace oska

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <vector>
+
+#include "oska/foundation/log_message.h"
+#include "oska/resources/level_map.h"
+
+namespace oska {
+
+struct MapPoint {
+    double x;
+    double y;
+};
+
+/// The map images of a site by level id; of levels that share an id the later one counts. A value, from a
+/// bundle of either kind.
+class LevelMaps {
+public:
+    LevelMaps() = default;
+    template <class Building>
+    explicit LevelMaps(const std::vector<Building>& buildings);
+
+    [[nodiscard]] const std::map<std::int64_t, LevelMap>& byLevelId() const { return byLevelId_; }
+    [[nodiscard]] std::optional<LevelMap> find(std::int64_t levelId) const;
+
+    /// A ward's place on the map of its level: scale times coordinate, rounded, then plus offset. Without a
+    /// map the coordinates stay as they are, which is logged.
+    [[nodiscard]] MapPoint convertWardCoordinate(std::int64_t levelId, std::int64_t x, std::int64_t y,
+                                                 const Log& log) const;
+
+private:
+    std::map<std::int64_t, LevelMap> byLevelId_;
+};
+
+template <class Building>
+LevelMaps::LevelMaps(const std::vector<Building>& buildings) {
+    for (const auto& building : buildings) {
+        for (const auto& level : building.levels) {
+            const auto& image = level.map_image;
+            byLevelId_.insert_or_assign(
+                level.id,
+                LevelMap{building.id, building.name, level.id, level.name, image.url, image.image_width,
+                         image.image_height, image.scale_x, image.scale_y, image.offset_x, image.offset_y});
+        }
+    }
+}
+
+}  // namespace oska

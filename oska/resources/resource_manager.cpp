@@ -1,0 +1,172 @@
+#include "oska/resources/resource_manager.h"
+
+#include <utility>
+
+#include "oska/foundation/network_constants.h"
+#include "oska/foundation/server_trust.h"
+#include "oska/platform/quenlo_resource.h"
+#include "oska/resources/bundle_load.h"
+#include "oska/resources/json_decoding.h"
+#include "oska/resources/resource_log.h"
+
+namespace oska {
+namespace {
+
+using platform::HttpOutcome;
+
+std::optional<std::string> downloadedBody(HttpOutcome outcome) {
+    if (outcome.error) {
+        RESOURCE_LOG.error("downloadResourceData", "request failed = " + outcome.error->description);
+        return std::nullopt;
+    }
+    const int status = outcome.reply && outcome.reply->status ? *outcome.reply->status : -1;
+    if (status < 200 || status > 299) {
+        RESOURCE_LOG.error("downloadResourceData", "invalid status = " + std::to_string(status));
+        return std::nullopt;
+    }
+    if (!outcome.body) RESOURCE_LOG.error("downloadResourceData", "empty response data");
+    return std::move(outcome.body);
+}
+
+}  // namespace
+
+const std::shared_ptr<OskaResourceManager>& OskaResourceManager::shared() {
+    static const auto* manager = new std::shared_ptr<OskaResourceManager>(
+        std::make_shared<OskaResourceManager>(platform::current(), OskaNetworkManager::shared()));
+    return *manager;
+}
+
+OskaResourceManager::OskaResourceManager(const platform::Platform& platform,
+                                         std::shared_ptr<OskaNetworkManager> network)
+    : mainQueue_(platform.mainQueue),
+      http_(platform.http),
+      network_(std::move(network)),
+      trustDelegate_(std::make_shared<OskaOnPremiseServerTrustDelegate>()) {
+    platform::QuenloResourceNetworkConstants::setServerURL(rawValue(platform::ResourceCloud::AWS),
+                                                           rawValue(platform::ResourceRegion::KOREA), false);
+    OskaOnPremiseNetworkConstants::resetOnPremiseBaseURLIfDisabled();
+}
+
+template <>
+BundleShelf<DapoKind>& OskaResourceManager::shelf<DapoKind>() {
+    return dapo_;
+}
+
+template <>
+BundleShelf<PelioKind>& OskaResourceManager::shelf<PelioKind>() {
+    return pelio_;
+}
+
+void OskaResourceManager::loadDapoResources(std::int64_t sectorId, bool forceUpdate,
+                                            LoadCompletion completion) {
+    load<DapoKind>(sectorId, forceUpdate, std::move(completion));
+}
+
+void OskaResourceManager::loadPelioResources(std::int64_t sectorId, bool forceUpdate,
+                                             LoadCompletion completion) {
+    load<PelioKind>(sectorId, forceUpdate, std::move(completion));
+}
+
+void OskaResourceManager::loadDapoBundle(std::int64_t sectorId, bool forceUpdate,
+                                         FetchCompletion completion) {
+    fetch<DapoKind>(sectorId, forceUpdate, std::move(completion));
+}
+
+void OskaResourceManager::loadPelioBundle(std::int64_t sectorId, bool forceUpdate,
+                                          FetchCompletion completion) {
+    fetch<PelioKind>(sectorId, forceUpdate, std::move(completion));
+}
+
+// ---- the fetch step
+
+namespace {
+
+/// What the endpoint's answer comes to, and the lines that say so.
+template <class Kind>
+std::optional<BundleOutput> fetchedOutput(std::int64_t sectorId, int status, std::string text,
+                                          std::optional<BundleOutput> fallback) {
+    const auto tag = kindOperation<Kind>("Bundle");
+    if (status != 200) {
+        RESOURCE_LOG.error(tag, "failed to fetch BundleOutput", {{"sectorId", sectorId}, {"status", status}});
+        if (fallback) {
+            RESOURCE_LOG.warn(tag, "use cached BundleOutput because server request failed",
+                              {{"sectorId", sectorId}, {"versionId", fallback->version_id}});
+        }
+        return fallback;
+    }
+    auto output = decodeJSONString<BundleOutput>(std::move(text));
+    if (!output) {
+        RESOURCE_LOG.error(tag, "failed to decode BundleOutput", {{"sectorId", sectorId}});
+        return fallback;
+    }
+    RESOURCE_LOG.info(tag, "fetched BundleOutput",
+                      {{"sectorId", sectorId}, {"versionId", output->version_id}});
+    return output;
+}
+
+}  // namespace
+
+template <class Kind>
+void OskaResourceManager::fetch(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion) {
+    auto fallback = shelf<Kind>().outputFor(sectorId);
+    if (forceUpdate) fallback.reset();
+    network_->getSectorBundle(
+        Kind::bundleUrlTemplate(), {.sector_id = sectorId, .operating_system = "iOS"}, forceUpdate,
+        [weak = weak_from_this(), queue = mainQueue_, sectorId, fallback = std::move(fallback),
+         completion = std::move(completion)](int status, std::string text, const SectorIdOsInput&) mutable {
+            const auto self = weak.lock();
+            if (!self) {
+                RESOURCE_LOG.error(kindOperation<Kind>("Bundle"),
+                                   "self is nil before handling BundleOutput response",
+                                   {{"sectorId", sectorId}, {"status", status}});
+                return queue->async([completion = std::move(completion)] { completion(std::nullopt); });
+            }
+            self->template deliver<Kind>(
+                fetchedOutput<Kind>(sectorId, status, std::move(text), std::move(fallback)),
+                std::move(completion));
+        });
+}
+
+template <class Kind>
+void OskaResourceManager::deliver(std::optional<BundleOutput> output, FetchCompletion completion) {
+    mainQueue_->async(
+        [weak = weak_from_this(), output = std::move(output), completion = std::move(completion)] {
+            if (const auto self = weak.lock(); self && output)
+                self->shelf<Kind>().versionId = output->version_id;
+            completion(output);
+        });
+}
+
+// ---- the load
+
+template <class Kind>
+void OskaResourceManager::load(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion) {
+    const auto load = std::make_shared<BundleLoad<Kind>>(weak_from_this(), shelf<Kind>(), mainQueue_,
+                                                         sectorId, forceUpdate, std::move(completion));
+    fetch<Kind>(sectorId, forceUpdate,
+                [load](std::optional<BundleOutput> output) { load->decide(std::move(output)); });
+}
+
+// ---- the download
+
+platform::HttpSession& OskaResourceManager::downloadSession() {
+    std::call_once(downloadSessionMade_,
+                   [this] { downloadSession_ = http_->makeSession({}, trustDelegate_); });
+    return *downloadSession_;
+}
+
+void OskaResourceManager::downloadResourceData(std::string_view url, DownloadCompletion completion) {
+    const auto parsed = platform::Url::parse(url);
+    if (!parsed) {
+        RESOURCE_LOG.error("downloadResourceData", "invalid url = " + std::string(url));
+        return mainQueue_->async([completion = std::move(completion)] { completion(std::nullopt); });
+    }
+    downloadSession().send(
+        {.url = *parsed}, [queue = mainQueue_, completion = std::move(completion)](HttpOutcome outcome) {
+            queue->async([completion, body = downloadedBody(std::move(outcome))]() mutable {
+                completion(std::move(body));
+            });
+        });
+}
+
+}  // namespace oska

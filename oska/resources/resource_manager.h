@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "oska/foundation/network_manager.h"
+#include "oska/platform/platform.h"
+#include "oska/resources/bundle.h"
+#include "oska/resources/bundle_kinds.h"
+#include "oska/resources/bundle_shelf.h"
+
+namespace oska {
+
+/// Gives each service the bundle of its sector: asks the endpoint where the bundle lies and which version it
+/// is, reuses the one it holds when the version is the same, and downloads it otherwise. When endpoint,
+/// download or decoding fails it falls back to what it holds for the sector, unless the caller forced the
+/// update. Everything is in memory, for the life of the process.
+///
+/// Threads: loads may be called on any thread; decisions, decoding and every completion run on the main
+/// queue. Each completion is called once, as a job of its own, never inside the load. Lifetime: owned by a
+/// shared_ptr, which loads hold weakly.
+class OskaResourceManager : public std::enable_shared_from_this<OskaResourceManager> {
+public:
+    using LoadCompletion = std::function<void(bool success)>;
+    using FetchCompletion = std::function<void(std::optional<BundleOutput>)>;
+    using DownloadCompletion = std::function<void(std::optional<std::string>)>;
+
+    /// The instance of the process, made on first use over the installed platform.
+    static const std::shared_ptr<OskaResourceManager>& shared();
+
+    OskaResourceManager(const platform::Platform& platform, std::shared_ptr<OskaNetworkManager> network);
+
+    /// After success the bundle is `currentDapoBundle()`, to be read inside the completion: the next load of
+    /// the kind replaces it.
+    void loadDapoResources(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
+    void loadPelioResources(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
+
+    /// Main queue only. Null before the first success.
+    [[nodiscard]] std::shared_ptr<const DapoBundle> currentDapoBundle() const { return dapo_.current; }
+    [[nodiscard]] std::shared_ptr<const PelioBundle> currentPelioBundle() const { return pelio_.current; }
+
+    /// The fetch step: the sector's descriptor, or the one held when the endpoint fails and nothing is
+    /// forced.
+    void loadDapoBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
+    void loadPelioBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
+
+    /// A plain GET; none when anything but a body with a status of 200 to 299 comes back, which is logged.
+    void downloadResourceData(std::string_view url, DownloadCompletion completion);
+
+private:
+    template <class Kind>
+    BundleShelf<Kind>& shelf();
+    template <class Kind>
+    void fetch(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
+    template <class Kind>
+    void deliver(std::optional<BundleOutput> output, FetchCompletion completion);
+    template <class Kind>
+    void load(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
+    platform::HttpSession& downloadSession();
+
+    std::shared_ptr<platform::MainQueue> mainQueue_;
+    std::shared_ptr<platform::HttpSessionFactory> http_;
+    std::shared_ptr<OskaNetworkManager> network_;
+    std::shared_ptr<platform::HttpSessionDelegate> trustDelegate_;
+    std::once_flag downloadSessionMade_;
+    std::unique_ptr<platform::HttpSession> downloadSession_;  // on first use
+    BundleShelf<DapoKind> dapo_;
+    BundleShelf<PelioKind> pelio_;
+};
+
+}  // namespace oska

@@ -1,0 +1,139 @@
+#include "adapters/virtual/virtual_main_queue.h"
+
+#include <limits>
+
+#include "tests/contract/main_queue_contract.h"
+
+namespace oska::virtual_world {
+namespace {
+
+using platform::WallTime;
+using std::chrono::nanoseconds;
+using namespace std::chrono_literals;
+
+constexpr WallTime START{1'700'000'000'000, 0};
+constexpr auto FIRST_MILLISECOND = std::numeric_limits<std::int64_t>::min();
+constexpr auto LAST_MILLISECOND = std::numeric_limits<std::int64_t>::max();
+
+struct VirtualDriver {
+    static constexpr nanoseconds UNIT = 1s;
+    static constexpr bool CAN_BE_LATE = false;
+
+    platform::MainQueue& queue() { return time; }
+    nanoseconds elapsed() const { return platform::spanBetween(START, time.now()); }
+    void stop() { time.stop(); }
+    void runUntil(const std::function<bool()>& isDone) {
+        for (time.runDue(); !isDone(); time.advanceBy(UNIT)) std::this_thread::yield();
+    }
+
+    VirtualMainQueue time{START};
+};
+
+}  // namespace
+}  // namespace oska::virtual_world
+
+namespace oska::platform {
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, MainQueueContract, virtual_world::VirtualDriver);
+}  // namespace oska::platform
+
+namespace oska::virtual_world {
+namespace {
+
+class VirtualTime : public testing::Test {
+protected:
+    platform::Task note(std::string name) {
+        return [this, name = std::move(name)] { log_.emplace_back(name, sinceStart()); };
+    }
+    std::int64_t sinceStart() const { return platform::millisecondsBetween(START, time_.now()); }
+
+    using Log = std::vector<std::pair<std::string, std::int64_t>>;
+    VirtualMainQueue time_{START};
+    Log log_;
+};
+
+TEST_F(VirtualTime, EachJobFindsTheClockAtItsOwnDeadline) {
+    const auto late = time_.after(300ms, note("late"));
+    const auto tick = time_.every(100ms, note("tick"));
+    const auto due = time_.after(100ms, note("due"));
+    time_.advanceBy(200ms);
+    EXPECT_EQ(log_, (Log{{"tick", 0}, {"due", 100}, {"tick", 100}, {"tick", 200}}));
+    EXPECT_EQ(sinceStart(), 200);
+    time_.advanceTo(START + 299ms + 999'999ns);
+    EXPECT_EQ(log_.size(), 4U);
+    time_.advanceTo(START + 300ms);
+    EXPECT_EQ(log_.back(), (std::pair<std::string, std::int64_t>{"tick", 300}));
+    EXPECT_EQ(log_[4].first, "late");
+}
+
+TEST_F(VirtualTime, TheClockNeverGoesBackButWhatIsDueRuns) {
+    time_.advanceBy(1s);
+    for (const auto earlier : {0, 1}) {
+        time_.async(note("due"));
+        if (earlier == 0)
+            time_.advanceTo(START);
+        else
+            time_.advanceBy(-1h);
+    }
+    EXPECT_EQ(log_, (Log{{"due", 1000}, {"due", 1000}}));
+    EXPECT_EQ(sinceStart(), 1000);
+}
+
+TEST_F(VirtualTime, RunDueAlsoRunsWhatThatSchedulesForNow) {
+    const auto later = time_.after(1ns, note("later"));
+    time_.async([&] {
+        time_.async([&] { time_.async(note("third")); });
+        note("first")();
+    });
+    time_.runDue();
+    EXPECT_EQ(log_, (Log{{"first", 0}, {"third", 0}}));
+}
+
+TEST_F(VirtualTime, AJumpOverMonthsRunsEveryTick) {
+    constexpr auto MONTHS = 24h * 90;
+    std::int64_t ticks = 0;
+    const auto timer = time_.every(10s, [&] { ++ticks; });
+    time_.advanceBy(MONTHS);
+    EXPECT_EQ(ticks, MONTHS / 10s + 1);
+}
+
+TEST(VirtualTimeRange, AnyMillisecondIsAnInstant) {
+    VirtualMainQueue time({FIRST_MILLISECOND, 0});
+    bool hasRun = false;
+    const auto job = time.after(1h, [&] { hasRun = true; });
+    time.advanceTo({0, 0});
+    EXPECT_TRUE(hasRun);
+    time.advanceTo({LAST_MILLISECOND, 0});
+    EXPECT_EQ(time.now(), (WallTime{LAST_MILLISECOND, 0}));
+}
+
+TEST(VirtualTimeRange, WhatWouldComeDueBeyondTheLastInstantNeverDoes) {
+    VirtualMainQueue time({LAST_MILLISECOND - 1, 500'000});
+    std::vector<WallTime> ticks;
+    platform::Held held;
+    const auto timer = time.every(1'200us, [&] { ticks.push_back(time.now()); });
+    auto beyond = time.after(1h, [token = held.give()] { ADD_FAILURE() << "ran at the end of time"; });
+    time.advanceTo({LAST_MILLISECOND, 999'999});
+    time.advanceBy(1h);
+    EXPECT_EQ(ticks, (std::vector<WallTime>{{LAST_MILLISECOND - 1, 500'000}, {LAST_MILLISECOND, 700'000}}));
+    EXPECT_TRUE(held.isAlive());
+    beyond.reset();
+    EXPECT_FALSE(held.isAlive());
+}
+
+TEST_F(VirtualTime, WhatOtherThreadsSubmitIsDueAtTheInstantTheClockShows) {
+    time_.advanceBy(5ms);
+    std::thread([&] { time_.async(note("async")); }).join();
+    time_.advanceBy(1s);
+    EXPECT_EQ(log_, (Log{{"async", 5}}));
+}
+
+TEST_F(VirtualTime, StopsTheProcessWhenMovedWrongly) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    EXPECT_DEATH(std::thread([&] { time_.runDue(); }).join(), "thread other than the main one");
+    time_.async([&] { time_.advanceBy(1s); });
+    EXPECT_DEATH(time_.runDue(), "from inside a job");
+    EXPECT_DEATH((void)time_.every(0s, [] {}), "interval above zero");
+}
+
+}  // namespace
+}  // namespace oska::virtual_world

@@ -1,0 +1,17 @@
+#pragma once
+
+// Macros that toolkits and system headers define before a host includes the kit.
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+
+#define emit
+#define slots
+#define signals public
+#define foreach for
+#define OUT
+#define IN
+#define None 0L
+#define Bool int
+#define Status int

@@ -1,0 +1,41 @@
+#include "oska/pelio/pelio_types.h"
+
+#include <gtest/gtest.h>
+
+#include "oska/platform/json.h"
+
+namespace oska {
+namespace {
+
+namespace json = platform::json;
+
+TEST(PelioTypes, KeepTheirJsonForm) {
+    const PelioResult result{9'007'199'254'740'993, 1, "b", 2, "l", 60, 30.5};
+    const std::string text =
+        R"({"mobile_time":9007199254740993,"building_id":1,"building_name":"b","level_id":2,)"
+        R"("level_name":"l","x":60,"y":30.5})";
+    EXPECT_EQ(*json::encode(result), text);
+    const auto decoded = json::decode<PelioResult>(text);
+    ASSERT_TRUE(decoded);
+    EXPECT_EQ(*json::encode(*decoded), text);
+
+    const std::string image =
+        R"({"building_id":1,"building_name":"b","level_id":2,"level_name":"l","url":"u",)"
+        R"("image_width":1,"image_height":2,"scale_x":3,"scale_y":4,"offset_x":5,"offset_y":6})";
+    EXPECT_EQ(*json::encode(*json::decode<PelioMapImage>(image)), image);
+
+    const auto incomplete = json::decode<PelioResult>(text.substr(0, text.rfind(',')) + "}");
+    ASSERT_FALSE(incomplete);
+    EXPECT_EQ(incomplete.error().path, "y");
+}
+
+TEST(PelioTypes, RawValuesConvertToTheCasesThatTheyHave) {
+    for (const int raw : {-1, 0, 1, 2, 3}) EXPECT_EQ(static_cast<int>(*serviceErrorCode(raw)), raw);
+    for (const int raw : {-1, 0, 1}) EXPECT_EQ(static_cast<int>(*serviceInitErrorCode(raw)), raw);
+    for (const int raw : {-2, 4}) EXPECT_FALSE(serviceErrorCode(raw));
+    for (const int raw : {-2, 2, 4}) EXPECT_FALSE(serviceInitErrorCode(raw));
+    EXPECT_EQ(caseName(PelioErrorCode::BLE_NOT_AUTHORIZED), "BLE_NOT_AUTHORIZED");
+}
+
+}  // namespace
+}  // namespace oska

@@ -1,0 +1,177 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+#include "tests/platform/json_records.h"
+
+namespace oska::platform::json {
+namespace {
+
+TEST(JsonText, UnescapesAndKeepsTheRest) {
+    EXPECT_EQ(*decode<std::string>(R"("\"\\\/\b\f\n\r\t\u0041\u00e9\u20AC\ud83d\uDE00")"),
+              "\"\\/\b\f\n\r\tA\u00e9\u20ac\U0001F600");
+    EXPECT_EQ(*decode<std::string>(R"("a\u0000b")"), std::string("a\0b", 3));
+    EXPECT_EQ(*decode<std::string>("\"\x7f\u2028\uFFFF e\u0301\""), "\x7f\u2028\uFFFF e\u0301");
+    EXPECT_EQ(*decode<std::string>(R"("")"), "");
+    EXPECT_EQ(*decode<std::string>("\xEF\xBB\xBF \"bom\" "), "bom");
+}
+
+TEST(JsonText, RefusesWhatIsNoUnicode) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {R"("\ud800")", R"(an escape of JSON, found \ud800)"},
+        {R"("\udc00")", R"(an escape of JSON, found \udc00)"},
+        {R"("\ud800\ud800")", R"(an escape of JSON, found \ud800)"},
+        {R"("\ud800x")", R"(an escape of JSON, found \ud800)"},
+        {R"("\u12g4")", R"(an escape of JSON, found \u12g4)"},
+        {R"("\u+123")", R"(an escape of JSON, found \u+123)"},
+        {R"("\u12")", R"(an escape of JSON, found \u12)"},
+        {R"("\q")", R"(an escape of JSON, found \q)"},
+        {"\"\\\u00e9\"", "an escape of JSON, found \\\u00e9"},
+        {R"("\U0041")", R"(an escape of JSON, found \U)"},
+        {"\"\x80\"", "UTF-8, found byte 0x80"},
+        {"\"\xC0\x80\"", "UTF-8, found byte 0xc0"},
+        {"\"\xED\xA0\x80\"", "UTF-8, found byte 0xed"},
+        {"\"\xF4\x90\x80\x80\"", "UTF-8, found byte 0xf4"},
+        {"\"\xE2\x82\"", "UTF-8, found byte 0xe2"},
+        {"\"a\nb\"", "an escape, found byte 0x0a"},
+        {"\"a\\\x1f\"", "an escape, found byte 0x1f"},
+        {"\"a", "a closing quote, found the end"},
+        {"\"a\\", "a closing quote, found the end"},
+        {"\"a\\\"", "a closing quote, found the end"},
+        {"\"a\xF0\x9F", "UTF-8, found byte 0xf0"},
+    };
+    for (const auto& [text, difference] : cases) {
+        const std::string message = "malformed JSON in line 1: expected " + std::string(difference);
+        EXPECT_EQ(decodingErrorOf<std::string>(text), message) << text;
+        EXPECT_EQ(syntaxErrorOf(text), message) << text;
+    }
+}
+
+TEST(JsonDocument, IsCheckedWhereverNobodyReads) {
+    const std::pair<std::string_view, std::string_view> cases[] = {
+        {"", "malformed JSON in line 1: expected a value, found the end"},
+        {" \n\t ", "malformed JSON in line 2: expected a value, found the end"},
+        {R"({"a":})", "a: malformed JSON in line 1: expected a value, found }"},
+        {R"({"a":1,})", "malformed JSON in line 1: expected a key, found }"},
+        {R"({"a" 1})", "malformed JSON in line 1: expected ':', found 1"},
+        {R"({"a":1 "b":2})", "malformed JSON in line 1: expected ',' or '}', found \"b\""},
+        {R"({"a":1,)", "malformed JSON in line 1: expected a key, found the end"},
+        {R"({a:1})", "malformed JSON in line 1: expected a key, found a"},
+        {R"({,})", "malformed JSON in line 1: expected a key, found ,"},
+        {R"({"a":[1,{"b c":[01]}]})",
+         "a[1][\"b c\"][0]: malformed JSON in line 1: expected a value, found 01"},
+        {"{\"a\":\n\n[1,\n 2 3]}", "a: malformed JSON in line 4: expected ',' or ']', found 3"},
+        {"[1,]", "[1]: malformed JSON in line 1: expected a value, found ]"},
+        {"[,]", "[0]: malformed JSON in line 1: expected a value, found ,"},
+        {"[1,,2]", "[1]: malformed JSON in line 1: expected a value, found ,"},
+        {"[1}", "malformed JSON in line 1: expected ',' or ']', found }"},
+        {"[tru]", "[0]: malformed JSON in line 1: expected a value, found tru"},
+        {"[nullx]", "[0]: malformed JSON in line 1: expected a value, found nullx"},
+        {"[True]", "[0]: malformed JSON in line 1: expected a value, found True"},
+        {"['a']", "[0]: malformed JSON in line 1: expected a value, found 'a'"},
+        {"[\"a\"x]", "malformed JSON in line 1: expected ',' or ']', found x"},
+        {"[1\"a\"]", "[0]: malformed JSON in line 1: expected a value, found 1\"a\""},
+        {"[\"a\"\v]", "malformed JSON in line 1: expected ',' or ']', found \\u000b"},
+        {"[1] // no comment", "malformed JSON in line 1: expected the end, found //"},
+        {"{}}", "malformed JSON in line 1: expected the end, found }"},
+        {"{},", "malformed JSON in line 1: expected the end, found ,"},
+        {"[", "[0]: malformed JSON in line 1: expected a value, found the end"},
+        {"\\\"", "malformed JSON in line 1: expected a value, found \\\""},
+        {"\xEF\xBB\xBF\xEF\xBB\xBF[]", "malformed JSON in line 1: expected a value, found \xEF\xBB\xBF"},
+        {std::string_view("{}\0", 3), "malformed JSON in line 1: expected the end, found \\u0000"},
+    };
+    for (const auto& [text, message] : cases) {
+        EXPECT_EQ(syntaxErrorOf(text), message) << text;
+        if (!text.starts_with('{')) continue;
+        EXPECT_EQ(decodingErrorOf<Nothing>(text), message) << text;
+    }
+}
+
+TEST(JsonDocument, KnowsFourKindsOfWhiteSpace) {
+    EXPECT_EQ(syntaxErrorOf("\t[ 1 ,\r\n\"a\"\t]\n"), "none");
+    for (const std::string blank : {"\f", "\v", "\x1a", "\x7f", "\u00a0", "\u2003", "\uFEFF", "#"}) {
+        for (const std::string& text :
+             {"[" + blank + "1]", "[1" + blank + "]", "[\"a\"" + blank + "]", "[1]" + blank}) {
+            EXPECT_NE(syntaxErrorOf(text), "none") << text;
+        }
+    }
+}
+
+TEST(JsonDocument, FailsWhereverItIsCutOff) {
+    const std::string text =
+        R"({"doors":[{"id":1,"name":"\u00e9","width":2.5,"tags":["x"]}],"rooms":{},"open":true})";
+    ASSERT_EQ(decodingErrorOf<House>(text), "none");
+    for (std::size_t length = 0; length < text.size(); ++length) {
+        const std::vector<char> exact(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_NE(decodingErrorOf<House>({exact.data(), exact.size()}), "none") << length;
+    }
+}
+
+// The library underneath asks for padding in general, but not for the one stage that is used.
+TEST(JsonDocument, IsNotReadBeyondItsEnd) {
+    const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+    auto* const pages = static_cast<char*>(
+        mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
+    ASSERT_NE(static_cast<void*>(pages), MAP_FAILED);
+    ASSERT_EQ(mprotect(pages + page, page, PROT_NONE), 0);
+    for (const std::string text :
+         {"[1,2]", "{\"k\":\"v\"}", "12", "tru", "\"a\\", "\"\xF0", "\"", "[\"\xF0\x9F\x98\x80\"]"}) {
+        for (std::size_t blanks = 0; blanks < 130; ++blanks) {
+            const std::string padded = std::string(blanks, ' ') + text;
+            char* const begin = pages + page - padded.size();
+            std::copy(padded.begin(), padded.end(), begin);
+            EXPECT_EQ(syntaxErrorOf({begin, padded.size()}), syntaxErrorOf(padded));
+        }
+    }
+    munmap(pages, 2 * page);
+}
+
+TEST(JsonDocument, NestsTo512) {
+    const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
+    EXPECT_EQ(syntaxErrorOf(nested(512)), "none");
+    EXPECT_THAT(syntaxErrorOf(nested(513)),
+                testing::HasSubstr("expected at most 512 nested arrays and objects"));
+    EXPECT_EQ(decodingErrorOf<Nothing>("{\"a\":" + nested(511) + ",\"b\":" + nested(511) + "}"), "none");
+    const std::string deep = decodingErrorOf<Nothing>("{\"a\":" + nested(512) + "}");
+    EXPECT_THAT(deep, testing::StartsWith("a[0][0]"));
+    EXPECT_LT(deep.size(), 600u);
+    EXPECT_NE(syntaxErrorOf(std::string(50'000'000, '[')), "none");
+    std::string objects;
+    for (int i = 0; i < 100'000; ++i) objects += "{\"a\":";
+    EXPECT_NE(syntaxErrorOf(objects), "none");
+}
+
+// Long documents are indexed in stretches of 128 KiB, cut at commas; some commas stand in strings, some
+// strings are longer than any stretch.
+TEST(JsonDocument, MayBeLongerThanOneStretch) {
+    House house;
+    for (std::size_t i = 0; i < 3000; ++i) {
+        const std::string filler(i % 300, i % 2 == 0 ? ',' : '"');
+        house.doors.push_back(
+            {static_cast<std::int64_t>(i), "},{" + filler + "},", 0.5, {filler, ",", "\\"}});
+    }
+    house.doors[1000].name = std::string(700'000, ',');
+    house.doors[1001].name = std::string(700'000, '\\') + "},";
+    for (int i = 0; i < 26; ++i) house.rooms[std::string(1, static_cast<char>('a' + i))] = i;
+    const std::string text = encodingOf(house);
+    ASSERT_GT(text.size(), 3'000'000u);
+
+    const auto decoded = decode<House>(text);
+    ASSERT_TRUE(decoded) << decoded.error().message();
+    EXPECT_TRUE(*decoded == house);
+    EXPECT_EQ(syntaxErrorOf(text), "none");
+
+    std::string broken = text;
+    broken.replace(text.rfind("\"id\":2999"), 9, "\"id\":29.5");
+    EXPECT_EQ(decodingErrorOf<House>(broken), "doors[2999].id: expected an integer, found 29.5");
+    EXPECT_EQ(syntaxErrorOf(text.substr(0, text.rfind("},\"open"))),
+              "rooms: malformed JSON in line 1: expected ',' or '}', found the end");
+    EXPECT_EQ(syntaxErrorOf("\n" + text.substr(0, 1'000'000) + '\x01'),
+              "malformed JSON in line 2: expected an escape, found byte 0x01");
+}
+
+}  // namespace
+}  // namespace oska::platform::json

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace oska::tool_tests {
+
+struct Ended {
+    int status = -1;  ///< as a shell has it
+    std::string out;
+    std::string err;
+
+    /// The event lines of `out`.
+    [[nodiscard]] std::vector<std::string> events() const;
+};
+
+/// A folder of its own for input files, gone with it.
+class Folder {
+public:
+    Folder();
+    ~Folder();
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    /// Writes a file; answers with its path.
+    std::string file(const std::string& name, const std::string& content) const;
+
+private:
+    std::string path_;
+};
+
+/// Runs the program to its end.
+Ended runOska(const std::vector<std::string>& arguments, const std::string& standardInput = "");
+
+/// The program while it waits for its input.
+class RunningOska {
+public:
+    explicit RunningOska(const std::vector<std::string>& arguments);
+    ~RunningOska();
+    RunningOska(const RunningOska&) = delete;
+    RunningOska& operator=(const RunningOska&) = delete;
+
+    void write(const std::string& text) const;
+    /// Waits for one line of standard output; empty at its end.
+    [[nodiscard]] std::string readLine();
+    /// As Ctrl-C does.
+    void interrupt() const;
+    int waitForStatus();
+
+private:
+    pid_t process_ = -1;
+    int input_ = -1;
+    int output_ = -1;
+};
+
+}  // namespace oska::tool_tests

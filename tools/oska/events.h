@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "oska/platform/clock.h"
+#include "oska/platform/json.h"
+
+namespace oska::tool {
+
+/// What a host hears, as lines on standard output, one JSON object each:
+///
+///     {"at":500,"event":"onPelioResult","result":{"mobile_time":1700000000500,...}}
+///
+/// They share the C library's buffer with the kit's own lines, so that the two keep their order; whoever
+/// waits flushes. Threads: any; a line is written in one piece.
+class Events {
+public:
+    /// The run begins now.
+    explicit Events(std::shared_ptr<const platform::WallClock> clock)
+        : clock_(std::move(clock)), begin_(clock_->now()) {}
+
+    /// `keysAndValues`: each key followed by its value, which is a bool, an integer, a text, a record or a
+    /// vector.
+    template <class... KeysAndValues>
+    void print(std::string_view event, const KeysAndValues&... keysAndValues) const {
+        std::string line = beginLine(event);
+        appendMembers(line, keysAndValues...);
+        writeLine(std::move(line));
+    }
+
+    /// An outcome: the code's name stands there on failure only.
+    template <class Code>
+    void printOutcome(std::string_view event, bool success, std::optional<Code> code) const {
+        if (code) {
+            print(event, "success", success, "code", std::string(caseName(*code)));
+        } else {
+            print(event, "success", success);
+        }
+    }
+
+private:
+    template <class Value, class... Rest>
+    static void appendMembers(std::string& line, std::string_view key, const Value& value,
+                              const Rest&... rest) {
+        line.append(",\"").append(key).append("\":");
+        if (const auto problem = platform::json::append(line, value)) {
+            line += "null";
+            reportLoss(key, problem->message());
+        }
+        if constexpr (sizeof...(rest) > 0) appendMembers(line, rest...);
+    }
+
+    [[nodiscard]] std::string beginLine(std::string_view event) const;
+    static void writeLine(std::string line);
+    /// JSON has no infinities, which coordinates can reach; the line says null and standard error why.
+    static void reportLoss(std::string_view key, std::string_view problem);
+
+    std::shared_ptr<const platform::WallClock> clock_;
+    platform::WallTime begin_;
+};
+
+}  // namespace oska::tool

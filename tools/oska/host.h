@@ -1,0 +1,41 @@
+#pragma once
+
+#include <optional>
+
+#include "tools/oska/recording_line.h"
+
+namespace oska::tool {
+
+/// An application around one service, as a command drives it: does what the recording's host did, and prints
+/// what it hears as events.
+///
+/// Threads: the main thread. Lifetime: destroying it destroys the service, which stops it.
+class Host {
+public:
+    virtual ~Host() = default;
+
+    virtual void initialize(bool forceUpdate) = 0;
+    virtual void start() = 0;
+    virtual void stop() = 0;
+
+    /// Any action of a recording for this service, the three above included.
+    virtual void perform(const Action& action) = 0;
+
+    /// Of the first initialisation; none until it has reported.
+    [[nodiscard]] std::optional<bool> firstInitialization() const { return firstInitialization_; }
+
+    /// Of the first start; none until it has reported.
+    [[nodiscard]] std::optional<bool> firstStart() const { return firstStart_; }
+
+protected:
+    void noteInitialization(bool success) { note(firstInitialization_, success); }
+    void noteStart(bool success) { note(firstStart_, success); }
+
+private:
+    static void note(std::optional<bool>& first, bool success) { first = first.value_or(success); }
+
+    std::optional<bool> firstInitialization_;
+    std::optional<bool> firstStart_;
+};
+
+}  // namespace oska::tool

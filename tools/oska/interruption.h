@@ -1,0 +1,21 @@
+#pragma once
+
+namespace oska::tool {
+
+/// Ctrl-C as a wish to end in order: noted, and acted on between two lines of input. A second Ctrl-C ends the
+/// program at once. Process-wide, as signals are. Threads: any.
+class Interruption {
+public:
+    Interruption() = delete;
+
+    /// From now on; before, Ctrl-C ends the program as usual.
+    static void listen();
+
+    [[nodiscard]] static bool requested();
+
+    /// Waits until `file` can be read without waiting, which a plain file always can. False: interrupted
+    /// meanwhile, or before.
+    [[nodiscard]] static bool waitForInput(int file);
+};
+
+}  // namespace oska::tool

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace oska::tool {
+
+/// The lines of a file or of standard input, each as soon as it is there. Memory: one block, or the longest
+/// line. Threads: one. Lifetime: a line is valid until the next call.
+class LineReader {
+public:
+    enum class Ending {
+        none,         ///< there are more lines
+        end,          ///< all lines have been read
+        interrupted,  ///< Ctrl-C
+        failed,       ///< `problem()` tells why
+    };
+
+    /// Opens `path`; "-" is standard input. `beforeRead` is called whenever the lines at hand are used up,
+    /// before more are read, which may take for ever.
+    LineReader(const std::string& path, std::function<void()> beforeRead);
+    ~LineReader();
+    LineReader(const LineReader&) = delete;
+    LineReader& operator=(const LineReader&) = delete;
+
+    /// Without its line feed; the last line need not have one. None: see `ending`.
+    [[nodiscard]] std::optional<std::string_view> next();
+
+    [[nodiscard]] std::uint64_t lineNumber() const { return lineNumber_; }  ///< of the line read last, from 1
+    [[nodiscard]] Ending ending() const { return ending_; }
+    [[nodiscard]] const std::string& problem() const { return problem_; }
+
+    [[nodiscard]] std::uint64_t bytesRead() const { return bytesRead_; }
+    [[nodiscard]] std::optional<std::uint64_t> size() const;  ///< bytes, of a plain file
+
+private:
+    [[nodiscard]] std::optional<std::string_view> take(std::size_t length, std::size_t separator);
+    bool readMore();
+    void fail(int error);
+
+    int file_;
+    std::function<void()> beforeRead_;
+    std::string buffer_;
+    std::size_t lineBegin_ = 0;   // in the buffer
+    std::size_t searchedTo_ = 0;  // no line feed between lineBegin_ and here
+    std::uint64_t lineNumber_ = 0;
+    std::uint64_t bytesRead_ = 0;
+    Ending ending_ = Ending::none;
+    std::string problem_;
+};
+
+}  // namespace oska::tool

@@ -1,0 +1,57 @@
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <cstdio>
+#include <string>
+#include <system_error>
+
+#include "tools/oska/commands.h"
+#include "tools/oska/complaint.h"
+
+using oska::tool::ExitStatus;
+
+namespace {
+
+constexpr auto ABOUT =
+    R"(Drives the kit from a shell: replays recorded walks, checks sites.
+
+Standard output carries the kit's own lines, which begin with [, ( or E, and events, one JSON object a line.
+Standard error carries errors and progress.)";
+
+constexpr auto MORE =
+    R"(Exit status: 0 all done; 1 the first initialisation or the first start failed; 2 bad usage or bad input;
+130 interrupted.
+
+Example: oska replay pelio --bundle site.json --recording walk.jsonl
+`oska COMMAND --help` explains every option of a command.)";
+
+constexpr std::size_t STANDARD_OUTPUT_BUFFER = std::size_t{64} << 10;
+
+// A full disk is bad news that a script must hear of, too.
+ExitStatus flushed(ExitStatus status) {
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
+    oska::tool::complain("standard output: " + std::generic_category().message(errno));
+    return ExitStatus::badInput;
+}
+
+ExitStatus run(int argc, char** argv) {
+    CLI::App program(ABOUT, "oska");
+    program.footer(MORE);
+    program.require_subcommand(1);
+    auto status = ExitStatus::done;
+    oska::tool::addCheck(program, status);
+    oska::tool::addReplay(program, status);
+    try {
+        program.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return program.exit(error) == 0 ? ExitStatus::done : ExitStatus::badInput;
+    }
+    return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // The commands flush before they wait; until then lines are cheap.
+    std::setvbuf(stdout, nullptr, _IOFBF, STANDARD_OUTPUT_BUFFER);
+    return static_cast<int>(flushed(run(argc, argv)));
+}

@@ -1,0 +1,42 @@
+#include "tools/oska/option_values.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace oska::tool {
+namespace {
+
+template <class Number>
+std::optional<Number> parsed(const std::string& text) {
+    Number value{};
+    const auto* const end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, value);
+    return result.ec == std::errc() && result.ptr == end ? std::optional(value) : std::nullopt;
+}
+
+// Writes the number anew, without the leading zeros that would make it octal.
+std::string checkInteger(std::string& text) {
+    const auto value = parsed<std::int64_t>(text);
+    if (!value) return text + " is not an integer of 64 bits";
+    text = std::to_string(*value);
+    return {};
+}
+
+std::string checkSeconds(const std::string& text) {
+    const auto value = parsed<double>(text);
+    const bool isDuration = value && std::isfinite(*value) && *value >= 0;
+    return isDuration ? std::string() : text + " is not a number of seconds";
+}
+
+}  // namespace
+
+CLI::Validator decimalInteger() { return CLI::Validator(checkInteger, ""); }
+
+CLI::Validator seconds() {
+    return CLI::Validator([](std::string& text) { return checkSeconds(text); }, "");
+}
+
+}  // namespace oska::tool

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace oska::tool {
+
+/// What options check their values with; the parser itself would read 012 as ten and take infinity for a
+/// duration.
+
+/// A decimal integer.
+[[nodiscard]] CLI::Validator decimalInteger();
+
+/// A finite number that is not negative.
+[[nodiscard]] CLI::Validator seconds();
+
+}  // namespace oska::tool

@@ -1,0 +1,235 @@
+#include <CLI/CLI.hpp>
+#include <chrono>
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "oska/foundation/logger.h"
+#include "oska/platform/quenlo_common.h"
+#include "oska/resources/bundle.h"
+#include "tools/oska/commands.h"
+#include "tools/oska/complaint.h"
+#include "tools/oska/events.h"
+#include "tools/oska/input_file.h"
+#include "tools/oska/interruption.h"
+#include "tools/oska/option_values.h"
+#include "tools/oska/pelio_host.h"
+#include "tools/oska/progress.h"
+#include "tools/oska/recording.h"
+#include "tools/oska/virtual_site.h"
+#include "tools/oska/wording.h"
+
+namespace oska::tool {
+namespace {
+
+constexpr auto ABOUT = "Replay a recorded walk: what would a host have heard?";
+
+constexpr auto MORE =
+    R"(Runs the real service in virtual time, as fast as the machine can, and prints what a host hears as events, one
+JSON object a line. The bundle comes from a server in memory. The same input gives the same output, byte for byte.
+
+The clock starts at the first line's mobile_time; the service is initialised and started then. A line stamped earlier
+than the clock is handled at once, with its own mobile_time. After the last line the clock goes on for --tail seconds,
+and the service is stopped. An empty recording is a service that is initialised, started and stopped at time 0.
+
+A recording is JSON Lines: samples and what the host did, in the order in which they happened.
+  {"mobile_time": 1700000000500, "rfs": {"lobby-a": -61.5, "gate 2": -80}}
+  {"mobile_time": 1700000001000, "action": "stop"}
+Pelio's actions are start, stop and initialize ("forceUpdate": true or false). Blank lines are skipped, and keys that a
+line does not need are ignored. A line with both rfs and action is an error, and so is an action of another service.
+An error ends the run: it names file and line, and all events before it have been printed.
+
+A bundle that does not decode is the service's business: its initialisation fails, as it would on a phone, and standard
+error says where the fault lies. Only when it does not even tell its sector, and --sector does not either, nothing runs.
+
+Example: oska replay pelio --bundle site.json --recording walk.jsonl --log)";
+
+struct Options {
+    std::string service;
+    std::string bundle;
+    std::string recording;
+    double tailSeconds = 6;
+    std::optional<std::int64_t> sector;
+    std::string id = "replay";
+    bool log = false;
+};
+
+/// Of a bundle, be it whole or broken elsewhere: which sector it is for.
+struct SectorOfBundle {
+    std::int64_t id = 0;
+};
+
+template <class Visit>
+void fields(Visit& f, SectorOfBundle& bundle) {
+    f("id", bundle.id);
+}
+
+std::chrono::nanoseconds span(double seconds) {
+    // Three centuries are the most that 64 bits of nanoseconds hold.
+    constexpr auto LONGEST = 9.2e9;
+    return std::chrono::nanoseconds(static_cast<std::int64_t>(std::min(seconds, LONGEST) * 1e9));
+}
+
+/// The service and its world from the first line on.
+class Run {
+public:
+    Run(const Options& options, std::int64_t sector, std::string bundle, std::int64_t begin)
+        : site_(std::move(bundle), {begin, 0}),
+          events_(site_.clock()),
+          host_(makePelioHost({.id = options.id, .region = "KOREA", .sectorId = sector}, events_)) {
+        host_->initialize(false);
+        site_.time().runDue();
+        if (!host_->firstInitialization())
+            complain("oska: the service refuses the id " + inQuotes(options.id));
+        host_->start();
+        site_.time().runDue();
+    }
+
+    void handle(RecordedLine line) {
+        site_.time().advanceTo({line.mobileTime, 0});
+        if (auto* const sample = std::get_if<platform::ReceivedForce>(&line.what)) {
+            site_.source().send(std::move(*sample));
+        } else {
+            host_->perform(std::get<Action>(line.what));
+        }
+        site_.time().runDue();
+    }
+
+    void end(std::chrono::nanoseconds tail) {
+        site_.time().advanceBy(tail);
+        host_->stop();
+        site_.time().runDue();
+    }
+
+    [[nodiscard]] bool beganWell() const {
+        return host_->firstInitialization().value_or(false) && host_->firstStart().value_or(false);
+    }
+
+private:
+    VirtualSite site_;
+    Events events_;
+    std::shared_ptr<Host> host_;
+};
+
+class Replay {
+public:
+    Replay(const Options& options, std::int64_t sector, std::string bundle)
+        : options_(options),
+          sector_(sector),
+          bundle_(std::move(bundle)),
+          recording_(options.recording, OskaService::pelio, [this] { beforeRead(); }) {}
+
+    ExitStatus run() {
+        while (!Interruption::requested()) {
+            auto line = recording_.next();
+            if (!line) break;
+            if (!run_) begin(line->mobileTime);
+            run_->handle(*std::move(line));
+        }
+        return end();
+    }
+
+private:
+    void begin(std::int64_t mobileTime) { run_.emplace(options_, sector_, std::move(bundle_), mobileTime); }
+
+    void beforeRead() {
+        std::fflush(stdout);
+        const auto& lines = recording_.lines();
+        progress_.update(lines.bytesRead(), lines.size());
+    }
+
+    ExitStatus end() {
+        if (recording_.ending() == LineReader::Ending::failed) {
+            complain(recording_.problem());
+            return ExitStatus::badInput;
+        }
+        if (recording_.ending() != LineReader::Ending::end) {
+            if (run_) run_->end({});
+            return ExitStatus::interrupted;
+        }
+        if (!run_) begin(0);
+        run_->end(span(options_.tailSeconds));
+        return run_->beganWell() ? ExitStatus::done : ExitStatus::serviceFailed;
+    }
+
+    const Options& options_;
+    std::int64_t sector_;
+    std::string bundle_;  // until the run begins
+    Progress progress_;
+    Recording recording_;
+    std::optional<Run> run_;
+};
+
+/// The sector to load. A bundle that does not decode is no obstacle as long as it is known whose it is.
+std::optional<std::int64_t> chooseSector(const Options& options, const std::string& bundle) {
+    const auto decoded = platform::json::decode<PelioBundle>(bundle);
+    if (!decoded) complain(faultLine(options.bundle, decoded.error()));
+    if (options.sector) return options.sector;
+    if (decoded) return decoded->id;
+    const auto sectorOfBundle = platform::json::decode<SectorOfBundle>(bundle);
+    return sectorOfBundle ? std::optional(sectorOfBundle->id) : std::nullopt;
+}
+
+ExitStatus replay(const Options& options) {
+    auto bundle = readInput(options.bundle);
+    if (!bundle) {
+        complain(bundle.error().problem);
+        return ExitStatus::badInput;
+    }
+    const auto sector = chooseSector(options, *bundle);
+    if (!sector) return ExitStatus::badInput;
+    Interruption::listen();
+    return Replay(options, *sector, *std::move(bundle)).run();
+}
+
+void addOptions(CLI::App& command, Options& options) {
+    command.add_option("SERVICE", options.service, "Which service: pelio.")
+        ->required()
+        ->check(CLI::IsMember({"pelio"}));
+    command
+        .add_option("--bundle", options.bundle,
+                    "The site's bundle; - is standard input.\n  --bundle site.json")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("--recording", options.recording,
+                    "The walk, JSON Lines; - is standard input, whose lines are handled as they arrive.\n"
+                    "  --recording walk.jsonl")
+        ->required()
+        ->type_name("FILE");
+    command
+        .add_option("--tail", options.tailSeconds,
+                    "Seconds for which the clock goes on after the last line (6).\n  --tail 12.5")
+        ->check(seconds())
+        ->type_name("SECONDS");
+    command.add_option("--sector", options.sector, "The sector to load (the bundle's id).\n  --sector 12")
+        ->transform(decimalInteger())
+        ->type_name("N");
+    command
+        .add_option("--id", options.id,
+                    "The service id: ASCII letters, digits, _ and - (replay).\n  --id corner-shop")
+        ->type_name("ID");
+    command.add_flag("--log", options.log, "Print the kit's log lines, too, where they fall.\n  --log");
+}
+
+}  // namespace
+
+void addReplay(CLI::App& program, ExitStatus& status) {
+    auto* const command = program.add_subcommand("replay", ABOUT);
+    const auto options = std::make_shared<Options>();
+    command->footer(MORE);
+    addOptions(*command, *options);
+    command->callback([options, &status] {
+        if (options->bundle == "-" && options->recording == "-") {
+            throw CLI::ValidationError("standard input cannot be both --bundle and --recording");
+        }
+        OskaLogger::setDebugOption(options->log);
+        platform::TovanReplayer::shared().setReplayMode(true);
+        status = replay(*options);
+    });
+}
+
+}  // namespace oska::tool

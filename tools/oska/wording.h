@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "oska/platform/json_error.h"
+
+namespace oska::tool {
+
+/// Foreign text inside a message: in double quotes, line breaks and control characters escaped.
+[[nodiscard]] std::string inQuotes(std::string_view text);
+
+/// Why a document is no bundle: `buildings[0].name: expected text, found 5`, without its line.
+[[nodiscard]] std::string faultText(const platform::json::DecodeError& error);
+
+/// The same with its place in front, as compilers do: `site.json:17: buildings[0].name: expected text, found
+/// 5`.
+[[nodiscard]] std::string faultLine(const std::string& file, const platform::json::DecodeError& error);
+
+}  // namespace oska::tool
