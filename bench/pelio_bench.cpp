@@ -1,14 +1,14 @@
-// What a sample costs Pelio's engine, against the plain way of following the rule: keep the samples as they come, and
-// on each new one normalise and look up every name of the window. Both pick the same wards, which is checked.
+// What a sample costs Pelio's engine, against the plain way of following the rule: keep the samples as they
+// come, and on each new one normalise and look up every name of the window. Both pick the same wards, which
+// is checked.
 
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
-#include <chrono>
 #include <cstdlib>
 #include <deque>
 #include <unordered_map>
 
+#include "bench/sample_cost.h"
 #include "bench/sample_stream.h"
 #include "oska/foundation/ward_name.h"
 #include "oska/pelio/pelio_ward_selection.h"
@@ -17,8 +17,6 @@ namespace oska::bench {
 namespace {
 
 constexpr std::int64_t WINDOW = PelioWardSelection::RFD_BUFFER_TIME_WINDOW * 1000;
-constexpr int SAMPLES_MEASURED = 200;
-constexpr int SAMPLES_BEFORE = 400;  // a minute or two: by then a phone has heard the names around it
 
 PelioBundle site() {
     PelioBundle bundle;
@@ -30,7 +28,8 @@ PelioBundle site() {
 class Plain {
 public:
     explicit Plain(const PelioBundle& bundle) {
-        for (const auto& ward : bundle.buildings[0].levels[0].wards) byName_[normalizeWardName(ward.name)] = ward;
+        for (const auto& ward : bundle.buildings[0].levels[0].wards)
+            byName_[normalizeWardName(ward.name)] = ward;
     }
 
     /// The id of the ward that is strongest in the window, or -1.
@@ -47,7 +46,8 @@ public:
     }
 
 private:
-    void consider(const std::string& name, double strength, const PelioLevelWard*& best, double& strongest) const {
+    void consider(const std::string& name, double strength, const PelioLevelWard*& best,
+                  double& strongest) const {
         const auto found = byName_.find(normalizeWardName(name));
         if (found == byName_.end() || found->second.rssi > strength) return;
         const auto& ward = found->second;
@@ -62,22 +62,6 @@ private:
     std::unordered_map<std::string, PelioLevelWard> byName_;
     std::deque<platform::ReceivedForce> window_;
 };
-
-/// Runs the stream through `engine`; the median time of its last samples in seconds, which an interruption by another
-/// program does not touch. Each sample is made right before it is handed over, as a generator does.
-template <class Engine>
-double secondsASample(Engine& engine, const std::vector<platform::ReceivedForce>& stream) {
-    std::vector<double> times;
-    for (const auto& original : stream) {
-        auto sample = original;
-        const auto start = std::chrono::steady_clock::now();
-        benchmark::DoNotOptimize(engine.handle(std::move(sample)));
-        times.push_back(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count());
-    }
-    const auto median = times.end() - SAMPLES_MEASURED / 2;
-    std::nth_element(times.end() - SAMPLES_MEASURED, median, times.end());
-    return *median;
-}
 
 void requireEqualAnswers(const PelioBundle& bundle, const std::vector<platform::ReceivedForce>& stream) {
     PelioWardSelection kit(bundle);
@@ -95,25 +79,12 @@ void requireEqualAnswers(const PelioBundle& bundle, const std::vector<platform::
     }
 }
 
-/// In turns, so that a slow spell of the machine hits both; the ratio is that of the best times.
 void pelioHandleRfd(benchmark::State& state) {
     const Load load{static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
     const auto bundle = site();
     const auto stream = sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED);
     requireEqualAnswers(bundle, stream);
-    double best = 1e9;
-    double bestOfPlain = 1e9;
-    for (auto _ : state) {
-        PelioWardSelection kit(bundle);
-        const auto seconds = secondsASample(kit, stream);
-        state.SetIterationTime(seconds);
-        best = std::min(best, seconds);
-        Plain plain(bundle);
-        bestOfPlain = std::min(bestOfPlain, secondsASample(plain, stream));
-    }
-    state.counters["best_ns"] = best * 1e9;
-    state.counters["plain_ns"] = bestOfPlain * 1e9;
-    state.counters["times_plain"] = bestOfPlain / best;
+    compare<PelioWardSelection, Plain>(state, bundle, stream);
 }
 
 BENCHMARK(pelioHandleRfd)->Args({20, 40})->Args({100, 200})->UseManualTime()->Iterations(8);

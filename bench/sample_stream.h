@@ -7,8 +7,8 @@
 
 #include "oska/platform/quenlo_common.h"
 
-/// A site of 2,000 wards and what a phone hears there: of the names, 30 % are strangers', and a quarter of the others
-/// have white space around them. Fixed by a seed.
+/// A site of 2,000 wards and what a phone hears there: of the names, 30 % are strangers', and a quarter of
+/// the others have white space around them. Fixed by a seed.
 namespace oska::bench {
 
 constexpr int WARDS = 2'000;
@@ -21,7 +21,8 @@ struct Load {
 };
 
 /// Enough samples to fill a window of `windowMilliseconds` and `count` more.
-inline std::vector<platform::ReceivedForce> sampleStream(Load load, std::int64_t windowMilliseconds, int count) {
+inline std::vector<platform::ReceivedForce> sampleStream(Load load, std::int64_t windowMilliseconds,
+                                                         int count) {
     std::mt19937 random(7);
     const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
     std::vector<platform::ReceivedForce> samples;

@@ -10,6 +10,7 @@
 #   OpenSSL       TLS under libcurl, where the servers' certificates are judged.
 #   zlib          compressed bodies: libcurl takes a stream that is cut off for a whole one.
 #   CLI11         the oska program's options and help.
+#   cpp-httplib   the server of `oska serve`, TLS included.
 #   GoogleTest, Google Benchmark   tests and measurements.
 #   nlohmann/json the yardstick of the decoding benchmark; nothing else uses it.
 
@@ -42,6 +43,8 @@ find_package(Threads REQUIRED GLOBAL)
 
 if(QUENLOOSKA_BUILD_TOOLS)
   find_package(CLI11 2.1 REQUIRED)
+  # A shared library whose headers take another layout without the macros that its pkg-config file defines.
+  quenlooska_need_module(httplib cpp-httplib)
 endif()
 if(QUENLOOSKA_BUILD_TESTS)
   find_package(GTest REQUIRED)

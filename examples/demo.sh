@@ -16,15 +16,17 @@ say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
 
 # Prints each kind of line once with what it means, and of the results that follow only those that tell something new.
 explain() {
-    awk '
+    local live=()  # Debian's awk would otherwise wait for a whole block of input
+    case "$(awk -W version 2>&1 </dev/null | head -n 1)" in mawk*) live=(-W interactive) ;; esac
+    awk "${live[@]}" '
         function note(text) { printf "      ^ %s\n", text }
         function show() { print (length($0) > 150 ? substr($0, 1, 147) "..." : $0) }
         function once(kind, text) { show(); if (!seen[kind]++) note(text) }
         /^\(QuenloResource\)/ { once("get", "the kit asks the server where the bundle of the sector lies, and which version it is"); next }
         /fetched BundleOutput/ { once("output", "the answer; the bundle file itself is downloaded next, unless this version is held already"); next }
+        /force updated/ { once("forced", "a forced one: downloaded again, whatever the version"); next }
         / updated (Pelio|Dapo)Bundle/ { once("updated", "downloaded, decoded and kept in memory for the life of the process"); next }
         /version unchanged/ { once("unchanged", "a second initialisation: the same version is reused, nothing is downloaded"); next }
-        /force updated/ { once("forced", "a forced one: downloaded again, whatever the version"); next }
         /\(initialize\) : success/ { once("init", "wards and map images are indexed: the service is ready"); next }
         /\(startGenerator\)/ { once("start", "the signal generator runs, here from a recording instead of a radio"); next }
         /^\[/ { next }
@@ -45,12 +47,35 @@ explain() {
               if (selections > 4) printf "      ... and %d more selections\n", selections - 4 }'
 }
 
-say "A recorded walk through a corner shop, replayed in virtual time"
-"$oska" replay pelio --bundle pelio.json --recording walk.jsonl --log | explain
+say "A development server on loopback: oska serve site"
+mkdir -p "$work/site/7"
+cp dapo.json pelio.json "$work/site/7/"
+"$oska" serve "$work/site" --port 0 --uploads "$work/uploads.jsonl" 2>"$work/server.log" &
+server=$!
+url=
+for _ in $(seq 100); do
+    url=$(grep -o 'http://[^ ]*' "$work/server.log" | head -n 1) && break
+    sleep 0.1
+done
+[ -n "$url" ] || { cat "$work/server.log" >&2; exit 1; }
+echo "It listens on $url, answers the bundle requests of sector 7 and takes uploads."
+
+# The walk, then the two ways to initialise once more.
+last=$(tail -n 1 walk.jsonl | grep -o '"mobile_time": *[0-9]*' | grep -o '[0-9]*$')
+cp walk.jsonl "$work/walk.jsonl"
+printf '{"mobile_time": %s, "action": "initialize"}\n' $((last + 20000)) >>"$work/walk.jsonl"
+printf '{"mobile_time": %s, "action": "initialize", "forceUpdate": true}\n' $((last + 40000)) >>"$work/walk.jsonl"
+
+say "Pelio against that server, a walk of three minutes at twenty times its pace"
+"$oska" run pelio --base-url "$url" --token demo --sector 7 --recording "$work/walk.jsonl" --speed 20 --tail 1 | explain
+
+say "Dapo on the same walk"
+"$oska" run dapo --base-url "$url" --token demo --sector 7 --recording walk.jsonl --speed 20 | explain
+echo "The server has $(wc -l <"$work/uploads.jsonl") samples from the upload: a recording of its own."
 
 say "Try next"
 cat <<EOT
-  $1 replay pelio --bundle examples/corner_shop/pelio.json --recording examples/corner_shop/walk.jsonl
-  $1 check examples/corner_shop/pelio.json
+  $1 replay dapo --bundle examples/corner_shop/dapo.json --recording examples/corner_shop/walk.jsonl   # in virtual time, at once
+  $1 check examples/corner_shop/pelio.json                  # what would surprise the bundle's author
   $1 --help
 EOT

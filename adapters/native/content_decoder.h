@@ -6,10 +6,11 @@
 
 namespace oska::native {
 
-/// Undoes the compression of a body, piece by piece. libcurl could, but takes a stream that is cut off for a whole one.
+/// Undoes the compression of a body, piece by piece. libcurl could, but takes a stream cut off for a whole
+/// one.
 ///
-/// Codings: gzip (RFC 1952) and deflate (RFC 1950; servers that send RFC 1951 without a wrapper are understood, too).
-/// Threads: one at a time.
+/// Codings: gzip (RFC 1952) and deflate (RFC 1950; servers that send RFC 1951 without a wrapper are
+/// understood, too). Threads: one at a time.
 class ContentDecoder {
 public:
     enum class Coding { gzip, deflate };

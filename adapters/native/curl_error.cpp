@@ -21,13 +21,13 @@ HttpError untrusted(const CurlFailure& failure) {
 }
 
 HttpError insecure(const CurlFailure& failure) {
-    const auto reason = failure.trustFault.empty() ? because(failure) : ": " + failure.trustFault + ".";
-    return {HttpErrorKind::secureConnectionFailed, "No secure connection to " + failure.server + reason};
+    return {HttpErrorKind::secureConnectionFailed,
+            "No secure connection to " + failure.server + because(failure)};
 }
 
 HttpError lost(const CurlFailure& failure) {
-    return {HttpErrorKind::connectionLost,
-            "The connection to " + failure.server + " ended before the reply was complete" + because(failure)};
+    return {HttpErrorKind::connectionLost, "The connection to " + failure.server +
+                                               " ended before the reply was complete" + because(failure)};
 }
 
 HttpError badReply(const CurlFailure& failure) {
@@ -39,15 +39,16 @@ HttpError badReply(const CurlFailure& failure) {
 HttpError httpError(const CurlFailure& failure) {
     switch (failure.code) {
         case CURLE_COULDNT_RESOLVE_HOST:
-            return {HttpErrorKind::cannotFindHost, "No server is known by the name \"" + failure.host + "\"."};
+            return {HttpErrorKind::cannotFindHost,
+                    "No server is known by the name \"" + failure.host + "\"."};
         case CURLE_COULDNT_CONNECT:
-            return {HttpErrorKind::cannotConnect, "Could not connect to " + failure.server + because(failure)};
+            return {HttpErrorKind::cannotConnect,
+                    "Could not connect to " + failure.server + because(failure)};
         case CURLE_OPERATION_TIMEDOUT:
             return {HttpErrorKind::timedOut, "Connecting to " + failure.server + " took too long."};
         case CURLE_PEER_FAILED_VERIFICATION:
             return untrusted(failure);
         case CURLE_SSL_CONNECT_ERROR:
-        case CURLE_SSL_CACERT_BADFILE:
         case CURLE_SSL_CIPHER:
             return insecure(failure);
         case CURLE_UNSUPPORTED_PROTOCOL:  // what libcurl calls a reply that does not begin with a status line
@@ -61,7 +62,8 @@ HttpError httpError(const CurlFailure& failure) {
         case CURLE_HTTP2_STREAM:
             return lost(failure);
         default:
-            return {HttpErrorKind::unknown, "The request to " + failure.server + " failed" + because(failure)};
+            return {HttpErrorKind::unknown,
+                    "The request to " + failure.server + " failed" + because(failure)};
     }
 }
 

@@ -30,25 +30,27 @@ long connectTimeout(std::chrono::milliseconds span) {
 }
 
 HttpError unsupported(const HttpRequest& request, const std::string& reason) {
-    return {HttpErrorKind::unsupportedUrl, "Unsupported URL \"" + request.url.absoluteString() + "\": " + reason + "."};
+    return {HttpErrorKind::unsupportedUrl,
+            "Unsupported URL \"" + request.url.absoluteString() + "\": " + reason + "."};
 }
 
 /// libcurl keeps brackets around an address, and its zone as a part of its own.
 bool isSameHost(std::string_view curlHost, std::string_view host) {
-    if (curlHost.starts_with('[') && curlHost.ends_with(']')) curlHost = curlHost.substr(1, curlHost.size() - 2);
+    if (curlHost.starts_with('[') && curlHost.ends_with(']'))
+        curlHost = curlHost.substr(1, curlHost.size() - 2);
     if (host.find(':') != std::string_view::npos) host = host.substr(0, host.find('%'));
     return equalsIgnoringAsciiCase(curlHost, host);
 }
 
 }  // namespace
 
-CurlExchange::CurlExchange(const HttpRequest& request, const HttpAddress& address, const ExchangeLimits& limits,
-                           platform::HttpSessionDelegate* delegate, TrustStore& authorities, void* owner)
+CurlExchange::CurlExchange(const HttpRequest& request, const HttpAddress& address,
+                           const ExchangeLimits& limits, platform::HttpSessionDelegate* delegate,
+                           TrustStore& authorities, void* owner)
     : request_(request),
       address_(address),
       collector_(address.text(), limits.replyBytes),
       trust_(address.host, delegate, authorities) {
-    setRequest();
     setConnection(limits);
     setCallbacks(owner);
     trust_.attachTo(easy_);
@@ -69,13 +71,14 @@ std::optional<HttpError> CurlExchange::start(CurlMulti& multi) {
         return HttpError{HttpErrorKind::unknown, "The request was not sent: " + *fault};
     }
     if (auto error = setUrl()) return error;
+    setRequest();
     if (easy_.result() != CURLE_OK) return failure(easy_.result());
     if (multi.add(easy_.get()) != CURLM_OK) return failure(CURLE_FAILED_INIT);
     multi_ = &multi;
     return std::nullopt;
 }
 
-/// libcurl reads URLs by rules of its own. It must not go to another host than the one that trust was decided for.
+/// libcurl reads URLs by rules of its own, but must not go to another host than trust is decided for.
 std::optional<HttpError> CurlExchange::setUrl() {
     const auto result = url_.set(CURLUPART_URL, request_.url.absoluteString(), CURLU_PATH_AS_IS);
     if (result != CURLUE_OK) return unsupported(request_, curl_url_strerror(result));
@@ -129,9 +132,18 @@ void CurlExchange::setCallbacks(void* owner) {
         .set(CURLOPT_WRITEDATA, static_cast<void*>(this));
 }
 
+bool CurlExchange::metDeadConnection(CURLcode code) const {
+    if (code != CURLE_HTTP2 && code != CURLE_HTTP2_STREAM) return false;
+    long newConnections = 0;
+    curl_easy_getinfo(easy_.get(), CURLINFO_NUM_CONNECTS, &newConnections);
+    return newConnections == 0 && !collector_.reply() && mayBeSentTwice(request_.method);
+}
+
 HttpOutcome CurlExchange::outcome(CURLcode code) {
     if (collector_.redirects()) return {.reply = collector_.reply()};
-    if (code == CURLE_OK && collector_.reply() && collector_.finish()) {
+    // To libcurl a connection that ends among the headers is a reply that came to its end.
+    if (code == CURLE_OK && !collector_.reply()) code = CURLE_GOT_NOTHING;
+    if (code == CURLE_OK && collector_.finish()) {
         return {.reply = collector_.reply(), .body = collector_.takeBody()};
     }
     return brokenOff(collector_.refusal() ? *collector_.refusal() : failure(code));

@@ -21,13 +21,14 @@ struct ExchangeLimits {
 
 /// One request and its reply on the wire. Redirects are the caller's business.
 ///
-/// Threads: the network thread. Lifetime: shorter than that of everything handed to it; destroyed before its end, it
-/// breaks its connection off.
+/// Threads: the network thread. Lifetime: shorter than that of everything handed to it; destroyed before its
+/// end, it breaks its connection off.
 class CurlExchange {
 public:
     /// Requires: `address` is that of the request's URL. `owner` is what `ownerOf` answers.
-    CurlExchange(const platform::HttpRequest& request, const HttpAddress& address, const ExchangeLimits& limits,
-                 platform::HttpSessionDelegate* delegate, TrustStore& authorities, void* owner);
+    CurlExchange(const platform::HttpRequest& request, const HttpAddress& address,
+                 const ExchangeLimits& limits, platform::HttpSessionDelegate* delegate,
+                 TrustStore& authorities, void* owner);
     ~CurlExchange();
     CurlExchange(const CurlExchange&) = delete;
     CurlExchange& operator=(const CurlExchange&) = delete;
@@ -36,6 +37,10 @@ public:
 
     /// None when it is under way, else why it could not be sent.
     [[nodiscard]] std::optional<platform::HttpError> start(CurlMulti& multi);
+
+    /// Whether it ended because a connection kept alive was dead, and may be sent once more. libcurl sees to
+    /// that over HTTP/1.1; over HTTP/2 it fails when the server has had enough of a connection.
+    [[nodiscard]] bool metDeadConnection(CURLcode code) const;
 
     /// How it ended, told by libcurl's code. A redirect counts as it stands once its headers were complete.
     [[nodiscard]] platform::HttpOutcome outcome(CURLcode code);

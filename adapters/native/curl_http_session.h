@@ -7,13 +7,15 @@
 
 namespace oska::native {
 
-/// HTTP/1.1, and HTTP/2 where the server offers it, over libcurl. One network thread serves all sessions of a factory.
+/// HTTP/1.1, and HTTP/2 where the server offers it, over libcurl. One network thread serves a factory's
+/// sessions.
 ///
-/// Connections are kept alive and shared by all sessions, except those whose certificate a delegate accepted and those
-/// of requests that must not be sent twice (POST): these serve one request. Nothing is taken from the environment: no
-/// proxies, no credentials, no certificates.
+/// Connections are kept alive and shared by all sessions, except those whose certificate a delegate accepted
+/// and those of requests that must not be sent twice (POST): these serve one request. Nothing is taken from
+/// the environment: no proxies, no credentials, no certificates.
 /// Time-outs: both kinds to within a few milliseconds; every byte sent or received restarts the idle one.
-/// Threads and errors: see `HttpSession`. Lifetime: destroying the factory shuts it down; sessions may outlive it.
+/// Threads and errors: see `HttpSession`. Lifetime: destroying the factory shuts it down; sessions may
+/// outlive it.
 class CurlHttpSessionFactory final : public platform::HttpSessionFactory {
 public:
     /// `caFile`: certificates in PEM of authorities to trust besides the system's; empty for none.

@@ -12,7 +12,7 @@ short pollEvents(int what) {
     return static_cast<short>(reads | writes);
 }
 
-/// A broken socket is handed over as ready: libcurl finds the reason when it uses it, and would lose it otherwise.
+/// A broken socket is handed over as ready: libcurl finds the reason when it uses it, and else loses it.
 int curlEvents(const pollfd& ready) {
     const bool isBroken = (ready.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
     const int usable = isBroken ? ready.events : ready.revents;
@@ -45,7 +45,8 @@ int CurlMulti::onSocket(CURL* transfer, curl_socket_t socket, int what, void* se
 
 int CurlMulti::onTimer(CURLM*, long milliseconds, void* self) noexcept {
     auto& timer = static_cast<CurlMulti*>(self)->timer_;
-    timer = milliseconds < 0 ? std::nullopt : std::optional(Clock::now() + std::chrono::milliseconds(milliseconds));
+    timer = milliseconds < 0 ? std::nullopt
+                             : std::optional(Clock::now() + std::chrono::milliseconds(milliseconds));
     return 0;
 }
 

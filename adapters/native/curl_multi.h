@@ -12,11 +12,12 @@
 
 namespace oska::native {
 
-/// libcurl's transfers and their pool of connections, driven by one thread that waits on their sockets itself: only
-/// so is every byte that comes or goes seen, headers and TLS handshakes included, and no deadline slept through.
+/// libcurl's transfers and their pool of connections, driven by one thread that waits on their sockets
+/// itself: only so is every byte that comes or goes seen, headers and TLS handshakes included, and no
+/// deadline slept through.
 ///
-/// Transfers do not share a connection at the same time, over HTTP/2 neither: one that was accepted for one request
-/// only could not be kept from serving another.
+/// Transfers do not share a connection at the same time, over HTTP/2 neither: one that was accepted for one
+/// request only could not be kept from serving another.
 /// Threads: one. Lifetime: longer than its transfers.
 class CurlMulti {
 public:
@@ -57,7 +58,7 @@ private:
     std::unordered_map<curl_socket_t, Watch> watches_;
     std::optional<Clock::time_point> timer_;
     std::vector<pollfd> polled_;
-    std::unique_ptr<CURLM, Free> handle_;  // the last member: closing its connections still reaches the watches
+    std::unique_ptr<CURLM, Free> handle_;  // last: when its connections close, the watches hear of it
 };
 
 }  // namespace oska::native

@@ -6,14 +6,14 @@
 namespace oska::native {
 namespace {
 
-/// The host's signals are for the host's threads. A broken connection, too, would send one, which ends the process.
+/// The host's signals are for the host's threads. That of a broken connection would end the process.
 void blockSignals() {
     sigset_t all;
     sigfillset(&all);
     pthread_sigmask(SIG_BLOCK, &all, nullptr);
 }
 
-void cancel(HttpTransfers transfers) {
+void cancel(const HttpTransfers& transfers) {
     for (const auto& transfer : transfers) transfer->cancel();
 }
 
@@ -26,6 +26,8 @@ CurlNetwork::~CurlNetwork() {
 }
 
 void CurlNetwork::send(std::unique_ptr<HttpTransfer> transfer) {
+    // The completion may run, and destroy the last session, before this returns.
+    const auto self = shared_from_this();
     {
         const std::lock_guard lock(mutex_);
         sent_.push_back(std::move(transfer));
@@ -57,7 +59,7 @@ void CurlNetwork::run() {
         auto [sent, isShutDown] = takeOrders();
         if (isShutDown) {
             loop.cancelAll();
-            cancel(std::move(sent));
+            cancel(sent);
             if (tryEnd()) return;
         } else {
             loop.begin(std::move(sent));

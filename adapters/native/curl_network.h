@@ -12,10 +12,11 @@ namespace oska::native {
 
 /// The network thread: it starts with the first request, and serves the sessions of all.
 ///
-/// Life: `shutDown` ends what is under way as cancelled, and the thread with it. A request that comes later is
-/// completed as cancelled by a thread that lives for just that.
+/// Life: `shutDown` ends what is under way as cancelled, and the thread with it. A request that comes later
+/// is completed as cancelled by a thread that lives for just that.
 /// Threads: operations on any; completions on the network thread with no lock held.
-/// Lifetime: the thread keeps the network alive, so that somebody must shut it down: see `CurlHttpSessionFactory`.
+/// Lifetime: the thread keeps the network alive, so that somebody must shut it down: see
+/// `CurlHttpSessionFactory`.
 class CurlNetwork : public std::enable_shared_from_this<CurlNetwork> {
 public:
     /// `caFile`: see `TrustStore`.

@@ -9,7 +9,9 @@ namespace {
 constexpr int HTTP_PORT = 80;    // RFC 9110, 4.2.1
 constexpr int HTTPS_PORT = 443;  // RFC 9110, 4.2.2
 
-char asciiLower(char letter) { return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter; }
+char asciiLower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter + 32) : letter;
+}
 
 }  // namespace
 
@@ -28,7 +30,8 @@ std::string HttpAddress::text() const {
 }
 
 bool isSameOrigin(const HttpAddress& one, const HttpAddress& other) {
-    return one.isSecure == other.isSecure && one.port == other.port && equalsIgnoringAsciiCase(one.host, other.host);
+    return one.isSecure == other.isSecure && one.port == other.port &&
+           equalsIgnoringAsciiCase(one.host, other.host);
 }
 
 bool equalsIgnoringAsciiCase(std::string_view one, std::string_view other) {

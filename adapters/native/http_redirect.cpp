@@ -16,7 +16,9 @@ using platform::HttpRequest;
 
 namespace {
 
-bool isNamed(const HttpHeader& header, std::string_view name) { return equalsIgnoringAsciiCase(header.name, name); }
+bool isNamed(const HttpHeader& header, std::string_view name) {
+    return equalsIgnoringAsciiCase(header.name, name);
+}
 
 bool becomesGet(int status, std::string_view method) {
     if (status == 303) return true;
@@ -26,8 +28,9 @@ bool becomesGet(int status, std::string_view method) {
 void dropBody(HttpRequest& request) {
     request.method = "GET";
     request.body.reset();
-    std::erase_if(request.headers,
-                  [](const auto& header) { return isNamed(header, "Content-Type") || isNamed(header, "Content-Length"); });
+    std::erase_if(request.headers, [](const auto& header) {
+        return isNamed(header, "Content-Type") || isNamed(header, "Content-Length");
+    });
 }
 
 /// What the caller meant for one server, credentials first of all, is not for another one to see.

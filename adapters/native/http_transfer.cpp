@@ -36,7 +36,8 @@ HttpTransfer::HttpTransfer(std::shared_ptr<const SessionState> session, HttpRequ
     : session_(std::move(session)),
       request_(std::move(request)),
       completion_(std::move(completion)),
-      deadlines_(idleTimeout(request_, *session_), session_->configuration.timeoutForResource, Clock::now()) {}
+      deadlines_(idleTimeout(request_, *session_), session_->configuration.timeoutForResource, Clock::now()) {
+}
 
 std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& authorities) {
     const auto address = HttpAddress::of(request_.url);
@@ -51,6 +52,10 @@ std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& auth
 }
 
 std::optional<HttpOutcome> HttpTransfer::take(CURLcode code) {
+    if (!hasBeenRepeated_ && exchange_->metDeadConnection(code)) {
+        hasBeenRepeated_ = true;
+        return std::nullopt;
+    }
     auto outcome = exchange_->outcome(code);
     exchange_.reset();
     const bool leadsOn = !outcome.error && isRedirect(*outcome.reply);
@@ -59,9 +64,9 @@ std::optional<HttpOutcome> HttpTransfer::take(CURLcode code) {
 
 std::optional<HttpOutcome> HttpTransfer::follow(const HttpReply& redirect) {
     if (++redirects_ > MAXIMUM_REDIRECTS) {
-        return failed(HttpErrorKind::tooManyRedirects,
-                      "More than " + std::to_string(MAXIMUM_REDIRECTS) + " redirects, the last of them at " +
-                          request_.url.absoluteString() + ".");
+        return failed(HttpErrorKind::tooManyRedirects, "More than " + std::to_string(MAXIMUM_REDIRECTS) +
+                                                           " redirects, the last of them at " +
+                                                           request_.url.absoluteString() + ".");
     }
     auto next = redirected(std::move(request_), redirect);
     if (auto* error = std::get_if<HttpError>(&next)) return HttpOutcome{.error = std::move(*error)};

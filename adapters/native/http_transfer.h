@@ -3,6 +3,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "adapters/native/curl_exchange.h"
 #include "adapters/native/request_deadlines.h"
@@ -12,6 +13,10 @@ namespace oska::native {
 
 /// What a session is to its requests, which may outlive it. Threads: any.
 struct SessionState {
+    SessionState(const platform::HttpSessionConfiguration& limits,
+                 std::shared_ptr<platform::HttpSessionDelegate> judge)
+        : configuration(limits), delegate(std::move(judge)) {}
+
     const platform::HttpSessionConfiguration configuration;
     const std::shared_ptr<platform::HttpSessionDelegate> delegate;
     std::atomic<bool> hasEnded{false};
@@ -34,7 +39,8 @@ public:
     /// Sends the request, or the one that a redirect has led to. An outcome when that fails.
     [[nodiscard]] std::optional<platform::HttpOutcome> send(CurlMulti& multi, TrustStore& authorities);
 
-    /// To be called when the exchange has ended. None when the reply was a redirect: `send` again.
+    /// To be called when the exchange has ended. None when that was not the end, but a redirect or a
+    /// connection that was dead already: `send` again.
     [[nodiscard]] std::optional<platform::HttpOutcome> take(CURLcode code);
 
     [[nodiscard]] bool isCancelled() const { return session_->hasEnded; }
@@ -55,6 +61,7 @@ private:
     platform::HttpSession::Completion completion_;
     RequestDeadlines deadlines_;
     int redirects_ = 0;
+    bool hasBeenRepeated_ = false;
     std::unique_ptr<CurlExchange> exchange_;
 };
 

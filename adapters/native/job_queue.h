@@ -15,13 +15,14 @@ namespace oska::native {
 
 using JobClock = std::chrono::steady_clock;
 
-/// One scheduled task. Its members belong to the queue's lock, except the task, which belongs to whoever took the job
-/// out of the queue or, while it runs, to the thread that runs it.
+/// One scheduled task. Its members belong to the queue's lock, except the task, which belongs to whoever
+/// took the job out of the queue or, while it runs, to the thread that runs it.
 class Job {
 public:
     using Key = std::pair<JobClock::time_point, std::uint64_t>;  // deadline, then order of scheduling
 
-    Job(std::chrono::nanoseconds interval, platform::Task task) : interval_(interval), task_(std::move(task)) {}
+    Job(std::chrono::nanoseconds interval, platform::Task task)
+        : interval_(interval), task_(std::move(task)) {}
 
     void run() const { task_(); }
 
@@ -42,8 +43,8 @@ public:
     /// True when the job is the first now. After `stop` the job's task is destroyed instead.
     bool add(const std::shared_ptr<Job>& job, JobClock::time_point deadline);
 
-    /// The first job, if it is due at `now` and was added before the number `end`; it must be finished. A repeating
-    /// one is back in the queue at once, at the next instant of its grid that lies ahead.
+    /// The first job, if it is due at `now` and was added before the number `end`; it must be finished. A
+    /// repeating one is back in the queue at once, at the next instant of its grid that lies ahead.
     [[nodiscard]] std::shared_ptr<Job> takeDue(JobClock::time_point now, std::uint64_t end);
 
     /// To be called when the job has run; destroys its task unless it repeats.

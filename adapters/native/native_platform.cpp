@@ -42,7 +42,8 @@ public:
     void stopRfdGeneration() override {}
 };
 
-platform::Platform assemble(std::shared_ptr<RunLoop> runLoop, std::shared_ptr<platform::HttpSessionFactory> http,
+platform::Platform assemble(std::shared_ptr<RunLoop> runLoop,
+                            std::shared_ptr<platform::HttpSessionFactory> http,
                             NativePlatformOptions options) {
     if (!options.auth) options.auth = std::make_shared<NobodySignedIn>();
     if (!options.bluetooth) options.bluetooth = std::make_shared<AlwaysAllowed>();

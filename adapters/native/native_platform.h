@@ -31,8 +31,8 @@ struct NativePlatformOptions {
 ///     native.runLoop().run();
 ///     native.shutDown();
 ///
-/// Threads: made on the main thread. Lifetime: destroying it shuts it down; the parts that an installed platform holds
-/// live on, idle.
+/// Threads: made on the main thread. Lifetime: destroying it shuts it down; the parts that an installed
+/// platform holds live on, idle.
 class NativePlatform {
 public:
     explicit NativePlatform(NativePlatformOptions options = {});
@@ -43,9 +43,10 @@ public:
     [[nodiscard]] platform::Platform platform() const { return platform_; }
     [[nodiscard]] RunLoop& runLoop() { return *runLoop_; }
 
-    /// In this order: the network ends, and each request under way has completed as cancelled; the main queue runs,
-    /// once, what is due, so that those who sent them hear of it; the main queue stops.
-    /// Call it on the main thread, outside the queue's jobs; elsewhere the middle step is left out. May be called again.
+    /// In this order: the network ends, and each request under way has completed as cancelled; the main
+    /// queue runs, once, what is due, so that those who sent them hear of it; the main queue stops.
+    /// Call it on the main thread, outside the queue's jobs; elsewhere the middle step is left out. May be
+    /// called again.
     void shutDown();
 
 private:

@@ -9,11 +9,10 @@
 namespace oska::native {
 
 using platform::HttpErrorKind;
-using platform::HttpReply;
 
 namespace {
 
-constexpr std::size_t MAXIMUM_HEADER_BYTES = std::size_t{1} << 20;
+constexpr std::size_t MAXIMUM_HEADER_BYTES = std::size_t{256} << 10;
 constexpr int FIRST_FINAL_STATUS = 200;
 
 std::string_view trimmed(std::string_view text) {
@@ -32,7 +31,9 @@ int statusOf(std::string_view statusLine) {
 
 bool isFolded(std::string_view line) { return line.starts_with(' ') || line.starts_with('\t'); }
 
-bool isPlain(std::string_view coding) { return coding.empty() || equalsIgnoringAsciiCase(coding, "identity"); }
+bool isPlain(std::string_view coding) {
+    return coding.empty() || equalsIgnoringAsciiCase(coding, "identity");
+}
 
 std::optional<ContentDecoder::Coding> codingNamed(std::string_view name) {
     if (equalsIgnoringAsciiCase(name, "gzip") || equalsIgnoringAsciiCase(name, "x-gzip")) {
@@ -47,7 +48,7 @@ std::optional<ContentDecoder::Coding> codingNamed(std::string_view name) {
 bool ReplyCollector::addHeaderLine(std::string_view line) {
     headerBytes_ += line.size();
     if (headerBytes_ > MAXIMUM_HEADER_BYTES) {
-        return refuse(HttpErrorKind::badServerReply, server_ + " sent more than 1 MiB of headers.");
+        return refuse(HttpErrorKind::badServerReply, server_ + " sent more than 256 KiB of headers.");
     }
     if (reply_) return true;
     if (!unfinished_) {
@@ -72,7 +73,8 @@ void ReplyCollector::addHeader(std::string_view line) {
     }
     const auto colon = line.find(':');
     if (colon == std::string_view::npos) return;
-    headers.push_back({std::string(trimmed(line.substr(0, colon))), std::string(trimmed(line.substr(colon + 1)))});
+    headers.push_back(
+        {std::string(trimmed(line.substr(0, colon))), std::string(trimmed(line.substr(colon + 1)))});
 }
 
 void ReplyCollector::endHeaders() {
@@ -88,7 +90,8 @@ bool ReplyCollector::addBody(std::string_view piece) {
     if (!decoder_) return keep(piece);
     const auto progress = decoder_->decode(piece, [this](std::string_view plain) { return keep(plain); });
     if (progress != ContentDecoder::Progress::broken) return progress == ContentDecoder::Progress::going;
-    return refuse(HttpErrorKind::badServerReply, "The compressed body of the reply from " + server_ + " is broken.");
+    return refuse(HttpErrorKind::badServerReply,
+                  "The compressed body of the reply from " + server_ + " is broken.");
 }
 
 bool ReplyCollector::beginBody() {
@@ -96,8 +99,9 @@ bool ReplyCollector::beginBody() {
     if (isPlain(coding)) return true;
     const auto known = codingNamed(coding);
     if (!known) {
-        return refuse(HttpErrorKind::badServerReply, server_ + " sent a body in the coding \"" + std::string(coding) +
-                                                         "\", which was not asked for.");
+        return refuse(
+            HttpErrorKind::badServerReply,
+            server_ + " sent a body in the coding \"" + std::string(coding) + "\", which was not asked for.");
     }
     decoder_ = std::make_unique<ContentDecoder>(*known);
     return true;
@@ -114,7 +118,8 @@ bool ReplyCollector::keep(std::string_view plain) {
 
 bool ReplyCollector::finish() {
     if (!decoder_ || decoder_->isComplete()) return true;
-    return refuse(HttpErrorKind::badServerReply, "The compressed body of the reply from " + server_ + " is cut off.");
+    return refuse(HttpErrorKind::badServerReply,
+                  "The compressed body of the reply from " + server_ + " is cut off.");
 }
 
 bool ReplyCollector::refuse(HttpErrorKind kind, std::string description) {

@@ -13,8 +13,8 @@ namespace oska::native {
 
 /// Puts one reply together from the header lines and the pieces of body that libcurl hands over.
 ///
-/// Bounds: the decoded body by `maximumBytes`, the headers by 1 MiB. What is refused is refused for good; `refusal`
-/// tells why. The body of a redirect is read past and neither kept nor judged.
+/// Bounds: the decoded body by `maximumBytes`, the headers by 256 KiB. What is refused is refused for good;
+/// `refusal` tells why. The body of a redirect is read past and neither kept nor judged.
 /// Threads: one at a time.
 class ReplyCollector {
 public:
@@ -27,7 +27,7 @@ public:
     /// False: refused.
     [[nodiscard]] bool addBody(std::string_view piece);
 
-    /// To be called when the transfer ended well: a compressed body may still turn out to be cut off. False: refused.
+    /// To be called when the transfer ended well: a compressed body may still be cut off. False: refused.
     [[nodiscard]] bool finish();
 
     /// The reply whose headers are complete.

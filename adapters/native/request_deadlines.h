@@ -6,8 +6,8 @@
 
 namespace oska::native {
 
-/// The instants at which a request has taken too long: idle since the last byte, or in all since it was sent.
-/// Threads: one at a time.
+/// The instants at which a request has taken too long: idle since the last byte, or in all since it was
+/// sent. Threads: one at a time.
 class RequestDeadlines {
 public:
     using Clock = std::chrono::steady_clock;

@@ -1,6 +1,7 @@
 #include "adapters/native/request_headers.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 
 #include "adapters/native/http_address.h"
@@ -26,14 +27,17 @@ bool breaksLine(std::string_view value) {
 
 std::optional<std::string> faultIn(const HttpHeader& header) {
     if (!isToken(header.name)) return "\"" + header.name + "\" is not a header name.";
-    if (breaksLine(header.value)) return "The value of the header \"" + header.name + "\" holds a line break.";
+    if (breaksLine(header.value))
+        return "The value of the header \"" + header.name + "\" holds a line break.";
     return std::nullopt;
 }
 
-/// Two statements of a length that disagree are how requests are smuggled past proxies.
-bool tellsLength(const HttpHeader& header) {
-    return equalsIgnoringAsciiCase(header.name, "Content-Length") ||
-           equalsIgnoringAsciiCase(header.name, "Transfer-Encoding");
+/// What only the transport can tell: two lengths that disagree are how requests are smuggled past proxies.
+bool isOurs(const HttpHeader& header) {
+    constexpr std::array<std::string_view, 4> NAMES{"Accept-Encoding", "Content-Length", "Expect",
+                                                    "Transfer-Encoding"};
+    return std::any_of(NAMES.begin(), NAMES.end(),
+                       [&](std::string_view name) { return equalsIgnoringAsciiCase(header.name, name); });
 }
 
 /// libcurl takes "Name:" as the wish to leave the header out, and "Name;" as one without a value.
@@ -56,8 +60,9 @@ CurlList curlHeaders(const HttpRequest& request) {
     CurlList lines;
     // libcurl would wait a second for leave to send a body above 1 MiB.
     lines.append("Expect:");
+    lines.append("Accept-Encoding: gzip, deflate");
     for (const auto& header : request.headers) {
-        if (!tellsLength(header)) lines.append(line(header));
+        if (!isOurs(header)) lines.append(line(header));
     }
     return lines;
 }

@@ -57,10 +57,11 @@ private:
     std::optional<bool> hasRun_;
 };
 
-/// A task somebody waits for: however the queue is rid of it, the waiter hears of it, after the task is destroyed.
+/// A task somebody waits for: however the queue is rid of it, the waiter hears of it once it is destroyed.
 class AwaitedTask {
 public:
-    AwaitedTask(Task task, std::shared_ptr<Waiter> waiter) : task_(std::move(task)), waiter_(std::move(waiter)) {}
+    AwaitedTask(Task task, std::shared_ptr<Waiter> waiter)
+        : task_(std::move(task)), waiter_(std::move(waiter)) {}
     ~AwaitedTask() {
         task_ = nullptr;
         waiter_->answer(hasRun_);
@@ -86,7 +87,8 @@ RunLoop::RunLoop(std::function<void()> wake) : wake_(std::move(wake)), jobs_(std
 RunLoop::~RunLoop() { stop(); }
 
 std::optional<RunLoop::Clock::time_point> RunLoop::pump() {
-    if (!isMainThread()) platform::programmingError("RunLoop::pump was called on another thread than the main one");
+    if (!isMainThread())
+        platform::programmingError("RunLoop::pump was called on another thread than the main one");
     if (isPumping_) return std::nullopt;
     isPumping_ = true;
     const auto now = Clock::now();
@@ -133,7 +135,8 @@ std::unique_ptr<platform::ScheduledWork> RunLoop::after(nanoseconds delay, Task 
 }
 
 std::unique_ptr<platform::ScheduledWork> RunLoop::every(nanoseconds interval, Task task) {
-    if (interval <= nanoseconds::zero()) platform::programmingError("a repeating timer needs an interval above zero");
+    if (interval <= nanoseconds::zero())
+        platform::programmingError("a repeating timer needs an interval above zero");
     return std::make_unique<QueuedWork>(jobs_, schedule(Clock::now(), interval, std::move(task)));
 }
 

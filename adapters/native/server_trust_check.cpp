@@ -4,11 +4,12 @@
 #include <openssl/x509v3.h>
 
 #include <algorithm>
+#include <memory>
 
 namespace oska::native {
 namespace {
 
-/// Without the dot that makes a name absolute, which certificates leave out, or the zone of a link-local address.
+/// Certificates know neither the dot that makes a name absolute nor the zone of a link-local address.
 std::string nameToCheck(std::string host) {
     const bool isIpv6 = host.find(':') != std::string::npos;
     if (isIpv6) host.resize(std::min(host.find('%'), host.size()));
@@ -22,39 +23,53 @@ bool expectHost(X509_VERIFY_PARAM* expectations, const std::string& host) {
     return X509_VERIFY_PARAM_set1_host(expectations, host.data(), host.size()) == 1;
 }
 
+/// What OpenSSL would find by itself, with these authorities instead of the connection's, of which there are
+/// none: reading those takes longer than the handshake, and is not done for servers that a delegate accepts.
+int errorIn(X509_STORE_CTX* chain, X509_STORE* authorities, const std::string& host) {
+    const std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> check(X509_STORE_CTX_new(),
+                                                                                X509_STORE_CTX_free);
+    if (!check || X509_STORE_CTX_init(check.get(), authorities, X509_STORE_CTX_get0_cert(chain),
+                                      X509_STORE_CTX_get0_untrusted(chain)) != 1) {
+        return X509_V_ERR_OUT_OF_MEM;
+    }
+    auto* expectations = X509_STORE_CTX_get0_param(check.get());
+    if (X509_VERIFY_PARAM_set1(expectations, X509_STORE_CTX_get0_param(chain)) != 1 ||
+        !expectHost(expectations, host)) {
+        return X509_V_ERR_OUT_OF_MEM;
+    }
+    return X509_verify_cert(check.get()) == 1 ? X509_V_OK : X509_STORE_CTX_get_error(check.get());
+}
+
 }  // namespace
 
 void ServerTrustCheck::attachTo(CurlEasy& easy) {
     easy_ = easy.get();
     const curl_ssl_ctx_callback onContext = [](CURL*, void* context, void* self) noexcept {
-        return static_cast<ServerTrustCheck*>(self)->prepare(static_cast<SSL_CTX*>(context));
+        static_cast<ServerTrustCheck*>(self)->prepare(static_cast<SSL_CTX*>(context));
+        return CURLE_OK;
     };
     easy.set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2})
         .set(CURLOPT_SSL_VERIFYPEER, 1L)
-        .set(CURLOPT_SSL_VERIFYHOST, 0L)  // libcurl's own name check would come after, and overrule, the delegate
+        .set(CURLOPT_SSL_VERIFYHOST,
+             0L)  // libcurl's own name check would come after, and overrule, the delegate
         .set(CURLOPT_CAINFO, nullptr)
         .set(CURLOPT_CAPATH, nullptr)
-        .set(CURLOPT_SSL_SESSIONID_CACHE, 0L)
+        .set(CURLOPT_SSL_SESSIONID_CACHE, 0L)  // newer versions of libcurl share sessions among all transfers
         .set(CURLOPT_SSL_CTX_FUNCTION, onContext)
         .set(CURLOPT_SSL_CTX_DATA, static_cast<void*>(this));
 }
 
-CURLcode ServerTrustCheck::prepare(SSL_CTX* context) {
-    auto* store = authorities_.get();
-    if (!store) {
-        fault_ = authorities_.fault();
-        return CURLE_SSL_CACERT_BADFILE;
-    }
-    SSL_CTX_set1_cert_store(context, store);
+void ServerTrustCheck::prepare(SSL_CTX* context) {
     SSL_CTX_set_cert_verify_callback(
         context,
-        [](X509_STORE_CTX* chain, void* self) noexcept { return static_cast<ServerTrustCheck*>(self)->judge(chain) ? 1 : 0; },
+        [](X509_STORE_CTX* chain, void* self) noexcept {
+            return static_cast<ServerTrustCheck*>(self)->judge(chain) ? 1 : 0;
+        },
         this);
     // A second handshake could bring another certificate, long after this object has gone.
     SSL_CTX_set_options(context, SSL_OP_NO_RENEGOTIATION);
     // libcurl obeys the variable SSLKEYLOGFILE and would write the connection's secrets there.
     SSL_CTX_set_keylog_callback(context, nullptr);
-    return CURLE_OK;
 }
 
 bool ServerTrustCheck::judge(X509_STORE_CTX* chain) {
@@ -63,9 +78,7 @@ bool ServerTrustCheck::judge(X509_STORE_CTX* chain) {
         X509_STORE_CTX_set_error(chain, X509_V_OK);
         return true;
     }
-    if (passesFullCheck(chain)) return true;
-    fault_ = X509_verify_cert_error_string(X509_STORE_CTX_get_error(chain));
-    return false;
+    return passesFullCheck(chain);
 }
 
 bool ServerTrustCheck::isAcceptedByDelegate() const {
@@ -73,9 +86,17 @@ bool ServerTrustCheck::isAcceptedByDelegate() const {
     return delegate_->didReceiveChallenge({.host = host_}) == platform::ChallengeDisposition::useCredential;
 }
 
-bool ServerTrustCheck::passesFullCheck(X509_STORE_CTX* chain) const {
-    if (!expectHost(X509_STORE_CTX_get0_param(chain), nameToCheck(host_))) return false;
-    return X509_verify_cert(chain) == 1;
+bool ServerTrustCheck::passesFullCheck(X509_STORE_CTX* chain) {
+    auto* authorities = authorities_.get();
+    if (!authorities) {
+        fault_ = authorities_.fault();
+        X509_STORE_CTX_set_error(chain, X509_V_ERR_APPLICATION_VERIFICATION);
+        return false;
+    }
+    const int error = errorIn(chain, authorities, nameToCheck(host_));
+    X509_STORE_CTX_set_error(chain, error);
+    if (error != X509_V_OK) fault_ = X509_verify_cert_error_string(error);
+    return error == X509_V_OK;
 }
 
 }  // namespace oska::native

@@ -10,12 +10,12 @@
 
 namespace oska::native {
 
-/// Judges the certificate of each new TLS connection of one transfer: the session's delegate is asked first, else
-/// chain, dates and host are checked in full.
+/// Judges the certificate of each new TLS connection of one transfer: the session's delegate is asked first,
+/// else chain, dates and host are checked in full.
 ///
-/// What a delegate accepted was accepted for one request: its connection is closed after it. Connections that passed
-/// the full check are kept alive, and serve any session. No TLS session is resumed, since that skips the judgement.
-/// Threads: the network thread. Lifetime: longer than the transfer.
+/// What a delegate accepted was accepted for one request: its connection is closed after it. Connections
+/// that passed the full check are kept alive, and serve any session. No TLS session is resumed, since that
+/// skips the judgement. Threads: the network thread. Lifetime: longer than the transfer.
 class ServerTrustCheck {
 public:
     /// `host`: as connected to; an address without brackets. `delegate` may be null.
@@ -27,14 +27,14 @@ public:
     /// Makes the transfer's TLS connections come here.
     void attachTo(CurlEasy& easy);
 
-    /// Why the last certificate was refused, or the connection not even tried; empty when neither happened.
+    /// Why the last certificate was refused; empty when none was.
     [[nodiscard]] const std::string& fault() const { return fault_; }
 
 private:
-    CURLcode prepare(SSL_CTX* context);
+    void prepare(SSL_CTX* context);
     bool judge(X509_STORE_CTX* chain);
     [[nodiscard]] bool isAcceptedByDelegate() const;
-    [[nodiscard]] bool passesFullCheck(X509_STORE_CTX* chain) const;
+    [[nodiscard]] bool passesFullCheck(X509_STORE_CTX* chain);
 
     const std::string host_;
     platform::HttpSessionDelegate* const delegate_;

@@ -21,7 +21,7 @@ SystemPlaces systemPlaces(const CurlEasy& easy) {
     return {X509_get_default_cert_file(), X509_get_default_cert_dir()};
 }
 
-/// A system without its file may still serve hosts that bring their own, or trust their server by other means.
+/// A system without authorities is none the worse for hosts that bring their own.
 void addSystem(X509_STORE* store) {
     const CurlEasy easy;
     const auto [file, folder] = systemPlaces(easy);

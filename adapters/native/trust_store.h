@@ -7,16 +7,16 @@
 
 namespace oska::native {
 
-/// The authorities that vouch for servers: the system's, where libcurl was built to find them, and those of one file
-/// of the host's. No environment variable has a say.
+/// The authorities that vouch for servers: the system's, where libcurl was built to find them, and those of
+/// one file of the host's. No environment variable has a say.
 ///
-/// Read from disk once, with the first TLS connection. Threads: the network thread.
+/// Read from disk once, when first needed. Threads: the network thread.
 class TrustStore {
 public:
     /// `file`: certificates in PEM; empty for none.
     explicit TrustStore(std::string file) : file_(std::move(file)) {}
 
-    /// Null when the host's file cannot be read: checking without it would refuse servers for the wrong reason.
+    /// Null when the host's file cannot be read: without it, servers would be refused for the wrong reason.
     [[nodiscard]] X509_STORE* get();
 
     /// Why `get` answered null.

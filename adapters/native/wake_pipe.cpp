@@ -11,7 +11,8 @@ namespace oska::native {
 
 WakePipe::WakePipe() {
     std::array<int, 2> ends{};
-    if (::pipe(ends.data()) != 0) platform::programmingError("no file descriptors are left for the network thread");
+    if (::pipe(ends.data()) != 0)
+        platform::programmingError("no file descriptors are left for the network thread");
     readEnd_ = ends[0];
     writeEnd_ = ends[1];
     for (const int end : ends) {

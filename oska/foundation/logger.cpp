@@ -46,8 +46,10 @@ void writeLine(std::string line) {
 
 void OskaLogger::setDebugOption(bool set) { debugOption.store(set, std::memory_order_relaxed); }
 
+bool OskaLogger::isEnabled() { return debugOption.load(std::memory_order_relaxed); }
+
 void OskaLogger::log(OskaLogLevel level, std::string_view tag, std::string_view message) {
-    if (!debugOption.load(std::memory_order_relaxed)) return;
+    if (!isEnabled()) return;
     std::string line;
     line.reserve(message.size() + tag.size() + 16);
     line.append(levelTag(level)).append("[").append(tag).append("] ");

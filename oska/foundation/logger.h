@@ -4,7 +4,8 @@
 
 namespace oska {
 
-/// The three levels; each has a tag of eight characters, so that the class tag of a line always starts in column 9.
+/// The three levels; each has a tag of eight characters, so that the class tag of a line always starts in
+/// column 9.
 enum class OskaLogLevel { INFO, WARN, ERROR };
 
 /// The kit's log: one process-wide switch and one line format, on standard output. No timestamps, no files.
@@ -17,12 +18,15 @@ class OskaLogger {
 public:
     OskaLogger() = delete;
 
-    /// Whether log lines are written, for all services of the process; true until a host says otherwise. Takes
-    /// effect with the next line of any thread.
+    /// Whether log lines are written, for all services of the process; true until a host says otherwise.
+    /// Takes effect with the next line of any thread.
     static void setDebugOption(bool set);
 
-    /// Writes one line when the switch is on. Line breaks inside `message` are written as `\n` and `\r`, so that no
-    /// text from a server or a file can start a line of its own.
+    /// For callers whose message costs more to make than to write.
+    [[nodiscard]] static bool isEnabled();
+
+    /// Writes one line when the switch is on. Line breaks inside `message` are written as `\n` and `\r`, so
+    /// that no text from a server or a file can start a line of its own.
     static void log(OskaLogLevel level, std::string_view tag, std::string_view message);
 };
 

@@ -43,7 +43,10 @@ bool startGenerator(platform::RFDGenerator& generator, const Log& log, Generator
     }
     if (start.scanMode) generator.setScanMode(*start.scanMode);
     generator.setDelegate(std::move(start.delegate));
-    generator.setPressureProvider(std::move(start.pressureProvider));
+    generator.setPressureProvider([weak = std::move(start.pressure)] {
+        const auto pressure = weak.lock();
+        return pressure ? pressure->load() : 0.0F;
+    });
     const auto& replayer = platform::TovanReplayer::shared();
     if (replayer.replayMode()) {
         generator.generateReplayRfd();

@@ -132,14 +132,12 @@ std::shared_ptr<platform::RFDGenerator> PelioServiceManager::newGenerator(std::u
 }
 
 bool PelioServiceManager::runGenerator(platform::RFDGenerator& generator) {
+    const auto self = weak_from_this().lock();
     return startGenerator(generator, LOG,
                           {.id = options_.id,
                            .scanMode = platform::ScanMode::ONLY_WARD_SCAN,
-                           .delegate = weak_from_this(),
-                           .pressureProvider = [weak = weak_from_this()] {
-                               const auto self = weak.lock();
-                               return self ? self->pressure_.load() : 0.0F;
-                           }});
+                           .delegate = self,
+                           .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
 }
 
 bool PelioServiceManager::settleStart(std::uint64_t run, bool isRunning) {

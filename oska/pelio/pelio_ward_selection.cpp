@@ -1,6 +1,6 @@
 #include "oska/pelio/pelio_ward_selection.h"
 
-#include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace oska {
@@ -17,21 +17,21 @@ void forEachWard(const PelioBundle& bundle, Visit visit) {
 
 }  // namespace
 
+// Counted and then put in place: nodes are large, and moving them about would cost more than all the rest.
 PelioWardSelection::PelioWardSelection(const PelioBundle& bundle) : maps_(bundle.buildings) {
-    std::vector<std::pair<WardNames::Number, PelioWardNode>> nodes;
-    forEachWard(bundle, [&](const auto& building, const auto& level, const auto& ward) {
-        nodes.emplace_back(names_.add(ward.name),
-                           PelioWardNode{ward.id, ward.name, building.id, building.name, level.id, level.name,
-                                         ward.x, ward.y, ward.rssi});
-    });
-    std::stable_sort(nodes.begin(), nodes.end(),
-                     [](const auto& a, const auto& b) { return a.first < b.first; });
-    wards_.reserve(nodes.size());
-    for (auto& [name, node] : nodes) {
-        if (firstOfName_.size() == name) firstOfName_.push_back(wards_.size());
-        wards_.push_back(std::move(node));
-    }
-    firstOfName_.push_back(wards_.size());
+    std::vector<WardNames::Number> names;
+    forEachWard(bundle,
+                [&](const auto&, const auto&, const auto& ward) { names.push_back(names_.add(ward.name)); });
+    firstOfName_.assign(names_.size() + 1, 0);
+    for (const auto name : names) ++firstOfName_[name + 1];
+    std::partial_sum(firstOfName_.begin(), firstOfName_.end(), firstOfName_.begin());
+    auto next = firstOfName_;
+    wards_.resize(names.size());
+    forEachWard(bundle,
+                [&, name = names.begin()](const auto& building, const auto& level, const auto& ward) mutable {
+                    wards_[next[*name++]++] = {ward.id,    ward.name, building.id, building.name, level.id,
+                                               level.name, ward.x,    ward.y,      ward.rssi};
+                });
 }
 
 const PelioWardNode* PelioWardSelection::handle(platform::ReceivedForce sample) {

@@ -39,7 +39,7 @@ public:
     }
 
     void stopService(StopCompletion completion) override {
-        completion(false, frameworkMissing().message, frameworkMissing());
+        if (completion) completion(false, frameworkMissing().message, frameworkMissing());
     }
 
     std::optional<std::string> getBuildingName(std::int64_t) override { return std::nullopt; }
@@ -60,7 +60,7 @@ public:
 
     void requestRouting(const RoutingStart&, const Point&, const std::vector<Point>&, bool,
                         RoutingCompletion completion) override {
-        completion(std::nullopt, {}, NavigationRouteFailureReason::UNKNOWN);
+        if (completion) completion(std::nullopt, {}, NavigationRouteFailureReason::UNKNOWN);
     }
 
 private:

@@ -38,4 +38,6 @@ void fields(Visit& f, LevelMap& map) {
     f("offset_y", map.offset_y);
 }
 
+[[nodiscard]] bool operator==(const LevelMap& a, const LevelMap& b);
+
 }  // namespace oska

@@ -43,13 +43,13 @@ int statusOf(pid_t process) {
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
+}  // namespace
+
 std::string contentOf(const std::string& path) {
     std::ostringstream content;
     content << std::ifstream(path, std::ios::binary).rdbuf();
     return content.str();
 }
-
-}  // namespace
 
 std::vector<std::string> Ended::events() const {
     std::vector<std::string> found;
@@ -69,6 +69,7 @@ Folder::~Folder() { std::filesystem::remove_all(path_); }
 
 std::string Folder::file(const std::string& name, const std::string& content) const {
     const auto path = path_ + "/" + name;
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::ofstream(path, std::ios::binary) << content;
     return path;
 }
@@ -87,11 +88,11 @@ Ended runOska(const std::vector<std::string>& arguments, const std::string& stan
     return {status, contentOf(out), contentOf(err)};
 }
 
-RunningOska::RunningOska(const std::vector<std::string>& arguments) {
+RunningOska::RunningOska(const std::vector<std::string>& arguments, int output) {
     std::array<int, 2> toProgram{};
     std::array<int, 2> fromProgram{};
     EXPECT_EQ(pipe2(toProgram.data(), O_CLOEXEC) + pipe2(fromProgram.data(), O_CLOEXEC), 0);
-    process_ = spawn(arguments, {{toProgram[0], 0}, {fromProgram[1], 1}});
+    process_ = spawn(arguments, {{toProgram[0], 0}, {fromProgram[1], output}});
     close(toProgram[0]);
     close(fromProgram[1]);
     input_ = toProgram[1];
@@ -99,13 +100,22 @@ RunningOska::RunningOska(const std::vector<std::string>& arguments) {
 }
 
 RunningOska::~RunningOska() {
-    close(input_);
+    if (input_ >= 0) close(input_);
     close(output_);
     if (process_ > 0) statusOf(process_);
 }
 
 void RunningOska::write(const std::string& text) const {
     EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+}
+
+void RunningOska::endInput() { close(std::exchange(input_, -1)); }
+
+std::string RunningOska::readUntil(const std::string& text) {
+    std::string line;
+    do line = readLine();
+    while (!line.empty() && line.find(text) == std::string::npos);
+    return line;
 }
 
 std::string RunningOska::readLine() {

@@ -25,7 +25,9 @@ public:
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
-    /// Writes a file; answers with its path.
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+    /// Writes a file, with the folders on the way to it; answers with its path.
     std::string file(const std::string& name, const std::string& content) const;
 
 private:
@@ -35,17 +37,23 @@ private:
 /// Runs the program to its end.
 Ended runOska(const std::vector<std::string>& arguments, const std::string& standardInput = "");
 
+[[nodiscard]] std::string contentOf(const std::string& path);
+
 /// The program while it waits for its input.
 class RunningOska {
 public:
-    explicit RunningOska(const std::vector<std::string>& arguments);
+    /// `output`: 1 to read from standard output, 2 from standard error.
+    explicit RunningOska(const std::vector<std::string>& arguments, int output = 1);
     ~RunningOska();
     RunningOska(const RunningOska&) = delete;
     RunningOska& operator=(const RunningOska&) = delete;
 
     void write(const std::string& text) const;
-    /// Waits for one line of standard output; empty at its end.
+    void endInput();
+    /// Waits for one line of its output; empty at its end.
     [[nodiscard]] std::string readLine();
+    /// Waits for a line that holds `text`, and passes over those before; empty when there is none.
+    [[nodiscard]] std::string readUntil(const std::string& text);
     /// As Ctrl-C does.
     void interrupt() const;
     int waitForStatus();

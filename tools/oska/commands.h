@@ -12,5 +12,8 @@ namespace oska::tool {
 
 void addCheck(CLI::App& program, ExitStatus& status);
 void addReplay(CLI::App& program, ExitStatus& status);
+void addRun(CLI::App& program, ExitStatus& status);
+void addServe(CLI::App& program, ExitStatus& status);
+void addSimulate(CLI::App& program, ExitStatus& status);
 
 }  // namespace oska::tool

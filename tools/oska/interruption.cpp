@@ -32,9 +32,17 @@ void Interruption::listen() {
     action.sa_handler = noteInterruption;
     action.sa_flags = static_cast<int>(SA_RESETHAND | SA_RESTART);
     sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
 }
 
 bool Interruption::requested() { return isRequested != 0; }
+
+int Interruption::descriptor() { return wakeUp[0]; }
+
+void Interruption::wait() {
+    constexpr int NO_FILE = -1;
+    (void)waitForInput(NO_FILE);
+}
 
 bool Interruption::waitForInput(int file) {
     std::array<pollfd, 2> waited{{{file, POLLIN, 0}, {wakeUp[0], POLLIN, 0}}};

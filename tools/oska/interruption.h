@@ -2,8 +2,8 @@
 
 namespace oska::tool {
 
-/// Ctrl-C as a wish to end in order: noted, and acted on between two lines of input. A second Ctrl-C ends the
-/// program at once. Process-wide, as signals are. Threads: any.
+/// Ctrl-C, or SIGTERM, as a wish to end in order: noted, and acted on where the program waits. The same
+/// signal again ends the program at once. Process-wide, as signals are. Threads: any.
 class Interruption {
 public:
     Interruption() = delete;
@@ -12,6 +12,11 @@ public:
     static void listen();
 
     [[nodiscard]] static bool requested();
+
+    /// Readable for ever once it is requested, for those who wait for several things.
+    [[nodiscard]] static int descriptor();
+
+    static void wait();
 
     /// Waits until `file` can be read without waiting, which a plain file always can. False: interrupted
     /// meanwhile, or before.

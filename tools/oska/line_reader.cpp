@@ -8,8 +8,6 @@
 #include <system_error>
 #include <utility>
 
-#include "tools/oska/interruption.h"
-
 namespace oska::tool {
 namespace {
 
@@ -17,9 +15,9 @@ constexpr std::size_t BLOCK = std::size_t{64} << 10;
 
 }  // namespace
 
-LineReader::LineReader(const std::string& path, std::function<void()> beforeRead)
+LineReader::LineReader(const std::string& path, AwaitInput awaitInput)
     : file_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
-      beforeRead_(std::move(beforeRead)) {
+      awaitInput_(std::move(awaitInput)) {
     if (file_ < 0) fail(errno);
 }
 
@@ -50,8 +48,7 @@ std::optional<std::string_view> LineReader::take(std::size_t length, std::size_t
 bool LineReader::readMore() {
     buffer_.erase(0, std::exchange(lineBegin_, 0));
     searchedTo_ = buffer_.size();
-    beforeRead_();
-    if (!Interruption::waitForInput(file_)) {
+    if (!awaitInput_(file_)) {
         ending_ = Ending::interrupted;
         return false;
     }

@@ -20,9 +20,12 @@ public:
         failed,       ///< `problem()` tells why
     };
 
-    /// Opens `path`; "-" is standard input. `beforeRead` is called whenever the lines at hand are used up,
-    /// before more are read, which may take for ever.
-    LineReader(const std::string& path, std::function<void()> beforeRead);
+    /// Waits until `file` can be read without waiting; false: interrupted.
+    using AwaitInput = std::function<bool(int file)>;
+
+    /// Opens `path`; "-" is standard input. `awaitInput` is called whenever the lines at hand are used up,
+    /// before more are read.
+    LineReader(const std::string& path, AwaitInput awaitInput);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
@@ -43,7 +46,7 @@ private:
     void fail(int error);
 
     int file_;
-    std::function<void()> beforeRead_;
+    AwaitInput awaitInput_;
     std::string buffer_;
     std::size_t lineBegin_ = 0;   // in the buffer
     std::size_t searchedTo_ = 0;  // no line feed between lineBegin_ and here

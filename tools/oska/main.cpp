@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <CLI/CLI.hpp>
 #include <cerrno>
 #include <cstdio>
@@ -12,7 +15,7 @@ using oska::tool::ExitStatus;
 namespace {
 
 constexpr auto ABOUT =
-    R"(Drives the kit from a shell: replays recorded walks, checks sites.
+    R"(Drives the kit from a shell: replays recorded walks, simulates new ones, runs services, serves and checks sites.
 
 Standard output carries the kit's own lines, which begin with [, ( or E, and events, one JSON object a line.
 Standard error carries errors and progress.)";
@@ -25,6 +28,14 @@ Example: oska replay pelio --bundle site.json --recording walk.jsonl
 `oska COMMAND --help` explains every option of a command.)";
 
 constexpr std::size_t STANDARD_OUTPUT_BUFFER = std::size_t{64} << 10;
+
+// A stream that the caller closed would be the next file opened, and that file would take its place.
+void fillClosedStreams() {
+    int file = -1;
+    do file = open("/dev/null", O_RDWR);
+    while (file >= 0 && file <= STDERR_FILENO);
+    if (file >= 0) close(file);
+}
 
 // A full disk is bad news that a script must hear of, too.
 ExitStatus flushed(ExitStatus status) {
@@ -40,6 +51,9 @@ ExitStatus run(int argc, char** argv) {
     auto status = ExitStatus::done;
     oska::tool::addCheck(program, status);
     oska::tool::addReplay(program, status);
+    oska::tool::addRun(program, status);
+    oska::tool::addServe(program, status);
+    oska::tool::addSimulate(program, status);
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
@@ -51,6 +65,7 @@ ExitStatus run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    fillClosedStreams();
     // The commands flush before they wait; until then lines are cheap.
     std::setvbuf(stdout, nullptr, _IOFBF, STANDARD_OUTPUT_BUFFER);
     return static_cast<int>(flushed(run(argc, argv)));

@@ -25,10 +25,17 @@ std::string checkInteger(std::string& text) {
     return {};
 }
 
-std::string checkSeconds(const std::string& text) {
+std::optional<double> finite(const std::string& text) {
     const auto value = parsed<double>(text);
-    const bool isDuration = value && std::isfinite(*value) && *value >= 0;
-    return isDuration ? std::string() : text + " is not a number of seconds";
+    return value && std::isfinite(*value) ? value : std::nullopt;
+}
+
+std::string checkSeconds(const std::string& text) {
+    return finite(text).value_or(-1) >= 0 ? std::string() : text + " is not a number of seconds";
+}
+
+std::string checkFactor(const std::string& text) {
+    return finite(text).value_or(0) > 0 ? std::string() : text + " is not a number above 0";
 }
 
 }  // namespace
@@ -37,6 +44,10 @@ CLI::Validator decimalInteger() { return CLI::Validator(checkInteger, ""); }
 
 CLI::Validator seconds() {
     return CLI::Validator([](std::string& text) { return checkSeconds(text); }, "");
+}
+
+CLI::Validator factor() {
+    return CLI::Validator([](std::string& text) { return checkFactor(text); }, "");
 }
 
 }  // namespace oska::tool

@@ -13,4 +13,7 @@ namespace oska::tool {
 /// A finite number that is not negative.
 [[nodiscard]] CLI::Validator seconds();
 
+/// A finite number above zero.
+[[nodiscard]] CLI::Validator factor();
+
 }  // namespace oska::tool

@@ -4,8 +4,8 @@
 
 namespace oska::tool {
 
-Recording::Recording(std::string path, OskaService service, std::function<void()> beforeRead)
-    : path_(std::move(path)), service_(service), lines_(path_, std::move(beforeRead)) {}
+Recording::Recording(std::string path, OskaService service, LineReader::AwaitInput awaitInput)
+    : path_(std::move(path)), service_(service), lines_(path_, std::move(awaitInput)) {}
 
 std::optional<RecordedLine> Recording::next() {
     while (!fault_) {

@@ -14,7 +14,7 @@ namespace oska::tool {
 class Recording {
 public:
     /// See LineReader.
-    Recording(std::string path, OskaService service, std::function<void()> beforeRead);
+    Recording(std::string path, OskaService service, LineReader::AwaitInput awaitInput);
 
     /// The next sample or action. None: the end, or what `ending` and `problem` tell.
     [[nodiscard]] std::optional<RecordedLine> next();

@@ -16,9 +16,9 @@
 #include "tools/oska/input_file.h"
 #include "tools/oska/interruption.h"
 #include "tools/oska/option_values.h"
-#include "tools/oska/pelio_host.h"
 #include "tools/oska/progress.h"
 #include "tools/oska/recording.h"
+#include "tools/oska/service_options.h"
 #include "tools/oska/virtual_site.h"
 #include "tools/oska/wording.h"
 
@@ -38,7 +38,9 @@ and the service is stopped. An empty recording is a service that is initialised,
 A recording is JSON Lines: samples and what the host did, in the order in which they happened.
   {"mobile_time": 1700000000500, "rfs": {"lobby-a": -61.5, "gate 2": -80}}
   {"mobile_time": 1700000001000, "action": "stop"}
-Pelio's actions are start, stop and initialize ("forceUpdate": true or false). Blank lines are skipped, and keys that a
+Both services know the actions start, stop and initialize ("forceUpdate": true or false); Dapo knows tap, foreground,
+setVisibility ("isVisible"), setSelectionInterval ("seconds") and setUnchangedDeliveryInterval ("seconds", a number or
+null), too. Blank lines are skipped, and keys that a
 line does not need are ignored. A line with both rfs and action is an error, and so is an action of another service.
 An error ends the run: it names file and line, and all events before it have been printed.
 
@@ -48,12 +50,11 @@ error says where the fault lies. Only when it does not even tell its sector, and
 Example: oska replay pelio --bundle site.json --recording walk.jsonl --log)";
 
 struct Options {
-    std::string service;
+    ServiceOptions service{.service = {}, .id = "replay"};
     std::string bundle;
     std::string recording;
     double tailSeconds = 6;
     std::optional<std::int64_t> sector;
-    std::string id = "replay";
     bool log = false;
 };
 
@@ -76,10 +77,9 @@ std::chrono::nanoseconds span(double seconds) {
 /// The service and its world from the first line on.
 class Run {
 public:
-    Run(const Options& options, std::int64_t sector, std::string bundle, std::int64_t begin)
-        : site_(std::move(bundle), {begin, 0}),
-          events_(site_.clock()),
-          host_(makePelioHost({.id = options.id, .region = "KOREA", .sectorId = sector}, events_)) {
+    Run(const ServiceOptions& options, std::string bundle, std::int64_t begin)
+        : site_(std::move(bundle), {begin, 0}), events_(site_.clock()), host_(makeHost(options, events_)) {
+        site_.onUpload([this](const auto& batch) { printUpload(batch); });
         host_->initialize(false);
         site_.time().runDue();
         if (!host_->firstInitialization())
@@ -109,6 +109,12 @@ public:
     }
 
 private:
+    void printUpload(const std::vector<platform::ReceivedForce>& batch) const {
+        if (batch.empty()) return;  // the kit sends none
+        events_.print("upload", "samples", static_cast<std::int64_t>(batch.size()), "first",
+                      batch.front().mobile_time, "last", batch.back().mobile_time);
+    }
+
     VirtualSite site_;
     Events events_;
     std::shared_ptr<Host> host_;
@@ -117,10 +123,12 @@ private:
 class Replay {
 public:
     Replay(const Options& options, std::int64_t sector, std::string bundle)
-        : options_(options),
-          sector_(sector),
+        : service_(options.service),
+          tail_(span(options.tailSeconds)),
           bundle_(std::move(bundle)),
-          recording_(options.recording, OskaService::pelio, [this] { beforeRead(); }) {}
+          recording_(options.recording, service_.kind(), [this](int file) { return awaitInput(file); }) {
+        service_.sectorId = sector;
+    }
 
     ExitStatus run() {
         while (!Interruption::requested()) {
@@ -133,12 +141,13 @@ public:
     }
 
 private:
-    void begin(std::int64_t mobileTime) { run_.emplace(options_, sector_, std::move(bundle_), mobileTime); }
+    void begin(std::int64_t mobileTime) { run_.emplace(service_, std::move(bundle_), mobileTime); }
 
-    void beforeRead() {
+    bool awaitInput(int file) {
         std::fflush(stdout);
         const auto& lines = recording_.lines();
         progress_.update(lines.bytesRead(), lines.size());
+        return Interruption::waitForInput(file);
     }
 
     ExitStatus end() {
@@ -151,12 +160,12 @@ private:
             return ExitStatus::interrupted;
         }
         if (!run_) begin(0);
-        run_->end(span(options_.tailSeconds));
+        run_->end(tail_);
         return run_->beganWell() ? ExitStatus::done : ExitStatus::serviceFailed;
     }
 
-    const Options& options_;
-    std::int64_t sector_;
+    ServiceOptions service_;
+    std::chrono::nanoseconds tail_;
     std::string bundle_;  // until the run begins
     Progress progress_;
     Recording recording_;
@@ -164,8 +173,9 @@ private:
 };
 
 /// The sector to load. A bundle that does not decode is no obstacle as long as it is known whose it is.
+template <class Bundle>
 std::optional<std::int64_t> chooseSector(const Options& options, const std::string& bundle) {
-    const auto decoded = platform::json::decode<PelioBundle>(bundle);
+    const auto decoded = platform::json::decode<Bundle>(bundle);
     if (!decoded) complain(faultLine(options.bundle, decoded.error()));
     if (options.sector) return options.sector;
     if (decoded) return decoded->id;
@@ -179,16 +189,16 @@ ExitStatus replay(const Options& options) {
         complain(bundle.error().problem);
         return ExitStatus::badInput;
     }
-    const auto sector = chooseSector(options, *bundle);
+    const bool isDapo = options.service.kind() == OskaService::dapo;
+    const auto sector =
+        isDapo ? chooseSector<DapoBundle>(options, *bundle) : chooseSector<PelioBundle>(options, *bundle);
     if (!sector) return ExitStatus::badInput;
     Interruption::listen();
     return Replay(options, *sector, *std::move(bundle)).run();
 }
 
 void addOptions(CLI::App& command, Options& options) {
-    command.add_option("SERVICE", options.service, "Which service: pelio.")
-        ->required()
-        ->check(CLI::IsMember({"pelio"}));
+    addServiceOptions(command, options.service);
     command
         .add_option("--bundle", options.bundle,
                     "The site's bundle; - is standard input.\n  --bundle site.json")
@@ -209,7 +219,7 @@ void addOptions(CLI::App& command, Options& options) {
         ->transform(decimalInteger())
         ->type_name("N");
     command
-        .add_option("--id", options.id,
+        .add_option("--id", options.service.id,
                     "The service id: ASCII letters, digits, _ and - (replay).\n  --id corner-shop")
         ->type_name("ID");
     command.add_flag("--log", options.log, "Print the kit's log lines, too, where they fall.\n  --log");

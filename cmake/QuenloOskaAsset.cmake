@@ -1,0 +1,10 @@
+# quenlooska_asset(<target> <function> <file>): compiles the file's bytes into the target, for that function to answer.
+function(quenlooska_asset target function file)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  file(READ ${file} bytes HEX)
+  string(REGEX REPLACE "(..)" "\\\\x\\1" bytes ${bytes})
+  string(REGEX REPLACE "(................................................................)" "\\1\"\n    \"" bytes "${bytes}")
+  set(source ${CMAKE_CURRENT_BINARY_DIR}/${function}.cpp)
+  configure_file(${PROJECT_SOURCE_DIR}/cmake/asset.cpp.in ${source} @ONLY)
+  target_sources(${target} PRIVATE ${source})
+endfunction()

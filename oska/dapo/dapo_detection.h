@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "oska/dapo/dapo_types.h"
+#include "oska/foundation/sample_window.h"
+#include "oska/resources/bundle.h"
+#include "oska/resources/level_maps.h"
+
+namespace oska {
+
+/// One ward of the bundle, as detection needs it.
+struct IndexedDapoWard {
+    static constexpr std::string_view TYPE_NAME = "IndexedDapoWard";
+    std::int64_t id = 0;
+    std::string name;  ///< as in the bundle, not normalised
+    std::int64_t levelId = 0;
+    std::int64_t x = 0;  ///< bundle units; 0 where the bundle has none
+    std::int64_t y = 0;
+    std::int64_t thresholdRssi = 0;  ///< dBm: the weakest reading that counts for the ward
+    std::vector<WardContents> contents;
+};
+
+template <class Visit>
+void fields(Visit& f, IndexedDapoWard& ward) {
+    f("id", ward.id);
+    f("name", ward.name);
+    f("levelId", ward.levelId);
+    f("x", ward.x);
+    f("y", ward.y);
+    f("thresholdRssi", ward.thresholdRssi);
+    f("contents", ward.contents);
+}
+
+/// Dapo's engine: from samples to the wards that are near.
+///
+/// A ward is detected while the samples of the last 10 seconds hold at least 6 readings of it at or above its
+/// own threshold, in whichever samples. Time is the samples' own; there is no clock here, and nothing but the
+/// samples is carried from one to the next. Infinite strengths count as nothing heard. Threads: one at a
+/// time.
+class DapoDetection {
+public:
+    static constexpr std::int64_t RFD_BUFFER_TIME_WINDOW = 10;  ///< seconds
+    static constexpr std::int64_t RFD_TRIGGER_COUNT = 6;
+
+    /// Replaces the wards that are known; of wards whose names normalise alike the last one counts. Samples
+    /// that are buffered stay and count for the new wards.
+    void indexDapoWards(const std::vector<DapoBuilding>& buildings);
+    void indexDapoMapImages(const std::vector<DapoBuilding>& buildings) { maps_ = LevelMaps(buildings); }
+    /// Knows no ward and no map any more.
+    void clearIndexes();
+
+    [[nodiscard]] bool isEmpty() const { return wards_.empty(); }
+    [[nodiscard]] const LevelMaps& maps() const { return maps_; }
+    /// The wards by normalised name, put together at each call.
+    [[nodiscard]] std::map<std::string, IndexedDapoWard> indexedDapoWardsByName() const;
+
+    /// The wards detected with this sample, ascending by id and, where that is equal, by name.
+    [[nodiscard]] std::vector<DapoWard> handle(platform::ReceivedForce sample, const Log& log);
+
+    /// Forgets the samples and keeps the wards.
+    void reset() { bufferedRfds_.clear(); }
+
+private:
+    /// How many readings qualify for the ward that has most of them.
+    std::uint32_t qualify();
+    [[nodiscard]] DapoWard detected(const IndexedDapoWard& ward, double strongest, const Log& log) const;
+
+    WardNames names_;
+    std::vector<IndexedDapoWard> wards_;  // by the number of their name, which is the order of delivery
+    std::vector<double> thresholds_;      // by ward, dBm
+    LevelMaps maps_;
+    SampleWindow bufferedRfds_{RFD_BUFFER_TIME_WINDOW * 1000};
+
+    // What the window holds of each ward at or above its threshold; made anew by every sample.
+    std::vector<std::uint32_t> readings_;
+    std::vector<double> strongest_;  // dBm
+};
+
+}  // namespace oska

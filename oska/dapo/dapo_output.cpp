@@ -1,0 +1,137 @@
+#include "oska/dapo/dapo_output.h"
+
+#include <algorithm>
+#include <cmath>
+#include <set>
+#include <string_view>
+#include <utility>
+
+#include "oska/foundation/log_message.h"
+#include "oska/platform/text.h"
+
+namespace oska {
+namespace {
+
+using platform::WallTime;
+using std::chrono::nanoseconds;
+
+constexpr Log LOG{"DapoView"};
+constexpr double SHORTEST_OUTPUT_INTERVAL = 0.001;  // seconds
+
+using NameSet = std::set<std::string_view, platform::text::CanonicalLess>;
+
+NameSet namesOf(const std::vector<DapoWard>& wards) {
+    NameSet names;
+    for (const auto& ward : wards) names.insert(ward.name);
+    return names;
+}
+
+bool haveEqualNames(const std::vector<DapoWard>& a, const std::vector<DapoWard>& b) {
+    const auto x = namesOf(a);
+    const auto y = namesOf(b);
+    return std::equal(x.begin(), x.end(), y.begin(), y.end(), platform::text::canonicallyEqual);
+}
+
+bool isOver(const std::optional<WallTime>& deadline, WallTime now) { return deadline && *deadline <= now; }
+
+}  // namespace
+
+std::optional<double> acceptedOutputInterval(double seconds) {
+    if (!std::isfinite(seconds) || seconds <= 0) return std::nullopt;
+    return std::max(seconds, SHORTEST_OUTPUT_INTERVAL);
+}
+
+std::optional<nanoseconds> acceptedUnchangedInterval(double seconds) {
+    if (!(seconds >= 0)) return std::nullopt;
+    return nanosecondsOf(seconds);
+}
+
+nanoseconds nanosecondsOf(double seconds) {
+    const double rounded = std::round(seconds * 1e9);
+    return rounded < 0x1p63 ? nanoseconds(static_cast<std::int64_t>(rounded)) : nanoseconds::max();
+}
+
+std::vector<DapoWard> DapoOutput::currentWards() const {
+    return currentDapoContents_ ? currentDapoContents_->wards : std::vector<DapoWard>{};
+}
+
+// ---- holds
+
+void DapoOutput::handleDetectedWards(std::vector<DapoWard> wards, WallTime now) {
+    currentDapoContents_ = DapoContents{std::move(wards)};
+    currentDapoContentsHoldUntil_ = visibilityHoldUntil_ = now + DETECTION_HOLD_DURATION;
+    presenter_.applyVisibility(true);
+    scheduleHoldRelease(now);
+}
+
+void DapoOutput::scheduleHoldRelease(WallTime now) {
+    auto deadline = currentDapoContentsHoldUntil_;
+    if (!deadline || (visibilityHoldUntil_ && *visibilityHoldUntil_ < *deadline))
+        deadline = visibilityHoldUntil_;
+    if (!deadline) return presenter_.cancelHoldRelease();
+    presenter_.scheduleHoldRelease(std::max(nanoseconds::zero(), spanBetween(now, *deadline)));
+}
+
+void DapoOutput::releaseExpiredHolds(WallTime now) {
+    if (isOver(currentDapoContentsHoldUntil_, now)) forgetSelection();
+    if (isOver(visibilityHoldUntil_, now)) {
+        visibilityHoldUntil_.reset();
+        if (!currentDapoContents_) presenter_.applyVisibility(false);
+    }
+    scheduleHoldRelease(now);
+}
+
+void DapoOutput::forgetSelection() {
+    currentDapoContents_.reset();
+    currentDapoContentsHoldUntil_.reset();
+    lastDeliveredDapoWards_.reset();
+    lastDeliveredAt_.reset();
+}
+
+// ---- delivery
+
+void DapoOutput::deliverCurrentWards(WallTime now) {
+    if (!currentDapoContents_ || !isDeliveryDue(now)) return;
+    forceNextDelivery_ = false;
+    const auto wards = currentDapoContents_->wards;
+    lastDeliveredDapoWards_ = wards;
+    lastDeliveredAt_ = now;
+    presenter_.deliver(wards);
+}
+
+bool DapoOutput::isDeliveryDue(WallTime now) const {
+    if (forceNextDelivery_ || !lastDeliveredDapoWards_) return true;
+    if (!haveEqualNames(currentDapoContents_->wards, *lastDeliveredDapoWards_)) return true;
+    if (!unchangedDeliveryInterval_) return false;
+    return !lastDeliveredAt_ || *unchangedDeliveryInterval_ <= spanBetween(*lastDeliveredAt_, now);
+}
+
+void DapoOutput::enterForeground(WallTime now) {
+    forceNextDelivery_ = true;
+    if (!unchangedDeliveryInterval_) deliverCurrentWards(now);
+}
+
+// ---- visibility
+
+void DapoOutput::setVisibility(bool isVisible, WallTime now) {
+    if (isVisible) {
+        visibilityHoldUntil_ = now + DETECTION_HOLD_DURATION;
+        presenter_.applyVisibility(true);
+        return scheduleHoldRelease(now);
+    }
+    if (visibilityHoldUntil_ && *visibilityHoldUntil_ > now) {
+        LOG.info("setVisibility", "delayed hide because visibility hold is active");
+        return scheduleHoldRelease(now);
+    }
+    visibilityHoldUntil_.reset();
+    presenter_.applyVisibility(false);
+}
+
+void DapoOutput::reset() {
+    forgetSelection();
+    visibilityHoldUntil_.reset();
+    presenter_.cancelHoldRelease();
+    presenter_.applyVisibility(false);
+}
+
+}  // namespace oska

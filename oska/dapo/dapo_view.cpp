@@ -1,0 +1,279 @@
+// The view as a service: its life, initialisation, start and stop, and the road of a sample.
+#include "oska/dapo/dapo_view.h"
+
+#include <utility>
+
+#include "oska/dapo/dapo_detection.h"
+#include "oska/dapo/dapo_output.h"
+#include "oska/foundation/batch_sender.h"
+#include "oska/foundation/main_thread.h"
+#include "oska/foundation/network_constants.h"
+#include "oska/foundation/signal_source.h"
+#include "oska/platform/description.h"
+#include "oska/platform/quenlo_resource.h"
+#include "oska/platform/quenlo_tovan.h"
+#include "oska/resources/resource_manager.h"
+
+namespace oska {
+namespace {
+
+constexpr Log LOG{"DapoView"};
+
+}  // namespace
+
+class DapoView::Presenter : public DapoOutput::Presenter {
+public:
+    explicit Presenter(DapoView& view) : view_(view) {}
+
+    void applyVisibility(bool isVisible) override { view_.setHidden(!isVisible); }
+
+    void scheduleHoldRelease(std::chrono::nanoseconds delay) override {
+        view_.holdReleaseWorkItem_ = view_.mainQueue_->after(delay, [weak = view_.weakSelf()] {
+            if (const auto self = weak.lock()) self->output_->releaseExpiredHolds(self->now());
+        });
+    }
+
+    void cancelHoldRelease() override { view_.holdReleaseWorkItem_.reset(); }
+
+    void deliver(const std::vector<DapoWard>& dapoWards) override {
+        if (const auto host = view_.delegate_.lock()) host->onDapoSelectionChanged(view_, dapoWards);
+    }
+
+private:
+    DapoView& view_;
+};
+
+// ---- life
+
+std::shared_ptr<DapoView> DapoView::create() {
+    std::shared_ptr<DapoView> view(new DapoView, &DapoView::release);
+    view->connect();
+    return view;
+}
+
+DapoView::DapoView()
+    : View({}),
+      mainQueue_(platform::current().mainQueue),
+      clock_(platform::current().clock),
+      detection_(std::make_unique<DapoDetection>()),
+      presenter_(std::make_unique<Presenter>(*this)),
+      output_(std::make_unique<DapoOutput>(*presenter_)),
+      dapoImageView_(platform::ImageView::create()) {
+    setHidden(true);
+}
+
+void DapoView::connect() {
+    tapRecognizer_ = std::make_shared<platform::TapGestureRecognizer>([weak = weakSelf()] {
+        if (const auto self = weak.lock()) self->handleTapDapo();
+    });
+    foregroundObservation_ = platform::NotificationCenter::shared().addObserver(
+        platform::Notification::willEnterForeground, [weak = weakSelf()] {
+            if (const auto self = weak.lock()) self->handleWillEnterForeground();
+        });
+}
+
+// The job owns the view, so that a queue which has stopped, and destroys the job instead of running it,
+// leaves nothing.
+void DapoView::release(DapoView* view) {
+    auto owner = std::make_shared<std::unique_ptr<DapoView>>(view);
+    const auto queue = view->mainQueue_;
+    sendToMain(*queue, [owner = std::move(owner)] { (*owner)->tearDown(); });
+}
+
+void DapoView::tearDown() {
+    foregroundObservation_.reset();
+    stop();
+}
+
+DapoView::~DapoView() {
+    if (rfdGenerator_) stopGenerator(std::move(rfdGenerator_), LOG, "stopGenerator");
+}
+
+std::weak_ptr<DapoView> DapoView::weakSelf() {
+    return std::static_pointer_cast<DapoView>(weak_from_this().lock());
+}
+
+void DapoView::onMain(std::string_view operation, const std::function<void()>& work) const {
+    const auto self = weak_from_this().lock();  // a callback of the host may let go of the view
+    runOnMain(*mainQueue_, LOG, operation, work);
+}
+
+platform::WallTime DapoView::now() const { return clock_->now(); }
+
+void DapoView::setDelegate(std::weak_ptr<DapoViewDelegate> delegate) {
+    onMain("setDelegate", [&] { delegate_ = std::move(delegate); });
+}
+
+std::shared_ptr<DapoViewDelegate> DapoView::delegate() const {
+    std::shared_ptr<DapoViewDelegate> delegate;
+    onMain("delegate", [&] { delegate = delegate_.lock(); });
+    return delegate;
+}
+
+// ---- initialisation
+
+void DapoView::initialize(Initialization arguments) {
+    platform::TovanNetworkConstants::setOnPremise(arguments.baseURL);
+    onMain("initialize", [&] {
+        storeUnchangedDeliveryInterval("initialize", arguments.unchangedDeliveryInterval, true);
+        load(arguments);
+    });
+}
+
+void DapoView::load(const Initialization& arguments) {
+    if (!isValidServiceId(arguments.id)) {
+        logInvalidId(LOG, arguments.id);
+        return reportInit(DapoInitErrorCode::INVALID_ID);
+    }
+    id_ = arguments.id;
+    LOG.write(OskaLogLevel::INFO, "call initialize");
+    platform::QuenloResourceNetworkConstants::setServerURL("AWS", "KOREA", false);
+    OskaNetworkConstants::setServerURL("KOREA");
+    OskaResourceManager::shared()->loadDapoResources(arguments.sectorId, arguments.forceUpdate,
+                                                     [weak = weakSelf(), arguments](bool success) {
+                                                         if (const auto self = weak.lock())
+                                                             self->finishInitialization(arguments, success);
+                                                     });
+}
+
+void DapoView::finishInitialization(const Initialization& arguments, bool loaded) {
+    auto bundle = loaded ? OskaResourceManager::shared()->currentDapoBundle() : nullptr;
+    isInitSuccess_ = bundle != nullptr;
+    if (!bundle) {
+        LOG.error(
+            "initialize", "resource load failed",
+            {{"id", arguments.id}, {"sectorId", arguments.sectorId}, {"forceUpdate", arguments.forceUpdate}});
+        forgetBundle();
+        return reportInit(DapoInitErrorCode::RESOURCE_FAIL);
+    }
+    LOG.info(
+        "initialize", "success",
+        {{"id", arguments.id}, {"sectorId", arguments.sectorId}, {"forceUpdate", arguments.forceUpdate}});
+    takeIntoUse(std::move(bundle));
+    reportMapImages();
+    reportInit(std::nullopt);
+}
+
+void DapoView::forgetBundle() {
+    dapoBundle_ = nullptr;
+    detection_->clearIndexes();
+    detection_->reset();
+    output_->reset();
+}
+
+void DapoView::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
+    if (OskaLogger::isEnabled()) LOG.info("initialize", platform::describe(*bundle));
+    dapoBundle_ = std::move(bundle);
+    detection_->indexDapoWards(dapoBundle_->buildings);
+    if (OskaLogger::isEnabled()) {
+        LOG.info("indexDapoWards",
+                 "indexedDapoWardsByName= " + platform::describe(detection_->indexedDapoWardsByName()));
+    }
+    detection_->indexDapoMapImages(dapoBundle_->buildings);
+    LOG.info("indexDapoMapImages", "levelCount = " + std::to_string(detection_->maps().byLevelId().size()));
+}
+
+void DapoView::reportMapImages() {
+    const auto mapImages = detection_->maps().byLevelId();  // the host may initialise again
+    for (const auto& [levelId, mapImage] : mapImages) {
+        if (const auto host = delegate_.lock()) host->onDapoMapImageData(*this, levelId, mapImage);
+    }
+}
+
+void DapoView::reportInit(std::optional<DapoInitErrorCode> failure) {
+    if (const auto host = delegate_.lock()) host->onInitSuccess(*this, !failure, failure);
+}
+
+// ---- start and stop
+
+void DapoView::startService() {
+    onMain("startService", [&] {
+        const auto failure = start();
+        if (const auto host = delegate_.lock()) host->onDapoSuccess(*this, !failure, failure);
+    });
+}
+
+std::optional<DapoErrorCode> DapoView::start() {
+    if (!id_ || !isInitSuccess_ || !dapoBundle_) return DapoErrorCode::NOT_INITIALIZED;
+    if (serviceStarted_) return DapoErrorCode::DUPLICATE_SERVICE;
+    if (!checkBLEAuthorized(*platform::current().bluetooth, LOG)) return DapoErrorCode::BLE_NOT_AUTHORIZED;
+    if (!runGenerator()) {
+        stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
+        return DapoErrorCode::GENERATOR_FAIL;
+    }
+    serviceStarted_ = true;
+    DapoBatchSender::shared().reset();
+    startTimer();
+    return std::nullopt;
+}
+
+bool DapoView::runGenerator() {
+    rfdGenerator_ = createGenerator(platform::current().makeRFDGenerator, LOG, *id_);
+    if (!rfdGenerator_) return false;
+    const auto self = weakSelf().lock();
+    return startGenerator(*rfdGenerator_, LOG,
+                          {.id = *id_,
+                           .delegate = self,
+                           .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
+}
+
+void DapoView::startTimer() {
+    if (outputTimer_) return;
+    outputTimer_ = mainQueue_->every(nanosecondsOf(outputInterval_), [weak = weakSelf()] {
+        if (const auto self = weak.lock()) self->output_->deliverCurrentWards(self->now());
+    });
+    LOG.info("startTimer", "success",
+             {{"label", "com.quenlo.oska.outputTimer"}, {"interval", outputInterval_}});
+}
+
+void DapoView::stopService() {
+    onMain("stopService", [&] { stop(); });
+}
+
+void DapoView::stop() {
+    outputTimer_.reset();
+    stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
+    DapoBatchSender::shared().flush();
+    serviceStarted_ = false;
+    detection_->reset();
+    output_->reset();
+}
+
+// ---- samples
+
+// A sample that arrives after the view is gone is uploaded all the same.
+void DapoView::onRfdResult(platform::RFDGenerator&, platform::ReceivedForce receivedForce) {
+    sendToMain(*mainQueue_, [weak = weakSelf(), sample = std::move(receivedForce)]() mutable {
+        DapoBatchSender::shared().inputReceivedForce(sample);
+        if (const auto self = weak.lock()) self->handleRfd(std::move(sample));
+    });
+}
+
+void DapoView::onRfdError(platform::RFDGenerator&, int code, const std::string& msg) {
+    logGeneratorError(LOG, code, msg);
+}
+
+void DapoView::onRfdEmptyMillis(platform::RFDGenerator&, double time) {
+    sendToMain(*mainQueue_, [weak = weakSelf(), time] {
+        if (const auto self = weak.lock()) self->rfdEmptyMillis_ = time;
+    });
+}
+
+void DapoView::handleRfd(platform::ReceivedForce receivedForce) {
+    if (!isInitSuccess_ || !dapoBundle_ || detection_->isEmpty()) {
+        return LOG.warn("handleRfd", "skipped because Dapo bundle is not ready");
+    }
+    auto wards = detection_->handle(std::move(receivedForce), LOG);
+    if (wards.empty()) return output_->releaseExpiredHolds(now());
+    output_->handleDetectedWards(std::move(wards), now());
+}
+
+// ---- the foreground
+
+void DapoView::handleWillEnterForeground() {
+    onMain("handleWillEnterForeground", [&] {
+        if (serviceStarted_) output_->enterForeground(now());
+    });
+}
+
+}  // namespace oska

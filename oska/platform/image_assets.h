@@ -1,0 +1,10 @@
+#pragma once
+
+#include <string_view>
+
+/// The files of assets/ that are compiled into the kit; oska/CMakeLists.txt makes the arrays.
+namespace oska::platform::assets {
+
+[[nodiscard]] std::string_view icDapoPng();
+
+}  // namespace oska::platform::assets

@@ -1,0 +1,9 @@
+#include "oska/resources/level_map.h"
+
+#include "oska/platform/record_equality.h"
+
+namespace oska {
+
+bool operator==(const LevelMap& a, const LevelMap& b) { return platform::areEqual(a, b); }
+
+}  // namespace oska

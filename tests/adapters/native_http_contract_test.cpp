@@ -1,0 +1,5 @@
+#include "tests/adapters/native_http_driver.h"
+
+namespace oska::platform {
+INSTANTIATE_TYPED_TEST_SUITE_P(Native, HttpSessionContract, native::NativeHttpDriver);
+}  // namespace oska::platform

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <future>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "adapters/native/curl_http_session.h"
+#include "tests/contract/http_session_contract.h"
+#include "tests/fakes/loopback_server.h"
+
+namespace oska::native {
+
+using fakes::LoopbackServer;
+using fakes::TestFile;
+using fakes::TestIdentity;
+using fakes::WireConnection;
+using fakes::wireReply;
+using fakes::WireRequest;
+using platform::HttpErrorKind;
+using platform::HttpOutcome;
+using platform::HttpRequest;
+using platform::HttpSessionConfiguration;
+using platform::kindOf;
+using platform::statusOf;
+
+inline HttpRequest get(const std::string& url) { return {.url = platform::Url::parse(url).value()}; }
+
+inline HttpRequest post(const std::string& url, std::string body) {
+    auto request = get(url);
+    request.method = "POST";
+    request.body = std::move(body);
+    return request;
+}
+
+/// Sends by a session of its own and waits for the end.
+inline HttpOutcome fetch(CurlHttpSessionFactory& factory, HttpRequest request,
+                         const HttpSessionConfiguration& configuration = {},
+                         std::shared_ptr<platform::HttpSessionDelegate> delegate = nullptr) {
+    std::promise<HttpOutcome> promise;
+    const auto session = factory.makeSession(configuration, std::move(delegate));
+    session->send(std::move(request), [&](HttpOutcome outcome) { promise.set_value(std::move(outcome)); });
+    return promise.get_future().get();
+}
+
+class NativeHttp : public testing::Test {
+protected:
+    HttpOutcome fetch(HttpRequest request, const HttpSessionConfiguration& configuration = {}) {
+        return native::fetch(factory_, std::move(request), configuration);
+    }
+    HttpOutcome fetch(const std::string& url) { return fetch(get(url)); }
+
+    CurlHttpSessionFactory factory_;
+};
+
+}  // namespace oska::native

@@ -1,0 +1,120 @@
+#include "adapters/native/run_loop.h"
+
+#include "adapters/native/system_wall_clock.h"
+#include "tests/contract/main_queue_contract.h"
+
+namespace oska::native {
+namespace {
+
+using std::chrono::nanoseconds;
+using namespace std::chrono_literals;
+
+struct NativeDriver {
+    static constexpr nanoseconds UNIT = 2ms;
+    static constexpr bool CAN_BE_LATE = true;
+
+    platform::MainQueue& queue() { return loop; }
+    nanoseconds elapsed() const { return RunLoop::Clock::now().time_since_epoch(); }
+    void stop() { loop.stop(); }
+    void stall(nanoseconds span) {
+        for (const auto begin = elapsed(); elapsed() - begin < span;) std::this_thread::yield();
+    }
+    void runUntil(const std::function<bool()>& isDone) {
+        while (!isDone()) {
+            loop.pump();
+            std::this_thread::yield();
+        }
+    }
+
+    RunLoop loop;
+};
+
+}  // namespace
+}  // namespace oska::native
+
+namespace oska::platform {
+INSTANTIATE_TYPED_TEST_SUITE_P(Native, MainQueueContract, native::NativeDriver);
+}  // namespace oska::platform
+
+namespace oska::native {
+namespace {
+
+TEST(RunLoop, RunsUntilThePredicateHoldsAndSleepsBetweenTheJobs) {
+    RunLoop loop;
+    int ticks = 0;
+    const auto timer = loop.every(1ms, [&] { ++ticks; });
+    EXPECT_TRUE(loop.runUntil([&] { return ticks == 5; }));
+    EXPECT_EQ(ticks, 5);
+
+    std::thread other([&] { loop.async([&] { loop.stop(); }); });
+    loop.run();
+    other.join();
+    EXPECT_FALSE(loop.runUntil([] { return false; }));
+}
+
+TEST(RunLoop, PumpAnswersWhenToComeBack) {
+    RunLoop loop;
+    EXPECT_EQ(loop.pump(), std::nullopt);
+
+    const auto before = RunLoop::Clock::now();
+    const auto later = loop.after(1h, [] {});
+    const auto muchLater = loop.after(nanoseconds::max(), [] {});
+    const auto deadline = loop.pump();
+    ASSERT_TRUE(deadline);
+    EXPECT_GE(*deadline, before + 1h);
+    EXPECT_LT(*deadline, before + 2h);
+
+    // A job that posts itself again must not keep the host's loop from its other work.
+    int runs = 0;
+    std::function<void()> again = [&] {
+        ++runs;
+        EXPECT_EQ(loop.pump(), std::nullopt) << "inside a job nothing runs";
+        loop.async(again);
+    };
+    loop.async(again);
+    const auto next = loop.pump();
+    EXPECT_EQ(runs, 1);
+    EXPECT_LE(next, RunLoop::Clock::now());
+}
+
+TEST(RunLoop, WakesTheHostOnlyForWhatItWouldMiss) {
+    int wakes = 0;
+    RunLoop* running = nullptr;
+    RunLoop loop([&] {
+        ++wakes;
+        EXPECT_TRUE(running->isMainThread());  // takes part in no lock
+        (void)running->after(2h, [] {});
+    });
+    running = &loop;
+
+    const auto far = loop.after(1h, [] {});
+    EXPECT_EQ(wakes, 1);
+    const auto farther = loop.after(2h, [] {});
+    EXPECT_EQ(wakes, 1);
+    loop.async([&] { loop.async([] {}); });
+    EXPECT_EQ(wakes, 2);
+    loop.pump();
+    EXPECT_EQ(wakes, 2);
+    loop.pump();
+}
+
+TEST(RunLoopDeathTest, StopsTheProcessWhenMisused) {
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    RunLoop loop;
+    EXPECT_DEATH((void)loop.every(0ns, [] {}), "interval above zero");
+    EXPECT_DEATH(std::thread([&] { loop.pump(); }).join(), "another thread than the main one");
+}
+
+TEST(SystemWallClock, TellsTheSystemsTime) {
+    const auto before = std::chrono::system_clock::now();
+    const auto now = SystemWallClock().now();
+    const auto told =
+        std::chrono::system_clock::time_point(std::chrono::duration_cast<std::chrono::system_clock::duration>(
+            std::chrono::milliseconds(now.milliseconds) + nanoseconds(now.nanoseconds)));
+    EXPECT_GE(told, before);
+    EXPECT_LE(told, std::chrono::system_clock::now());
+    EXPECT_LT(now.nanoseconds, 1'000'000);
+}
+
+}  // namespace
+}  // namespace oska::native

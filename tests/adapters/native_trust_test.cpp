@@ -1,0 +1,166 @@
+#include "tests/adapters/native_http_fixture.h"
+
+namespace oska::native {
+namespace {
+
+using platform::AuthenticationChallenge;
+using platform::ChallengeDisposition;
+using platform::ContractDelegate;
+using Hosts = std::vector<std::string>;
+
+std::string ok(const WireRequest&) { return wireReply(200, "ok"); }
+
+/// One authority, trusted by file, and what it or nobody has signed.
+class NativeTrust : public testing::Test {
+protected:
+    HttpOutcome fetch(const std::string& url,
+                      std::shared_ptr<platform::HttpSessionDelegate> delegate = nullptr) {
+        return native::fetch(factory_, get(url), {}, std::move(delegate));
+    }
+
+    TestIdentity issued(std::string names) { return TestIdentity({.names = std::move(names)}, &authority_); }
+
+    const TestIdentity authority_{{.isAuthority = true}};
+    const TestFile authorities_{authority_.pem()};
+    const std::shared_ptr<ContractDelegate> delegate_ = std::make_shared<ContractDelegate>();
+    CurlHttpSessionFactory factory_{authorities_.path()};
+};
+
+TEST_F(NativeTrust, ChecksChainDatesAndHostInFull) {
+    const TestIdentity stranger({.isAuthority = true});
+    struct Case {
+        const char* what;
+        TestIdentity identity;
+        const char* host;
+        const char* fault;  // empty: trusted
+    };
+    const std::vector<Case> cases{
+        {"right name", issued("DNS:localhost"), "localhost", ""},
+        {"right name in upper case", issued("DNS:localhost"), "LOCALHOST", ""},
+        {"right address", issued("IP:127.0.0.1"), "127.0.0.1", ""},
+        {"wrong name", issued("DNS:elsewhere.example"), "localhost", "hostname mismatch"},
+        {"a name for an address", issued("DNS:127.0.0.1"), "127.0.0.1", "IP address mismatch"},
+        {"wrong address", issued("IP:127.0.0.2"), "127.0.0.1", "IP address mismatch"},
+        {"expired", TestIdentity({.names = "DNS:localhost", .secondsFromNow = -60}, &authority_), "localhost",
+         "certificate has expired"},
+        {"not yet valid",
+         TestIdentity({.names = "DNS:localhost", .secondsFromNow = 3 * 86'400L}, &authority_), "localhost",
+         "certificate is not yet valid"},
+        {"for clients only", TestIdentity({.names = "DNS:localhost", .usage = "clientAuth"}, &authority_),
+         "localhost", "unsuitable certificate purpose"},
+        {"self-signed", TestIdentity({.names = "DNS:localhost"}), "localhost", "self-signed certificate"},
+        {"strange authority", TestIdentity({.names = "DNS:localhost"}, &stranger), "localhost",
+         "unable to get local issuer certificate"},
+    };
+    for (const auto& one : cases) {
+        LoopbackServer server(ok, &one.identity);
+        const bool isTrusted = one.fault == std::string_view();
+        for (const bool hasDelegate : {false, true}) {
+            const auto outcome = fetch(server.url("/", one.host), hasDelegate ? delegate_ : nullptr);
+            EXPECT_EQ(outcome.body, isTrusted ? std::optional<std::string>("ok") : std::nullopt) << one.what;
+            if (isTrusted) continue;
+            EXPECT_EQ(kindOf(outcome), HttpErrorKind::untrustedCertificate) << one.what;
+            EXPECT_NE(outcome.error->description.find(one.fault), std::string::npos)
+                << outcome.error->description;
+            EXPECT_NE(outcome.error->description.find(one.host), std::string::npos)
+                << outcome.error->description;
+        }
+        EXPECT_EQ(server.requests().size(), isTrusted ? 2U : 0U) << one.what;
+    }
+}
+
+TEST_F(NativeTrust, TheDelegateOverrulesWhateverIsWrongAndHearsTheHostAsTheUrlSpellsIt) {
+    delegate_->answer(ChallengeDisposition::useCredential);
+    const TestIdentity expired({.names = "DNS:elsewhere.example", .secondsFromNow = -60});
+    LoopbackServer server(ok, &expired);
+    for (const auto* host : {"localhost", "LocalHost", "127.0.0.1"})
+        EXPECT_EQ(fetch(server.url("/", host), delegate_).body, "ok");
+    EXPECT_EQ(delegate_->hosts(), (Hosts{"localhost", "LocalHost", "127.0.0.1"}));
+
+    LoopbackServer v6(LoopbackServer::answering(ok), &expired, "::1");
+    if (!v6.isListening()) GTEST_SKIP() << "this machine has no IPv6";
+    EXPECT_EQ(fetch(v6.url("/", "[::1]"), delegate_).body, "ok");
+    EXPECT_EQ(delegate_->hosts().back(), "::1");
+    const auto right = issued("IP:::1");
+    LoopbackServer trusted(LoopbackServer::answering(ok), &right, "::1");
+    EXPECT_EQ(fetch(trusted.url("/", "[::1]")).body, "ok");
+}
+
+TEST_F(NativeTrust, AsksOncePerConnectionAndSharesOnlyWhatPassedTheFullCheck) {
+    const auto identity = issued("DNS:localhost");
+    LoopbackServer server(ok, &identity);
+    const auto url = server.url("/", "localhost");
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(fetch(url, delegate_).body, "ok");
+    EXPECT_EQ(fetch(url).body, "ok");
+    EXPECT_EQ(delegate_->hosts().size(), 1U);
+    EXPECT_EQ(server.connections(), 1U);
+}
+
+TEST_F(NativeTrust, WhatADelegateAcceptedServesNobodyElseEvenWhileItIsInUse) {
+    std::promise<void> hold;
+    const auto held = hold.get_future().share();
+    const TestIdentity selfSigned({.names = "DNS:localhost"});
+    LoopbackServer server(
+        [&](const WireRequest& request) {
+            if (request.target == "/held") held.wait();
+            return wireReply(200, "ok");
+        },
+        &selfSigned);
+    delegate_->answer(ChallengeDisposition::useCredential);
+    const auto session = factory_.makeSession({}, delegate_);
+    std::promise<HttpOutcome> first;
+    session->send(get(server.url("/held", "localhost")),
+                  [&](HttpOutcome outcome) { first.set_value(std::move(outcome)); });
+    while (server.requests().empty()) std::this_thread::yield();
+
+    EXPECT_EQ(kindOf(fetch(server.url("/", "localhost"))), HttpErrorKind::untrustedCertificate);
+    delegate_->answer(ChallengeDisposition::performDefaultHandling);
+    EXPECT_EQ(kindOf(fetch(server.url("/", "localhost"), delegate_)), HttpErrorKind::untrustedCertificate);
+    hold.set_value();
+    EXPECT_EQ(first.get_future().get().body, "ok");
+    EXPECT_EQ(kindOf(fetch(server.url("/", "localhost"), delegate_)), HttpErrorKind::untrustedCertificate);
+}
+
+TEST_F(NativeTrust, DecidesAnewWhereARedirectLeads) {
+    const TestIdentity selfSigned({.names = "DNS:localhost,IP:127.0.0.1"});
+    class OnlyLocalhost final : public platform::HttpSessionDelegate {
+        ChallengeDisposition didReceiveChallenge(const AuthenticationChallenge& challenge) override {
+            return challenge.host == "localhost" ? ChallengeDisposition::useCredential
+                                                 : ChallengeDisposition::performDefaultHandling;
+        }
+    };
+    std::string target;
+    LoopbackServer server(
+        [&](const WireRequest& request) {
+            return request.target == "/" ? wireReply(302, "", {{"Location", target}}) : wireReply(200, "ok");
+        },
+        &selfSigned);
+    const auto delegate = std::make_shared<OnlyLocalhost>();
+    target = server.url("/there", "localhost");
+    EXPECT_EQ(fetch(server.url("/", "localhost"), delegate).body, "ok");
+    target = server.url("/there", "127.0.0.1");
+    EXPECT_EQ(kindOf(fetch(server.url("/", "localhost"), delegate)), HttpErrorKind::untrustedCertificate);
+}
+
+TEST_F(NativeTrust, AsksNobodyWhenThereIsNoTls) {
+    LoopbackServer plain([](WireConnection& connection) { connection.send(wireReply(400)); });
+    const auto url = "https" + plain.url("/").substr(4);
+    const auto outcome = fetch(url, delegate_);
+    EXPECT_EQ(kindOf(outcome), HttpErrorKind::secureConnectionFailed) << outcome.error->description;
+    EXPECT_TRUE(delegate_->hosts().empty());
+}
+
+TEST_F(NativeTrust, NamesTheFileOfAuthoritiesThatCannotBeRead) {
+    const auto identity = issued("DNS:localhost");
+    LoopbackServer server(ok, &identity);
+    const TestFile notCertificates("no certificates");
+    for (const auto& path : {std::string("/no/such/file.pem"), notCertificates.path()}) {
+        CurlHttpSessionFactory factory(path);
+        const auto outcome = native::fetch(factory, get(server.url("/", "localhost")));
+        EXPECT_EQ(kindOf(outcome), HttpErrorKind::untrustedCertificate);
+        EXPECT_NE(outcome.error->description.find(path), std::string::npos) << outcome.error->description;
+    }
+}
+
+}  // namespace
+}  // namespace oska::native

@@ -1,0 +1,316 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <chrono>
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "oska/platform/http_session.h"
+
+/// What every world of HTTP sessions promises. An adapter proves itself with a driver and one line:
+///
+///     INSTANTIATE_TYPED_TEST_SUITE_P(Memory, HttpSessionContract, MemoryDriver);
+///
+/// A driver has, besides a default constructor:
+///
+///     HttpSessionFactory& factory();
+///     void answer(const std::string& path, ContractAnswer answer);  // of the server; else it is 404
+///     std::string url(const std::string& path);           // on the server
+///     std::string untrustedUrl(const std::string& path);  // by https and "localhost", vouched for by nobody
+///     std::string refusedUrl();                           // where nobody listens
+///     std::vector<ContractRequest> requests();            // that reached the server
+///     void await(const std::function<bool()>& isDone);    // lets the world go on until `isDone`
+///     void shutDown();
+///
+/// No test depends on speed: time-outs are short where they must come, and endless where they must not.
+namespace oska::platform {
+
+struct ContractAnswer {
+    int status = 200;
+    std::string body = {};
+    std::vector<HttpHeader> headers = {};
+    bool isSilent = false;  ///< no answer at all
+};
+
+struct ContractRequest {
+    std::string method;
+    std::string path;
+    std::vector<HttpHeader> headers;
+    std::string body;
+};
+
+/// Collects outcomes on whatever thread they come.
+class Outcomes {
+public:
+    HttpSession::Completion next(std::function<void()> then = {}) {
+        return [this, then = std::move(then)](HttpOutcome outcome) {
+            if (then) then();
+            const std::lock_guard lock(mutex_);
+            outcomes_.push_back(std::move(outcome));
+        };
+    }
+    std::size_t count() const {
+        const std::lock_guard lock(mutex_);
+        return outcomes_.size();
+    }
+    std::vector<HttpOutcome> all() const {
+        const std::lock_guard lock(mutex_);
+        return outcomes_;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    std::vector<HttpOutcome> outcomes_;
+};
+
+/// Answers as it is told, and keeps the hosts it was asked about.
+class ContractDelegate : public HttpSessionDelegate {
+public:
+    ChallengeDisposition didReceiveChallenge(const AuthenticationChallenge& challenge) override {
+        EXPECT_EQ(challenge.method, AuthenticationChallenge::Method::serverTrust);
+        EXPECT_TRUE(challenge.hasServerTrust);
+        const std::lock_guard lock(mutex_);
+        hosts_.push_back(challenge.host);
+        return answer_;
+    }
+    void answer(ChallengeDisposition disposition) {
+        const std::lock_guard lock(mutex_);
+        answer_ = disposition;
+    }
+    std::vector<std::string> hosts() const {
+        const std::lock_guard lock(mutex_);
+        return hosts_;
+    }
+
+private:
+    mutable std::mutex mutex_;
+    ChallengeDisposition answer_ = ChallengeDisposition::performDefaultHandling;
+    std::vector<std::string> hosts_;
+};
+
+inline std::optional<HttpErrorKind> kindOf(const HttpOutcome& outcome) {
+    return outcome.error ? std::optional(outcome.error->kind) : std::nullopt;
+}
+
+inline std::optional<int> statusOf(const HttpOutcome& outcome) {
+    return outcome.reply ? outcome.reply->status : std::nullopt;
+}
+
+template <class Driver>
+class HttpSessionContract : public testing::Test {
+protected:
+    std::unique_ptr<HttpSession> session(const HttpSessionConfiguration& configuration = {},
+                                         std::shared_ptr<HttpSessionDelegate> delegate = nullptr) {
+        return driver_.factory().makeSession(configuration, std::move(delegate));
+    }
+
+    static HttpRequest get(const std::string& url) { return {.url = Url::parse(url).value()}; }
+
+    void await(std::size_t count) {
+        driver_.await([&] { return outcomes_.count() >= count; });
+    }
+
+    /// Sends the request by a session of its own and lets it end.
+    HttpOutcome outcomeOf(HttpRequest request, const HttpSessionConfiguration& configuration = {},
+                          std::shared_ptr<HttpSessionDelegate> delegate = nullptr) {
+        const auto before = outcomes_.count();
+        const auto own = session(configuration, std::move(delegate));
+        own->send(std::move(request), outcomes_.next());
+        await(before + 1);
+        return outcomes_.all().back();
+    }
+
+    HttpOutcome outcomeOf(const std::string& path) { return outcomeOf(get(driver_.url(path))); }
+
+    Outcomes outcomes_;
+    Driver driver_;  // the last member: it ends what still uses the outcomes
+};
+
+TYPED_TEST_SUITE_P(HttpSessionContract);
+
+TYPED_TEST_P(HttpSessionContract, CarriesARequestThereAndItsReplyBack) {
+    this->driver_.answer("/upload", {.status = 201, .body = "thanks", .headers = {{"X-Reply", "a b"}}});
+    auto request = this->get(this->driver_.url("/upload"));
+    request.method = "POST";
+    request.headers = {{"Content-Type", "application/json"}, {"X-Own", "1, 2"}, {"Content-Length", "7"}};
+    request.body = "[1,\n 2]";
+    const auto outcome = this->outcomeOf(request);
+
+    EXPECT_EQ(kindOf(outcome), std::nullopt);
+    EXPECT_EQ(statusOf(outcome), 201);
+    EXPECT_EQ(outcome.body, "thanks");
+    const auto seen = this->driver_.requests().at(0);
+    EXPECT_EQ(seen.method, "POST");
+    EXPECT_EQ(seen.path, "/upload");
+    EXPECT_EQ(seen.body, *request.body);
+    for (const auto& [name, value] : request.headers) {
+        std::vector<std::string> values;
+        for (const auto& header : seen.headers) {
+            if (header.name == name) values.push_back(header.value);
+        }
+        EXPECT_EQ(values, std::vector{value}) << name;
+    }
+}
+
+TYPED_TEST_P(HttpSessionContract, AnyStatusIsAReplyAndAMissingBodyIsAnEmptyOne) {
+    for (const int status : {200, 204, 304, 401, 404, 503}) {
+        this->driver_.answer("/status", {.status = status});
+        const auto outcome = this->outcomeOf("/status");
+        EXPECT_EQ(kindOf(outcome), std::nullopt) << status;
+        EXPECT_EQ(statusOf(outcome), status);
+        EXPECT_EQ(outcome.body, "") << status;
+    }
+}
+
+TYPED_TEST_P(HttpSessionContract, CompletesLaterAndOnceAndNeverInsideSend) {
+    this->driver_.answer("/", {.body = "x"});
+    const auto session = this->session();
+    for (const auto& url :
+         {this->driver_.url("/"), std::string("file:///etc/hostname"), this->driver_.refusedUrl()}) {
+        const auto before = this->outcomes_.count();
+        bool isSending = true;
+        std::recursive_mutex sending;
+        {
+            const std::lock_guard lock(sending);
+            session->send(this->get(url), this->outcomes_.next([&] {
+                const std::lock_guard inCompletion(sending);
+                EXPECT_FALSE(isSending) << url;
+            }));
+            isSending = false;
+        }
+        this->await(before + 1);
+    }
+    this->driver_.shutDown();
+    EXPECT_EQ(this->outcomes_.count(), 3U);
+}
+
+TYPED_TEST_P(HttpSessionContract, RefusesWhatIsNotHttpOrHasNoHost) {
+    for (const auto* url : {"file:///etc/hostname", "ftp://127.0.0.1/x", "mailto:a@b", "//127.0.0.1/x", "/x",
+                            "localhost:80/x", "http:///x", "http://"}) {
+        EXPECT_EQ(kindOf(this->outcomeOf(this->get(url))), HttpErrorKind::unsupportedUrl) << url;
+    }
+}
+
+TYPED_TEST_P(HttpSessionContract, SaysThatNobodyListens) {
+    const auto outcome = this->outcomeOf(this->get(this->driver_.refusedUrl()));
+    EXPECT_EQ(kindOf(outcome), HttpErrorKind::cannotConnect);
+    EXPECT_FALSE(outcome.error->description.empty());
+    EXPECT_FALSE(outcome.reply);
+    EXPECT_FALSE(outcome.body);
+}
+
+TYPED_TEST_P(HttpSessionContract,
+             TheRequestsOwnTimeoutTakesThePlaceOfTheSessionsAndTheResourcesHoldsForBoth) {
+    using namespace std::chrono_literals;
+    using Timeout = std::optional<std::chrono::milliseconds>;
+    struct Case {
+        Timeout ofRequest;
+        std::chrono::milliseconds ofSession;
+        std::chrono::milliseconds ofResource;
+        bool comesInTime;
+    };
+    this->driver_.answer("/silent", {.isSilent = true});
+    this->driver_.answer("/", {});
+    for (const auto& one :
+         {Case{std::nullopt, 20ms, 1h, false}, Case{20ms, 1h, 1h, false}, Case{1h, 1h, 20ms, false},
+          Case{std::nullopt, 1h, 20ms, false}, Case{1h, 0ms, 1h, true}}) {
+        auto request = this->get(this->driver_.url(one.comesInTime ? "/" : "/silent"));
+        request.timeout = one.ofRequest;
+        const auto outcome = this->outcomeOf(
+            request, {.timeoutForRequest = one.ofSession, .timeoutForResource = one.ofResource});
+        EXPECT_EQ(kindOf(outcome), one.comesInTime ? std::nullopt : std::optional(HttpErrorKind::timedOut));
+    }
+}
+
+TYPED_TEST_P(HttpSessionContract, BoundsTheReply) {
+    this->driver_.answer("/", {.body = std::string(1000, 'x')});
+    const auto request = this->get(this->driver_.url("/"));
+    EXPECT_EQ(this->outcomeOf(request, {.maximumReplyBytes = 1000}).body->size(), 1000U);
+
+    const auto refused = this->outcomeOf(request, {.maximumReplyBytes = 999});
+    EXPECT_EQ(kindOf(refused), HttpErrorKind::replyTooLarge);
+    EXPECT_EQ(statusOf(refused), 200);
+    EXPECT_FALSE(refused.body);
+}
+
+TYPED_TEST_P(HttpSessionContract, ASessionsEndCancelsItsRequestsAndNoOthers) {
+    this->driver_.answer("/silent", {.isSilent = true});
+    this->driver_.answer("/", {.body = "x"});
+    const auto silent = this->get(this->driver_.url("/silent"));
+    const auto other = this->session();
+    auto session = this->session();
+    for (int i = 0; i < 10; ++i) session->send(silent, this->outcomes_.next());
+    this->driver_.await([&] { return !this->driver_.requests().empty(); });
+    session.reset();
+    this->await(10);
+    other->send(this->get(this->driver_.url("/")), this->outcomes_.next());
+    this->await(11);
+
+    const auto all = this->outcomes_.all();
+    for (std::size_t i = 0; i < 10; ++i) EXPECT_EQ(kindOf(all[i]), HttpErrorKind::cancelled);
+    EXPECT_EQ(all[10].body, "x");
+}
+
+TYPED_TEST_P(HttpSessionContract, ShuttingDownCancelsWhatIsUnderWayAndWhatComesLater) {
+    this->driver_.answer("/silent", {.isSilent = true});
+    const auto silent = this->get(this->driver_.url("/silent"));
+    const auto session = this->session();
+    for (int i = 0; i < 10; ++i) {
+        session->send(silent, this->outcomes_.next([&] { session->send(silent, this->outcomes_.next()); }));
+    }
+    this->driver_.shutDown();
+    this->await(20);
+    session->send(silent, this->outcomes_.next());
+    this->await(21);
+    for (const auto& outcome : this->outcomes_.all()) EXPECT_EQ(kindOf(outcome), HttpErrorKind::cancelled);
+}
+
+TYPED_TEST_P(HttpSessionContract, ACompletionMayDestroyItsSessionAndSendByAnother) {
+    this->driver_.answer("/", {.body = "x"});
+    const auto request = this->get(this->driver_.url("/"));
+    const auto next = this->session();
+    auto session = this->session();
+    auto* sender = session.get();
+    sender->send(request, this->outcomes_.next([&] {
+        session.reset();
+        next->send(request, this->outcomes_.next());
+    }));
+    this->await(2);
+    for (const auto& outcome : this->outcomes_.all()) EXPECT_EQ(outcome.body, "x");
+}
+
+TYPED_TEST_P(HttpSessionContract, TheDelegateDecidesAnewOnEachConnectionToAServerNobodyVouchesFor) {
+    this->driver_.answer("/", {.body = "x"});
+    const auto request = this->get(this->driver_.untrustedUrl("/"));
+    const auto delegate = std::make_shared<ContractDelegate>();
+
+    EXPECT_EQ(kindOf(this->outcomeOf(request)), HttpErrorKind::untrustedCertificate);
+    EXPECT_EQ(kindOf(this->outcomeOf(request, {}, delegate)), HttpErrorKind::untrustedCertificate);
+    delegate->answer(ChallengeDisposition::useCredential);
+    EXPECT_EQ(this->outcomeOf(request, {}, delegate).body, "x");
+    EXPECT_EQ(this->outcomeOf(request, {}, delegate).body, "x");
+    delegate->answer(ChallengeDisposition::performDefaultHandling);
+    EXPECT_EQ(kindOf(this->outcomeOf(request, {}, delegate)), HttpErrorKind::untrustedCertificate);
+    EXPECT_EQ(kindOf(this->outcomeOf(request)), HttpErrorKind::untrustedCertificate);
+
+    EXPECT_EQ(delegate->hosts(), std::vector<std::string>(4, "localhost"));
+    EXPECT_EQ(this->driver_.requests().size(), 2U);
+}
+
+REGISTER_TYPED_TEST_SUITE_P(HttpSessionContract, CarriesARequestThereAndItsReplyBack,
+                            AnyStatusIsAReplyAndAMissingBodyIsAnEmptyOne,
+                            CompletesLaterAndOnceAndNeverInsideSend, RefusesWhatIsNotHttpOrHasNoHost,
+                            SaysThatNobodyListens,
+                            TheRequestsOwnTimeoutTakesThePlaceOfTheSessionsAndTheResourcesHoldsForBoth,
+                            BoundsTheReply, ASessionsEndCancelsItsRequestsAndNoOthers,
+                            ShuttingDownCancelsWhatIsUnderWayAndWhatComesLater,
+                            ACompletionMayDestroyItsSessionAndSendByAnother,
+                            TheDelegateDecidesAnewOnEachConnectionToAServerNobodyVouchesFor);
+
+}  // namespace oska::platform

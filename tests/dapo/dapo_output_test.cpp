@@ -1,0 +1,259 @@
+#include "oska/dapo/dapo_output.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "tests/fakes/output_capture.h"
+
+namespace oska {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::WallTime;
+using std::chrono::milliseconds;
+using std::chrono::nanoseconds;
+using Events = std::vector<std::string>;
+
+constexpr auto INFINITE = std::numeric_limits<double>::infinity();
+
+std::vector<DapoWard> wards(std::initializer_list<const char*> names) {
+    std::vector<DapoWard> wards;
+    for (const auto* name : names) wards.push_back({.id = std::ssize(wards), .name = name});
+    return wards;
+}
+
+/// Runs an output on a clock of the test's, and writes down what it asks for.
+class Output : public testing::Test, protected DapoOutput::Presenter {
+protected:
+    void applyVisibility(bool isVisible) override { isVisible_ = isVisible; }
+    void scheduleHoldRelease(nanoseconds delay) override { releaseAt_ = now_ + delay; }
+    void cancelHoldRelease() override { releaseAt_.reset(); }
+    void deliver(const std::vector<DapoWard>& dapoWards) override {
+        std::string names;
+        for (const auto& ward : dapoWards) names += ward.name;
+        events_.push_back(names);
+        reaction_();
+    }
+
+    /// Lets time pass, and the release that is scheduled happen.
+    void pass(nanoseconds span) {
+        const auto end = now_ + span;
+        while (releaseAt_ && *releaseAt_ <= end) {
+            now_ = *std::exchange(releaseAt_, std::nullopt);
+            output_.releaseExpiredHolds(now_);
+        }
+        now_ = end;
+    }
+
+    void detect(std::initializer_list<const char*> names) { output_.handleDetectedWards(wards(names), now_); }
+    void hide() { output_.setVisibility(false, now_); }
+    void show() { output_.setVisibility(true, now_); }
+    /// What a tick delivers now; nothing: "-".
+    std::string tick() {
+        events_.clear();
+        output_.deliverCurrentWards(now_);
+        return events_.empty() ? "-" : events_.back();
+    }
+    bool isSelected() { return !output_.currentWards().empty(); }
+
+    WallTime now_{1'700'000'000'000, 0};
+    bool isVisible_ = false;
+    std::optional<WallTime> releaseAt_;
+    Events events_;
+    std::function<void()> reaction_ = [] {};
+    DapoOutput output_{*this};
+};
+
+TEST_F(Output, HoldsASelectionForFiveSecondsAndEndsItSilently) {
+    detect({"a"});
+    EXPECT_TRUE(isVisible_);
+    EXPECT_TRUE(events_.empty()) << "a detection alone delivers nothing";
+    EXPECT_EQ(tick(), "a");
+    pass(4999ms);
+    EXPECT_TRUE(isVisible_ && isSelected());
+    events_.clear();
+    pass(1ms);
+    EXPECT_FALSE(isVisible_ || isSelected());
+    EXPECT_FALSE(releaseAt_);
+    EXPECT_EQ(tick(), "-");
+}
+
+TEST_F(Output, EachDetectionReplacesTheSelectionAndExtendsTheHolds) {
+    detect({"a"});
+    pass(3s);
+    detect({"b", "c"});
+    pass(4999ms);
+    EXPECT_EQ(tick(), "bc");
+    output_.releaseExpiredHolds(now_);  // a sample without detection
+    EXPECT_EQ(releaseAt_, now_ + 1ms);
+    pass(1ms);
+    EXPECT_FALSE(isSelected());
+}
+
+TEST_F(Output, ADeadlineThatIsNowIsOver) {
+    detect({"a"});
+    now_ = now_ + 5s;
+    output_.releaseExpiredHolds(now_);
+    EXPECT_FALSE(isVisible_ || isSelected() || releaseAt_);
+}
+
+TEST_F(Output, DeliversWhenTheSetOfNamesChangesAndOnlyThen) {
+    detect({"a", "b"});
+    EXPECT_EQ(tick(), "ab");
+    EXPECT_EQ(tick(), "-");
+    detect({"b", "a"});
+    EXPECT_EQ(tick(), "-");
+    detect({"b", "a", "a"});
+    EXPECT_EQ(tick(), "-");
+    detect({"a", "b", "caf\u00e9"});
+    EXPECT_EQ(tick(), "abcaf\u00e9");
+    detect({"a", "b", "cafe\u0301"});
+    EXPECT_EQ(tick(), "-");
+    detect({"A", "b", "cafe\u0301"});
+    EXPECT_EQ(tick(), "Abcafe\u0301");
+}
+
+TEST_F(Output, DeliversTheSameSetAgainAfterItWasReleased) {
+    detect({"a"});
+    tick();
+    pass(6s);
+    detect({"a"});
+    EXPECT_EQ(tick(), "a");
+}
+
+TEST_F(Output, DeliversAnUnchangedSetAtTheFirstTickAfterTheInterval) {
+    struct Case {
+        double interval;
+        nanoseconds tick;
+        int due;  // the number of the tick that delivers again
+    };
+    for (const auto& [interval, period, due] :
+         {Case{3, 1s, 3}, {0.3, 100ms, 3}, {0.3, 1ms, 300}, {2.5, 1s, 3}, {0, 1s, 1}, {1e-9, 1ms, 1}}) {
+        output_.reset();
+        output_.setUnchangedDeliveryInterval(acceptedUnchangedInterval(interval));
+        detect({"a"});
+        ASSERT_EQ(tick(), "a");
+        for (int i = 1; i <= due; ++i) {
+            pass(period);
+            detect({"a"});
+            EXPECT_EQ(tick(), i == due ? "a" : "-") << interval << " s, tick " << i;
+        }
+    }
+    output_.setUnchangedDeliveryInterval(std::nullopt);
+    pass(4s);
+    EXPECT_EQ(tick(), "-");
+}
+
+TEST_F(Output, AWallClockThatIsSetBackDelaysAndHidesNothingForGood) {
+    output_.setUnchangedDeliveryInterval(1s);
+    detect({"a"});
+    tick();
+    now_ = now_ + -std::chrono::hours(1);
+    EXPECT_EQ(tick(), "-");
+    output_.releaseExpiredHolds(now_);
+    EXPECT_EQ(releaseAt_, now_ + 1h + 5s);
+}
+
+TEST_F(Output, TheForegroundForcesADelivery) {
+    detect({"a"});
+    tick();
+    output_.enterForeground(now_);
+    EXPECT_EQ(events_, (Events{"a", "a"})) << "at once";
+    EXPECT_EQ(tick(), "-");
+
+    output_.setUnchangedDeliveryInterval(100s);
+    output_.enterForeground(now_);
+    EXPECT_TRUE(events_.empty()) << "at the next tick";
+    EXPECT_EQ(tick(), "a");
+    EXPECT_EQ(tick(), "-");
+
+    output_.reset();
+    output_.enterForeground(now_);
+    detect({"a"});
+    EXPECT_EQ(tick(), "a");
+    EXPECT_EQ(tick(), "-") << "a force that met a changed set is used up";
+}
+
+TEST_F(Output, ShowsForFiveSecondsWhenAHostAsks) {
+    show();
+    EXPECT_TRUE(isVisible_);
+    pass(4999ms);
+    EXPECT_TRUE(isVisible_);
+    pass(1ms);
+    EXPECT_FALSE(isVisible_);
+}
+
+TEST_F(Output, StaysVisibleAsLongAsTheLongerHold) {
+    detect({"a"});
+    pass(3s);
+    show();
+    pass(3s);
+    EXPECT_TRUE(isVisible_);
+    EXPECT_FALSE(isSelected());
+    pass(2s);
+    EXPECT_FALSE(isVisible_);
+}
+
+TEST_F(Output, DefersAHideWhileTheViewMustShow) {
+    fakes::OutputCapture output;
+    detect({"a"});
+    pass(2s);
+    hide();
+    EXPECT_EQ(output.take(),
+              Events{"[INFO]  [DapoView] (setVisibility) : delayed hide because visibility hold is active"});
+    EXPECT_TRUE(isVisible_);
+    pass(3s);
+    EXPECT_FALSE(isVisible_);
+    hide();
+    EXPECT_TRUE(output.take().empty());
+}
+
+TEST_F(Output, HidesAtOnceWhenTheHoldIsOverThoughItsReleaseIsStillToCome) {
+    detect({"a"});
+    now_ = now_ + 5s;
+    hide();
+    EXPECT_FALSE(isVisible_);
+    EXPECT_TRUE(isSelected());
+    pass(0s);
+    EXPECT_FALSE(isSelected());
+}
+
+TEST_F(Output, ResetForgetsAllButIntervalAndForce) {
+    output_.setUnchangedDeliveryInterval(1s);
+    detect({"a"});
+    tick();
+    output_.reset();
+    EXPECT_FALSE(isVisible_ || isSelected() || releaseAt_);
+    detect({"a"});
+    EXPECT_EQ(tick(), "a");
+    pass(1s);
+    EXPECT_EQ(tick(), "a");
+}
+
+TEST_F(Output, MayBeResetByTheOneItDeliversTo) {
+    reaction_ = [this] { output_.reset(); };
+    detect({"a"});
+    EXPECT_EQ(tick(), "a");
+    detect({"a"});
+    EXPECT_EQ(tick(), "a") << "the history was reset, too";
+}
+
+TEST(OutputIntervals, TakeNumbersThatATimerCanUse) {
+    for (const double refused : {0.0, -0.0, -1.0, std::nan(""), INFINITE, -INFINITE}) {
+        EXPECT_FALSE(acceptedOutputInterval(refused)) << refused;
+    }
+    EXPECT_EQ(acceptedOutputInterval(5e-324), 0.001);
+    EXPECT_EQ(acceptedOutputInterval(0.25), 0.25);
+    for (const double refused : {-1e-9, std::nan(""), -INFINITE})
+        EXPECT_FALSE(acceptedUnchangedInterval(refused));
+    EXPECT_EQ(acceptedUnchangedInterval(-0.0), 0ns);
+    EXPECT_EQ(acceptedUnchangedInterval(INFINITE), nanoseconds::max()) << "never";
+    EXPECT_EQ(nanosecondsOf(0.3), 300ms);
+    EXPECT_EQ(nanosecondsOf(1.0 / 3), 333'333'333ns);
+    EXPECT_EQ(nanosecondsOf(1e300), nanoseconds::max());
+}
+
+}  // namespace
+}  // namespace oska

@@ -1,0 +1,233 @@
+// What holds when views come and go on any thread.
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+
+#include "oska/foundation/logger.h"
+#include "tests/dapo/dapo_view_fixture.h"
+
+namespace oska {
+namespace {
+
+using namespace std::chrono_literals;
+using platform::Notification;
+using platform::NotificationCenter;
+
+template <class Action>
+void onAnotherThread(Action action) {
+    std::thread(std::move(action)).join();
+}
+
+class DapoViewLifetime : public DapoViewTest {
+protected:
+    /// Runs what other threads wait for until `action` has returned on a thread of its own.
+    template <class Action>
+    void whileMainRuns(Action action) {
+        std::atomic<bool> isOver{false};
+        std::thread other([&] {
+            action();
+            isOver = true;
+        });
+        while (!isOver) world_.time().runDue();
+        other.join();
+    }
+
+    /// Something that only the view keeps.
+    std::weak_ptr<const platform::Image> keptByView() {
+        const auto image = std::make_shared<const platform::Image>();
+        view_->configureFrame({.to = hostView_, .dapoImage = image});
+        view_->removeFromSuperview();
+        return image;
+    }
+};
+
+TEST_F(DapoViewLifetime, DestroyedWhileLoadingIsNeverHeardFromAgain) {
+    initialize();
+    view_.reset();
+    settle();
+    EXPECT_TRUE(host_->take().empty());
+}
+
+TEST_F(DapoViewLifetime, MayLoseItsLastReferenceInsideAnyCallback) {
+    for (const std::string last : {"map 10", "init true", "start true", "changed lobby-a", "click lobby-a"}) {
+        view_ = DapoView::create();
+        view_->setDelegate(host_);
+        host_->take();
+        const auto kept = keptByView();
+        hostView_->addSubview(view_);
+        host_->reaction = [&](const std::string& event) {
+            if (event != last) return;
+            view_->removeFromSuperview();
+            view_.reset();
+        };
+        initialize();
+        settle();
+        if (view_) view_->startService();
+        if (view_) detect();
+        pass(0s);
+        hostView_->tapAt({1, 1});
+        EXPECT_FALSE(view_);
+        EXPECT_TRUE(kept.expired()) << last;
+    }
+}
+
+TEST_F(DapoViewLifetime, MayBeStoppedStartedAndInitialisedInsideAnyCallback) {
+    host_->reaction = [&](const std::string& event) {
+        if (event == "init true") view_->startService();
+        if (event != "changed lobby-a") return;
+        view_->stopService();
+        initialize();
+    };
+    initialize();
+    settle();
+    detect();
+    settle();
+    detect();
+    pass(1s);
+    EXPECT_EQ(host_->take(),
+              (Events{"map 10", "init true", "start true", "changed lobby-a", "map 10", "init true",
+                      "start true", "changed lobby-a", "map 10", "init true", "start true"}));
+}
+
+TEST_F(DapoViewLifetime, TheLastReferenceOnAnotherThreadIsTornDownOnTheMainThread) {
+    makeRunning();
+    const auto kept = keptByView();
+    hear();
+    onAnotherThread([&] { view_.reset(); });
+    EXPECT_FALSE(hear()) << "no callback finds a view on its way out";
+    EXPECT_TRUE(world_.source().last()->isRunning) << "waits for the main thread";
+    NotificationCenter::shared().post(Notification::willEnterForeground);
+    pass(0s);
+    EXPECT_FALSE(world_.source().last()->isRunning);
+    EXPECT_TRUE(kept.expired());
+    EXPECT_EQ(uploads().size(), 1u) << "flushed";
+    settle();
+    EXPECT_TRUE(host_->take().empty());
+}
+
+TEST_F(DapoViewLifetime, ASampleUnderWayWhenTheViewGoesIsStillUploaded) {
+    makeRunning();
+    onAnotherThread([&] { hear(); });
+    pass(0s);
+    onAnotherThread([&] { hear(); });
+    view_->removeFromSuperview();
+    view_.reset();  // flushes the first
+    auto second = DapoView::create();
+    pass(0s);
+    second.reset();
+    pass(0s);
+    EXPECT_EQ(uploads().size(), 2u);
+}
+
+TEST_F(DapoViewLifetime, IsDestroyedWhereItIsOnceTheQueueHasStopped) {
+    makeRunning();
+    const auto kept = keptByView();
+    world_.time().stop();
+    onAnotherThread([&] { view_.reset(); });
+    EXPECT_TRUE(kept.expired());
+    EXPECT_FALSE(world_.source().last()->isRunning);
+}
+
+TEST_F(DapoViewLifetime, CallsFromElsewhereWaitForTheMainThread) {
+    makeReady();
+    whileMainRuns([&] {
+        view_->startService();
+        for (int i = 0; i < 6; ++i) hear();
+        EXPECT_EQ(view_->getCurrentDapoWards().size(), 1u);
+        EXPECT_FALSE(view_->getVisibility());
+        view_->setSelectionInterval(0.5);
+        view_->configureFrame({.to = hostView_});
+        NotificationCenter::shared().post(Notification::willEnterForeground);
+    });
+    pass(0s);
+    EXPECT_EQ(host_->take(), (Events{"start true", "changed lobby-a"}));
+    EXPECT_EQ(view_->superview(), hostView_);
+}
+
+TEST_F(DapoViewLifetime, CallsFromElsewhereDoNothingOnceTheQueueHasStopped) {
+    makeRunning();
+    detect();
+    world_.time().stop();
+    onAnotherThread([&] {
+        initialize();
+        view_->startService();
+        view_->stopService();
+        EXPECT_TRUE(view_->getDapoMapImages().empty());
+        EXPECT_TRUE(view_->getCurrentDapoWards().empty());
+        EXPECT_TRUE(view_->getVisibility());
+        hear();
+    });
+    Events expected;
+    for (const auto* operation : {"initialize", "startService", "stopService", "getDapoMapImages",
+                                  "getCurrentDapoWards", "getVisibility"}) {
+        expected.push_back("[ERROR] [DapoView] (" + std::string(operation) + ") : main queue has stopped");
+    }
+    EXPECT_EQ(output_.take(), expected);
+    EXPECT_TRUE(host_->take().empty());
+}
+
+TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
+    constexpr int ROUNDS = 200;
+    OskaLogger::setDebugOption(false);
+    world_.server().keepRequests(false);
+    auto& queue = world_.time();
+    std::atomic<int> running{3};
+    std::vector<std::thread> hosts;
+    view_.reset();
+
+    // One view after the other, each destroyed by whoever lets go last.
+    std::mutex mutex;
+    std::shared_ptr<DapoView> shared;
+    const auto viewOfTheMoment = [&] {
+        const std::lock_guard lock(mutex);
+        return shared;
+    };
+    const auto replaceView = [&] {
+        auto next = DapoView::create();
+        next->setDelegate(host_);
+        const std::lock_guard lock(mutex);
+        shared.swap(next);
+    };
+    whileMainRuns(replaceView);
+
+    hosts.emplace_back([&] {
+        for (int i = 0; i < ROUNDS; ++i) {
+            const auto view = viewOfTheMoment();
+            view->initialize({.id = "demo", .sectorId = 12, .forceUpdate = i % 3 == 0});
+            view->startService();
+            view->setUnchangedDeliveryInterval(0);
+            if (i % 2) view->stopService();
+        }
+        --running;
+    });
+    hosts.emplace_back([&] {
+        for (int i = 0; i < ROUNDS; ++i) {
+            const auto view = viewOfTheMoment();
+            EXPECT_LE(view->getCurrentDapoWards().size(), 1u);
+            EXPECT_LE(view->getDapoMapImages().size(), 1u);
+            view->setVisibility(i % 2 == 0);
+            NotificationCenter::shared().post(Notification::willEnterForeground);
+        }
+        --running;
+    });
+    hosts.emplace_back([&] {
+        for (int i = 0; i < ROUNDS; ++i) replaceView();
+        --running;
+    });
+    std::thread generator([&] {
+        for (std::int64_t time = 0; running > 0; time += 500) {
+            for (int i = 0; i < 8; ++i) world_.source().send({time, {{"lobby-a", -60}, {"gate", -70}}});
+            (void)queue.sync([] {});  // the next ones wait until these are handled
+        }
+    });
+
+    while (running > 0) queue.advanceBy(50ms);
+    queue.stop();
+    for (auto& host : hosts) host.join();
+    generator.join();
+    onAnotherThread([&] { shared.reset(); });
+}
+
+}  // namespace
+}  // namespace oska

@@ -1,0 +1,110 @@
+#pragma once
+
+#include <openssl/ssl.h>
+
+#include <functional>
+#include <list>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include "oska/platform/http_session.h"
+#include "tests/fakes/test_identity.h"
+
+namespace oska::fakes {
+
+/// One request as it stood on the wire.
+struct WireRequest {
+    std::size_t connection = 0;  ///< 0 for the first that was accepted, and so on
+    std::string method;
+    std::string target;
+    std::vector<platform::HttpHeader> headers;
+    std::string body;
+
+    /// Each value of that header, without regard to the case of the name.
+    [[nodiscard]] std::vector<std::string> values(std::string_view name) const;
+};
+
+/// The server's end of one connection. Threads: that of its handler.
+class WireConnection {
+public:
+    using OnRequest = std::function<void(WireRequest&)>;
+
+    WireConnection(int socket, SSL* tls, OnRequest onRequest)
+        : socket_(socket), tls_(tls), onRequest_(std::move(onRequest)) {}
+
+    /// The next request, none when the client has gone.
+    [[nodiscard]] std::optional<WireRequest> receive();
+    void send(std::string_view bytes);
+    /// Until the client has gone.
+    void awaitHangUp();
+    /// False when the client has gone before the time is over.
+    [[nodiscard]] bool pause(int milliseconds);
+
+private:
+    [[nodiscard]] bool readMore();
+    [[nodiscard]] bool readUntil(std::size_t size);
+    [[nodiscard]] std::optional<std::size_t> readHead();
+
+    const int socket_;
+    SSL* const tls_;
+    const OnRequest onRequest_;
+    std::string unread_;
+};
+
+/// A server on loopback and a port of its own that says, byte for byte, what the test tells it to; over TLS
+/// when it is given an identity. Each connection has a thread; destroying the server ends all.
+class LoopbackServer {
+public:
+    using Handler = std::function<void(WireConnection&)>;
+    using Answer = std::function<std::string(const WireRequest&)>;
+
+    /// Speaks by `handler`, which gets each connection and may receive from it as often as it likes.
+    LoopbackServer(Handler handler, const TestIdentity* identity = nullptr,
+                   const char* address = "127.0.0.1");
+    /// Answers each request and keeps the connection.
+    explicit LoopbackServer(Answer answer, const TestIdentity* identity = nullptr)
+        : LoopbackServer(answering(std::move(answer)), identity) {}
+    ~LoopbackServer();
+    LoopbackServer(const LoopbackServer&) = delete;
+    LoopbackServer& operator=(const LoopbackServer&) = delete;
+
+    /// False when the machine has no such address.
+    [[nodiscard]] bool isListening() const { return port_ != 0; }
+    [[nodiscard]] int port() const { return port_; }
+    [[nodiscard]] std::string url(std::string_view path, std::string_view host = "127.0.0.1") const;
+    [[nodiscard]] std::vector<WireRequest> requests() const;
+    [[nodiscard]] std::size_t connections() const;
+
+    [[nodiscard]] static Handler answering(Answer answer);
+
+private:
+    struct Peer {
+        int socket;
+        std::thread thread;
+    };
+
+    void listenOn(const char* address);
+    void acceptAll();
+    void serve(int socket, std::size_t number);
+    void note(WireRequest& request, std::size_t connection);
+
+    const Handler handler_;
+    SSL_CTX* tls_ = nullptr;
+    int listener_ = -1;
+    int port_ = 0;
+    mutable std::mutex mutex_;
+    std::list<Peer> peers_;
+    std::vector<WireRequest> requests_;
+    std::thread acceptor_;
+};
+
+/// "HTTP/1.1 200 OK", the headers, the length, and the body.
+[[nodiscard]] std::string wireReply(int status, std::string_view body = "",
+                                    const std::vector<platform::HttpHeader>& headers = {});
+
+}  // namespace oska::fakes

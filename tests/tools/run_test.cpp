@@ -1,0 +1,205 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <regex>
+#include <sstream>
+
+#include "tests/fakes/site_server.h"
+#include "tests/fakes/test_identity.h"
+#include "tests/tools/oska_program.h"
+#include "tools/oska_serve/site_server.h"
+
+namespace oska::tool_tests {
+namespace {
+
+using testing::AllOf;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+using tool::SiteServer;
+
+const std::string TOKEN = "secret";
+const std::string LOG = "[INFO]  [OskaResourceManager] ";
+
+/// Without the instants, and without the versions of the server's making.
+std::vector<std::string> lines(const std::string& output) {
+    static const std::regex AT(R"re("at":\d+,)re");
+    static const std::regex VERSION("versionId = [0-9a-f]{16}");
+    std::vector<std::string> found;
+    std::istringstream text(output);
+    for (std::string line; std::getline(text, line);) {
+        found.push_back(std::regex_replace(std::regex_replace(line, AT, ""), VERSION, "versionId = V"));
+    }
+    return found;
+}
+
+std::string heard(int mobileTime) {
+    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"rfs":{"lobby-a":-60}})" + "\n";
+}
+
+std::string action(const std::string& name) { return R"({"mobile_time":1,"action":")" + name + "\"}\n"; }
+
+std::string result(int mobileTime) {
+    return R"({"event":"onPelioResult","result":{"mobile_time":)" + std::to_string(mobileTime) +
+           R"(,"building_id":1,"building_name":"main","level_id":10,"level_name":"B1","x":60,"y":30}})";
+}
+
+class RunCommand : public testing::Test {
+protected:
+    SiteServer& serve(SiteServer::Options more = {}) {
+        more.folder = folder.path();
+        auto started = SiteServer::start(more);
+        EXPECT_TRUE(started) << started.error().problem;
+        server = *std::move(started);
+        return *server;
+    }
+
+    [[nodiscard]] std::vector<std::string> arguments(const std::string& service,
+                                                     const std::vector<std::string>& more) const {
+        std::vector<std::string> all{"run", service, "--base-url", server->url(), "--sector", "12"};
+        all.insert(all.end(), more.begin(), more.end());
+        return all;
+    }
+
+    [[nodiscard]] Ended run(const std::vector<std::string>& more) const {
+        return runOska(arguments("pelio", more));
+    }
+
+    const Folder folder;
+    const std::string pelio = folder.file("12/pelio.json", fakes::PELIO_DOCUMENT);
+    const std::string dapo = folder.file("12/dapo.json", fakes::DAPO_DOCUMENT);
+    std::unique_ptr<SiteServer> server;
+};
+
+TEST_F(RunCommand, LoadsTheSiteWalksThroughItAndStops) {
+    serve();
+    const auto walk = folder.file("walk.jsonl", heard(1000) + heard(61'000) + heard(500));
+    const auto ended = run({"--token", TOKEN, "--recording", walk, "--speed", "100000"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(
+        lines(ended.out),
+        ElementsAre(
+            "(QuenloResource) getSectorBundle : " + server->url() +
+                "/v2/pelio/sectors/12/bundle?operating_system=iOS",
+            LOG + "(loadPelioBundle) : fetched BundleOutput // sectorId = 12, versionId = V",
+            LOG + "(loadPelioResources) : updated PelioBundle // sectorId = 12, versionId = V",
+            "[INFO]  [PelioServiceManager] (initialize) : success // id = oska, sectorId = 12, forceUpdate = "
+            "false, "
+            "wardCount = 1, levelCount = 1",
+            StartsWith(R"({"event":"onPelioMapImageData","level_id":10,)"),
+            R"({"event":"onInitSuccess","success":true})",
+            "[INFO]  [PelioServiceManager] (startGenerator) : success // id = oska, replayMode = true",
+            R"({"event":"onPelioSuccess","success":true})", result(1000), result(61'000), result(500),
+            "[WARN]  [PelioServiceManager] (stopService) : skipped because rfdGenerator is nil"));
+}
+
+TEST_F(RunCommand, HandlesLinesAsTheyComeAndReusesAnUnchangedBundle) {
+    serve();
+    RunningOska oska(arguments("pelio", {"--token", TOKEN, "--recording", "-", "--force-update"}));
+    EXPECT_THAT(oska.readLine(), AllOf(StartsWith("(QuenloResource) "), HasSubstr("&_rt=")));
+    EXPECT_THAT(oska.readUntil("onPelioSuccess"), HasSubstr("true"));
+    oska.write(heard(5).substr(0, 9));
+    oska.write(heard(5).substr(9) + action("initialize"));
+    EXPECT_THAT(oska.readUntil("onPelioResult"), HasSubstr(R"("mobile_time":5)"));
+    EXPECT_THAT(oska.readUntil("(loadPelioResources)"),
+                HasSubstr("version unchanged, use cached PelioBundle"));
+    EXPECT_THAT(oska.readUntil("onInitSuccess"), HasSubstr("true"));
+    oska.endInput();
+    EXPECT_EQ(oska.waitForStatus(), 0);
+}
+
+TEST_F(RunCommand, WithoutARecordingInitializesAndSaysHowThatEnded) {
+    serve({.requiredToken = TOKEN});
+    struct Case {
+        std::vector<std::string> arguments;
+        int status;
+        std::string outcome;
+    };
+    for (const auto& [arguments, status, outcome] :
+         {Case{{"--token", TOKEN}, 0, R"("success":true})"},
+          Case{{"--token", "wrong"}, 1, R"("success":false,"code":"RESOURCE_FAIL"})"},
+          Case{{}, 1, R"("success":false,"code":"RESOURCE_FAIL"})"}}) {
+        const auto ended = run(arguments);
+        EXPECT_EQ(ended.status, status);
+        ASSERT_THAT(ended.events(), Not(IsEmpty()));
+        EXPECT_THAT(ended.events().back(), EndsWith(outcome));
+        EXPECT_EQ(ended.err, "");
+    }
+    const auto refused = run({"--token", TOKEN, "--id", "a b\n"});
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_THAT(refused.events(), IsEmpty());
+    EXPECT_EQ(refused.err, "oska: the service refuses the id \"a b\\n\"\n");
+}
+
+TEST_F(RunCommand, QuietLeavesTheEventsAndTheDirectLines) {
+    serve();
+    const auto ended = run({"--token", TOKEN, "--quiet"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(lines(ended.out), ElementsAre(StartsWith("(QuenloResource) "),
+                                              HasSubstr("onPelioMapImageData"), HasSubstr("onInitSuccess")));
+}
+
+TEST_F(RunCommand, TakesTheCertificateOfItsOwnServer) {
+    const fakes::TestIdentity identity({.names = "DNS:elsewhere"});
+    serve({.tlsCertificate = folder.file("cert.pem", identity.pem()),
+           .tlsKey = folder.file("key.pem", identity.keyPem())});
+    const auto ended = run({"--token", TOKEN});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_THAT(ended.out,
+                HasSubstr("\n(OskaOnPremiseServerTrustDelegate) accepting server trust for on-premise host= "
+                          "127.0.0.1\n"));
+}
+
+TEST_F(RunCommand, BadInputIsNamedAfterAllThatCameBefore) {
+    serve();
+    const auto walk = folder.file("walk.jsonl", heard(1) + "\n{\"mobile_time\":\"x\"}\n" + heard(9));
+    const auto ended = run({"--token", TOKEN, "--recording", walk});
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_THAT(lines(ended.out), testing::Contains(result(1)));
+    EXPECT_THAT(ended.out, Not(HasSubstr(R"("mobile_time":9)")));
+    EXPECT_EQ(ended.err, walk + ":3: \"mobile_time\" is not an integer\n");
+
+    const auto missing = run({"--token", TOKEN, "--recording", folder.path() + "/none.jsonl"});
+    EXPECT_EQ(missing.status, 2);
+    EXPECT_EQ(missing.out, "");
+    EXPECT_THAT(missing.err, EndsWith("none.jsonl: No such file or directory\n"));
+}
+
+TEST_F(RunCommand, CtrlCStopsInOrderAndStillUploads) {
+    const auto uploads = folder.path() + "/uploads.jsonl";
+    serve({.requiredToken = TOKEN, .uploads = uploads});
+    RunningOska oska(arguments("dapo", {"--token", TOKEN, "--recording", "-"}));
+    oska.write(heard(1) + heard(2) + R"({"mobile_time":3,"action":"setVisibility","isVisible":true})" + "\n");
+    EXPECT_THAT(oska.readUntil("visibility"), HasSubstr("true"));
+    oska.interrupt();
+    EXPECT_EQ(oska.waitForStatus(), 130);
+    EXPECT_EQ(contentOf(uploads), heard(1) + heard(2));
+}
+
+class RunUsage : public testing::TestWithParam<std::vector<std::string>> {};
+
+TEST_P(RunUsage, IsRefusedOnStandardError) {
+    auto arguments = GetParam();
+    arguments.insert(arguments.begin(), "run");
+    const auto ended = runOska(arguments);
+    EXPECT_EQ(ended.status, 2);
+    EXPECT_EQ(ended.out, "");
+    EXPECT_NE(ended.err, "");
+}
+
+INSTANTIATE_TEST_SUITE_P(Of, RunUsage,
+                         testing::Values(std::vector<std::string>{}, std::vector<std::string>{"pelio"},
+                                         std::vector<std::string>{"tovan", "--sector", "1"},
+                                         std::vector<std::string>{"pelio", "--sector", "1x"},
+                                         std::vector<std::string>{"pelio", "--sector", "9223372036854775808"},
+                                         std::vector<std::string>{"pelio", "--sector", "1", "--speed", "0"},
+                                         std::vector<std::string>{"pelio", "--sector", "1", "--speed", "inf"},
+                                         std::vector<std::string>{"pelio", "--sector", "1", "--tail", "-1"},
+                                         std::vector<std::string>{"pelio", "--sector", "1", "--bundle",
+                                                                  "b"}));
+
+}  // namespace
+}  // namespace oska::tool_tests

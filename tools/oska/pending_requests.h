@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "oska/platform/http_session.h"
+#include "oska/platform/main_queue.h"
+
+namespace oska::tool {
+
+/// Counts the requests that are under way: from being sent until the main queue has run what their completion
+/// posted there. What that job posts in turn is the queue's to tell. Threads: any. Lifetime: the factories
+/// keep what they need.
+class PendingRequests {
+public:
+    PendingRequests();
+
+    /// A factory whose sessions are those of `factory`, counted.
+    [[nodiscard]] std::shared_ptr<platform::HttpSessionFactory> countIn(
+        std::shared_ptr<platform::HttpSessionFactory> factory,
+        std::shared_ptr<platform::MainQueue> mainQueue) const;
+
+    [[nodiscard]] std::size_t count() const;
+    [[nodiscard]] std::size_t uploads() const;  ///< those of them that bring something
+
+private:
+    struct Counts;
+    class Factory;
+    class Session;
+
+    const std::shared_ptr<Counts> counts_;
+};
+
+}  // namespace oska::tool

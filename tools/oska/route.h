@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "oska/platform/result.h"
+
+/// A route through a site, as `oska simulate --help` describes it: a JSON document written by hand, so a key
+/// that is not known is an error.
+namespace oska::tool {
+
+/// A stop of the route, and how the phone comes there.
+struct Waypoint {
+    std::optional<std::int64_t> building_id;  ///< needed only where two buildings share a level id
+    std::optional<std::int64_t> level_id;     ///< none: that of the waypoint before
+    double x = 0;                             ///< bundle units
+    double y = 0;
+    std::optional<double> speed;    ///< metres a second, of the way here
+    std::optional<double> seconds;  ///< that the way here takes; instead of a speed
+    std::optional<double> pause;    ///< seconds spent here
+    std::vector<std::string> unknown_keys;
+};
+
+/// Where a building stands in the common ground plan.
+struct BuildingPlace {
+    std::int64_t id = 0;
+    double x = 0;  ///< bundle units: where its own origin lies
+    double y = 0;
+    std::optional<double> height;  ///< metres: of its first level
+    std::vector<std::string> unknown_keys;
+};
+
+/// How radio waves behave. What is left out is as in an office: see radio_model.h.
+struct RadioSettings {
+    std::optional<double> strength_at_1m;    ///< dBm
+    std::optional<double> exponent;          ///< 2 in free space, more indoors
+    std::optional<double> shadowing;         ///< dB: deviation of what stands in the way
+    std::optional<double> shadowing_length;  ///< metres over which that changes
+    std::optional<double> fading;            ///< dB: deviation from one reading to the next
+    std::optional<double> floor_loss;        ///< dB for each floor in between
+    std::optional<double> wall_loss;         ///< dB for the outer walls between two buildings
+    std::optional<double> missed;            ///< share of readings that are missed though strong enough
+    std::vector<std::string> unknown_keys;
+};
+
+struct Route {
+    std::optional<std::int64_t> start_time;  ///< mobile time of the first sample, milliseconds
+    std::optional<double> units_per_metre;   ///< bundle units
+    std::optional<double> floor_height;      ///< metres
+    std::optional<double> speed;             ///< metres a second
+    std::optional<RadioSettings> radio;
+    std::optional<std::vector<BuildingPlace>> buildings;
+    std::vector<Waypoint> waypoints;
+    std::vector<std::string> unknown_keys;
+};
+
+/// The route that `document` holds, every number of it in its range, or why there is none, `file` and place
+/// in front.
+[[nodiscard]] platform::Result<Route, std::string> parseRoute(const std::string& file,
+                                                              std::string_view document);
+
+}  // namespace oska::tool

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <httplib.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "tools/oska_serve/site_folder.h"
+#include "tools/oska_serve/upload_file.h"
+
+namespace oska::tool {
+
+/// What a site answers to each request; see SiteServer. Threads: any. Lifetime: that of the server it is
+/// installed in.
+class SiteAnswers {
+public:
+    /// `uploads`: null for nowhere. `scheme`: "http" or "https", for the addresses it tells.
+    SiteAnswers(SiteFolder folder, std::unique_ptr<UploadFile> uploads,
+                std::optional<std::string> requiredToken, std::string scheme);
+
+    void installIn(httplib::Server& server);
+
+private:
+    using Request = httplib::Request;
+    using Response = httplib::Response;
+
+    void answerBundle(const Request& request, Response& response) const;
+    void answerFile(const Request& request, Response& response) const;
+    void answerUpload(const Request& request, Response& response) const;
+
+    /// False: the request was refused.
+    [[nodiscard]] bool admits(const Request& request, Response& response) const;
+    /// This server as the client sees it, "http://localhost:5050"; none when the client says it in no
+    /// sensible way.
+    [[nodiscard]] std::optional<std::string> originFor(const Request& request) const;
+
+    const SiteFolder folder_;
+    const std::unique_ptr<UploadFile> uploads_;
+    const std::optional<std::string> requiredToken_;
+    const std::string scheme_;
+};
+
+}  // namespace oska::tool

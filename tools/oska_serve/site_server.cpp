@@ -1,0 +1,170 @@
+#include "tools/oska_serve/site_server.h"
+
+#include <httplib.h>
+#include <netdb.h>
+#include <openssl/err.h>
+#include <openssl/ssl.h>
+
+#include <cerrno>
+#include <csignal>
+#include <future>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include "tools/oska_serve/site_answers.h"
+
+namespace oska::tool {
+namespace {
+
+// What idle clients may cost when the server stops.
+constexpr int KEEP_ALIVE_SECONDS = 1;
+constexpr std::size_t REQUESTS_PER_CONNECTION = 1000;
+constexpr std::size_t MAXIMUM_UPLOAD_BYTES = std::size_t{64} << 20;
+
+/// Why OpenSSL's last call failed.
+std::string opensslProblem() {
+    const auto error = ERR_peek_error();
+    ERR_clear_error();
+    if (ERR_SYSTEM_ERROR(error)) return std::generic_category().message(ERR_GET_REASON(error));
+    const auto* const reason = ERR_reason_error_string(error);
+    return reason ? reason : "unknown reason";
+}
+
+std::optional<std::string> takeIdentity(SSL_CTX& context, const SiteServer::Options& options) {
+    SSL_CTX_set_min_proto_version(&context, TLS1_2_VERSION);
+    if (SSL_CTX_use_certificate_chain_file(&context, options.tlsCertificate.c_str()) != 1) {
+        return options.tlsCertificate + ": cannot be used as a certificate: " + opensslProblem();
+    }
+    if (SSL_CTX_use_PrivateKey_file(&context, options.tlsKey.c_str(), SSL_FILETYPE_PEM) != 1) {
+        return options.tlsKey + ": cannot be used as the key of " + options.tlsCertificate + ": " +
+               opensslProblem();
+    }
+    return std::nullopt;
+}
+
+using ServerOrNot = platform::Result<std::unique_ptr<httplib::Server>, NotServing>;
+
+ServerOrNot makeTlsServer(const SiteServer::Options& options) {
+    std::optional<std::string> problem;
+    auto server = std::make_unique<httplib::SSLServer>([&](SSL_CTX& context) {
+        problem = takeIdentity(context, options);
+        return !problem;
+    });
+    if (problem) return NotServing{*problem};
+    if (!server->is_valid()) return NotServing{"TLS cannot be set up: " + opensslProblem()};
+    return std::unique_ptr<httplib::Server>(std::move(server));
+}
+
+ServerOrNot makeServer(const SiteServer::Options& options) {
+    if (options.tlsCertificate.empty()) return std::make_unique<httplib::Server>();
+    return makeTlsServer(options);
+}
+
+void configure(httplib::Server& server) {
+    server.set_tcp_nodelay(true);
+    server.set_keep_alive_timeout(KEEP_ALIVE_SECONDS);
+    server.set_keep_alive_max_count(REQUESTS_PER_CONNECTION);
+    server.set_payload_max_length(MAXIMUM_UPLOAD_BYTES);
+    // The library's own choice would share a port with whoever has it.
+    server.set_socket_options([](int socket) {
+        const int yes = 1;
+        setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
+    });
+}
+
+std::optional<std::string> addressProblem(const std::string& address) {
+    addrinfo* found = nullptr;
+    const int result = getaddrinfo(address.c_str(), nullptr, nullptr, &found);
+    if (result != 0) return gai_strerror(result);
+    freeaddrinfo(found);
+    return std::nullopt;
+}
+
+std::string authority(const std::string& address, int port) {
+    const bool isIpV6 = address.find(':') != std::string::npos;
+    return (isIpV6 ? "[" + address + "]" : address) + ":" + std::to_string(port);
+}
+
+/// The port, or why there is none.
+platform::Result<int, NotServing> bindTo(httplib::Server& server, const std::string& address, int port) {
+    if (const auto problem = addressProblem(address)) return NotServing{address + ": " + *problem};
+    errno = 0;
+    const int bound = port == 0                            ? server.bind_to_any_port(address)
+                      : server.bind_to_port(address, port) ? port
+                                                           : -1;
+    if (bound > 0) return bound;
+    return NotServing{"cannot listen on " + authority(address, port) + ": " +
+                      std::generic_category().message(errno)};
+}
+
+void blockSignals() {
+    sigset_t all;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, nullptr);
+}
+
+platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(
+    const std::optional<std::string>& path) {
+    if (!path) return std::unique_ptr<UploadFile>();
+    return UploadFile::open(*path);
+}
+
+}  // namespace
+
+class SiteServer::Running {
+public:
+    /// Requires: `server` is bound.
+    Running(std::unique_ptr<SiteAnswers> answers, std::unique_ptr<httplib::Server> server)
+        : answers_(std::move(answers)), server_(std::move(server)) {
+        answers_->installIn(*server_);
+        std::promise<void> accepting;
+        // Asked for when the server has begun; before, it could not be stopped.
+        server_->new_task_queue = [&accepting] {
+            auto* const threads = new httplib::ThreadPool(CPPHTTPLIB_THREAD_POOL_COUNT);
+            accepting.set_value();
+            return threads;
+        };
+        thread_ = std::thread([this] {
+            blockSignals();
+            server_->listen_after_bind();
+        });
+        accepting.get_future().wait();
+    }
+    ~Running() {
+        server_->stop();
+        thread_.join();
+    }
+    Running(const Running&) = delete;
+    Running& operator=(const Running&) = delete;
+
+private:
+    const std::unique_ptr<SiteAnswers> answers_;
+    const std::unique_ptr<httplib::Server> server_;
+    std::thread thread_;
+};
+
+platform::Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(const Options& options) {
+    auto folder = SiteFolder::open(options.folder);
+    if (!folder) return NotServing{folder.error().problem};
+    auto server = makeServer(options);
+    if (!server) return server.error();
+    configure(**server);
+    const auto port = bindTo(**server, options.address, options.port);
+    if (!port) return port.error();
+    auto uploads = openUploads(options.uploads);
+    if (!uploads) return NotServing{uploads.error().problem};
+    const std::string scheme = options.tlsCertificate.empty() ? "http" : "https";
+    auto answers =
+        std::make_unique<SiteAnswers>(*std::move(folder), *std::move(uploads), options.requiredToken, scheme);
+    auto running = std::make_unique<Running>(std::move(answers), *std::move(server));
+    return std::unique_ptr<SiteServer>(
+        new SiteServer(std::move(running), *port, scheme + "://" + authority(options.address, *port)));
+}
+
+SiteServer::SiteServer(std::unique_ptr<Running> running, int port, std::string url)
+    : running_(std::move(running)), port_(port), url_(std::move(url)) {}
+
+SiteServer::~SiteServer() = default;
+
+}  // namespace oska::tool

@@ -1,0 +1,66 @@
+#include "tools/oska_serve/upload_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <system_error>
+
+#include "oska/platform/json.h"
+
+namespace oska::tool {
+namespace {
+
+std::string problemWith(const std::string& path) {
+    return path + ": " + std::generic_category().message(errno);
+}
+
+off_t sizeOf(int file) {
+    struct stat about = {};
+    return fstat(file, &about) == 0 && S_ISREG(about.st_mode) ? about.st_size : 0;
+}
+
+bool endsInsideALine(int file) {
+    const auto size = sizeOf(file);
+    char last = '\n';
+    return size > 0 && pread(file, &last, 1, size - 1) == 1 && last != '\n';
+}
+
+}  // namespace
+
+platform::Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::string& path) {
+    const int file = ::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+    if (file < 0) return Unreadable{problemWith(path)};
+    std::unique_ptr<UploadFile> opened(new UploadFile(path, file));
+    if (endsInsideALine(file) && !opened->write("\n")) return Unreadable{problemWith(path)};
+    return opened;
+}
+
+UploadFile::~UploadFile() { close(file_); }
+
+std::optional<std::string> UploadFile::append(const std::vector<platform::ReceivedForce>& samples) {
+    std::string lines;
+    for (const auto& sample : samples) {
+        if (const auto problem = platform::json::append(lines, sample)) return problem->message();
+        lines += '\n';
+    }
+    const std::lock_guard lock(mutex_);
+    const auto size = sizeOf(file_);
+    if (write(lines)) return std::nullopt;
+    auto problem = problemWith(path_);
+    // A full disk may have taken a part of it.
+    if (size > 0 || sizeOf(file_) > 0) (void)!ftruncate(file_, size);
+    return problem;
+}
+
+bool UploadFile::write(const std::string& text) const {
+    for (std::size_t written = 0; written < text.size();) {
+        const auto count = ::write(file_, text.data() + written, text.size() - written);
+        if (count < 0 && errno != EINTR) return false;
+        if (count > 0) written += static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+}  // namespace oska::tool
