@@ -5,7 +5,7 @@
 #   uriparser     joins a reference to its base by RFC 3986. Used by oska/platform/url_join only.
 #   libidn2       international host names to their ASCII form (UTS 46). Used by oska/platform/url_encoding only.
 #   utf8proc      Unicode categories, case and composition in 350 KB, where ICU would add 32 MB to a phone.
-#                 Used by oska/platform/text only.
+#                 Used by oska/platform/text, and by the tool's tables.
 #   libcurl       HTTP/1.1 and HTTP/2 with a pool of connections. Used by adapters/native only, as are the next two.
 #   OpenSSL       TLS under libcurl, where the servers' certificates are judged.
 #   zlib          compressed bodies: libcurl takes a stream that is cut off for a whole one.

@@ -55,6 +55,9 @@ HttpError httpError(const CurlFailure& failure) {
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_HTTP2:
             return badReply(failure);
+        case CURLE_OUT_OF_MEMORY:  // what libcurl also calls headers beyond its limits
+            return {HttpErrorKind::badServerReply,
+                    failure.server + " sent more headers than can be taken, or there is no memory for them."};
         case CURLE_GOT_NOTHING:
         case CURLE_PARTIAL_FILE:
         case CURLE_RECV_ERROR:

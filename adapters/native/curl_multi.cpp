@@ -60,12 +60,15 @@ void CurlMulti::wait(Clock::time_point deadline, int wakeDescriptor, const OnAct
     advanceTimer();
 }
 
-/// Rounded up: a deadline that is almost there must not be polled for.
+/// Rounded up: a deadline that is almost there must not be polled for. A far one is polled for in two steps,
+/// because the kernel may end a long wait late by a thousandth of it.
 int CurlMulti::pollTimeout(Clock::time_point deadline) const {
     const auto next = std::min(deadline, timer_.value_or(Clock::time_point::max()));
     if (next == Clock::time_point::max()) return -1;
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
-    return static_cast<int>(std::clamp<std::int64_t>(left, 0, std::numeric_limits<int>::max()));
+    constexpr std::int64_t LAST_STEP = 1000;
+    const auto step = left > 2 * LAST_STEP ? left - LAST_STEP : left;
+    return static_cast<int>(std::clamp<std::int64_t>(step, 0, std::numeric_limits<int>::max()));
 }
 
 void CurlMulti::advance(const pollfd& ready, const OnActivity& onActivity) {

@@ -1,5 +1,6 @@
 #include "adapters/native/reply_collector.h"
 
+#include <algorithm>
 #include <charconv>
 #include <utility>
 
@@ -14,6 +15,7 @@ namespace {
 
 constexpr std::size_t MAXIMUM_HEADER_BYTES = std::size_t{256} << 10;
 constexpr int FIRST_FINAL_STATUS = 200;
+constexpr std::size_t MAXIMUM_RESERVATION = std::size_t{16} << 20;  // of memory that a server only talks of
 
 std::string_view trimmed(std::string_view text) {
     const auto begin = text.find_first_not_of(" \t\r\n");
@@ -33,6 +35,13 @@ bool isFolded(std::string_view line) { return line.starts_with(' ') || line.star
 
 bool isPlain(std::string_view coding) {
     return coding.empty() || equalsIgnoringAsciiCase(coding, "identity");
+}
+
+std::size_t announcedLength(const platform::HttpReply& reply) {
+    const auto text = headerValue(reply, "Content-Length").value_or("");
+    std::size_t length = 0;
+    std::from_chars(text.data(), text.data() + text.size(), length);
+    return length;
 }
 
 std::optional<ContentDecoder::Coding> codingNamed(std::string_view name) {
@@ -96,7 +105,10 @@ bool ReplyCollector::addBody(std::string_view piece) {
 
 bool ReplyCollector::beginBody() {
     const auto coding = reply_ ? headerValue(*reply_, "Content-Encoding").value_or("") : std::string_view{};
-    if (isPlain(coding)) return true;
+    if (isPlain(coding)) {
+        if (reply_) body_.reserve(std::min({announcedLength(*reply_), maximumBytes_, MAXIMUM_RESERVATION}));
+        return true;
+    }
     const auto known = codingNamed(coding);
     if (!known) {
         return refuse(

@@ -16,7 +16,7 @@ IndexedDapoWard indexed(const DapoLevel& level, const DapoLevelWard& ward) {
             ward.rssi, wardContents(ward)};
 }
 
-constexpr double INFINITE = std::numeric_limits<double>::infinity();
+constexpr double NOTHING_HEARD = -std::numeric_limits<double>::infinity();
 
 /// To the nearest, halves away from zero; beyond 64 bits the end of their range.
 std::int64_t roundedToInteger(double strength) {
@@ -82,16 +82,15 @@ std::vector<DapoWard> DapoDetection::handle(platform::ReceivedForce sample, cons
     return wards;
 }
 
-// Without a branch on the strength, which no processor can foresee.
 std::uint32_t DapoDetection::qualify() {
     std::uint32_t most = 0;
     readings_.assign(wards_.size(), 0);
-    strongest_.assign(wards_.size(), -INFINITE);
+    strongest_.assign(wards_.size(), NOTHING_HEARD);
     for (const auto& sample : bufferedRfds_.samples()) {
         for (const auto& [ward, strength] : sample.readings) {
-            const bool qualifies = (strength >= thresholds_[ward]) & (strength < INFINITE);
-            readings_[ward] += qualifies;
-            strongest_[ward] = std::max(strongest_[ward], qualifies ? strength : strongest_[ward]);
+            const bool counts = qualifies(strength, thresholds_[ward]);
+            readings_[ward] += counts;
+            strongest_[ward] = std::max(strongest_[ward], counts ? strength : strongest_[ward]);
             most = std::max(most, readings_[ward]);
         }
     }

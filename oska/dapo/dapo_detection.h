@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <map>
 #include <string>
 #include <string_view>
@@ -64,6 +65,18 @@ public:
 
     /// Forgets the samples and keeps the wards.
     void reset() { bufferedRfds_.clear(); }
+
+    // ---- what a decision rests on, for those who explain it
+
+    // Without a branch, which no processor could foresee.
+    [[nodiscard]] static bool qualifies(double strength, double threshold) {
+        return (strength >= threshold) & (strength < std::numeric_limits<double>::infinity());
+    }
+
+    [[nodiscard]] const SampleWindow& window() const { return bufferedRfds_; }
+    [[nodiscard]] const WardNames& names() const { return names_; }
+    /// By the number of their name.
+    [[nodiscard]] const std::vector<IndexedDapoWard>& wards() const { return wards_; }
 
 private:
     /// How many readings qualify for the ward that has most of them.

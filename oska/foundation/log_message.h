@@ -9,7 +9,8 @@
 
 namespace oska {
 
-/// One value of a log line, already as text: integers in decimal, booleans as "true" or "false", text as it stands.
+/// One value of a log line, already as text: integers in decimal, booleans as "true" or "false", text as it
+/// stands.
 struct LogValue {
     LogValue(bool value) : text(value ? "true" : "false") {}
     template <std::integral Integer>
@@ -36,9 +37,12 @@ class Log {
 public:
     constexpr explicit Log(std::string_view tag) : tag_(tag) {}
 
-    void info(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs = {}) const;
-    void warn(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs = {}) const;
-    void error(std::string_view operation, std::string_view text, std::initializer_list<LogPair> pairs = {}) const;
+    void info(std::string_view operation, std::string_view text,
+              std::initializer_list<LogPair> pairs = {}) const;
+    void warn(std::string_view operation, std::string_view text,
+              std::initializer_list<LogPair> pairs = {}) const;
+    void error(std::string_view operation, std::string_view text,
+               std::initializer_list<LogPair> pairs = {}) const;
 
     /// For the few messages that have a form of their own.
     void write(OskaLogLevel level, std::string_view message) const { OskaLogger::log(level, tag_, message); }
@@ -47,7 +51,8 @@ private:
     std::string_view tag_;
 };
 
-/// Writes a diagnostic line as it stands, whatever the log switch says; line breaks inside are escaped here, too.
+/// Writes a diagnostic line as it stands, whatever the log switch says; line breaks inside are escaped here,
+/// too.
 void writeDirectLine(std::string_view line);
 
 }  // namespace oska

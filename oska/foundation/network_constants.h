@@ -17,8 +17,8 @@ enum class OskaService { dapo, pelio };
 
 inline constexpr std::int64_t OSKA_SECTOR_ID = 1;
 
-/// The cloud's endpoints: one host a service, under a label of the region. Process-wide; the service that initialises
-/// last sets them for all. "{pk}" stands in every URL where the sector id goes. Threads: any.
+/// The cloud's endpoints: one host a service, under a label of the region. Process-wide; the service that
+/// initialises last sets them for all. "{pk}" stands in every URL where the sector id goes. Threads: any.
 class OskaNetworkConstants {
 public:
     OskaNetworkConstants() = delete;
@@ -41,15 +41,18 @@ public:
     /// True from the first base URL on that was not blank, for the life of the process.
     [[nodiscard]] static bool isEnabled();
 
-    /// White space at the ends and trailing slashes are removed; a blank text changes nothing. Nothing else is checked.
+    /// White space at the ends and trailing slashes are removed; a blank text changes nothing. Nothing else
+    /// is checked.
     static void setBaseURL(std::string_view url);
 
     [[nodiscard]] static std::string baseURL();
-    [[nodiscard]] static std::string serviceBaseURL(OskaService service);  ///< base URL + "/v2/dapo" or "/v2/pelio"
+    [[nodiscard]] static std::string serviceBaseURL(
+        OskaService service);  ///< base URL + "/v2/dapo" or "/v2/pelio"
     [[nodiscard]] static std::string getUserDapoURL();
     [[nodiscard]] static std::string getUserPelioURL();
 
-    /// Back to the initial base URL, unless a host has set one: a promise to whoever adds another way to set it.
+    /// Back to the initial base URL, unless a host has set one: a promise to whoever adds another way to set
+    /// it.
     static void resetOnPremiseBaseURLIfDisabled();
 };
 

@@ -15,14 +15,15 @@
 
 namespace oska {
 
-/// Sends the kit's two kinds of authorised JSON requests: the GET for a sector's bundle descriptor and the POST of a
-/// batch of samples. Each asks the token provider first and goes out on one of three sessions of its pool in turn.
+/// Sends the kit's two kinds of authorised JSON requests: the GET for a sector's bundle descriptor and the
+/// POST of a batch of samples. Each asks the token provider first and goes out on one of three sessions of
+/// its pool in turn.
 ///
-/// Results: a status code and a text. The text is the reply's body for a status of 200 to 299 (empty when it is not
-/// UTF-8); without a usable reply the status is 500, without a URL or a token 406. Nothing is retried.
-/// Threads: operations on any thread; they return at once. Each completion is called once, later, on the main queue,
-/// with the caller's input. Lifetime: owned by a shared_ptr; waiting for a token keeps it alive, and destroying it cancels
-/// the requests that are under way.
+/// Results: a status code and a text. The text is the reply's body for a status of 200 to 299 (empty when it
+/// is not UTF-8); without a usable reply the status is 500, without a URL or a token 406. Nothing is retried.
+/// Threads: operations on any thread; they return at once. Each completion is called once, later, on the main
+/// queue, with the caller's input. Lifetime: owned by a shared_ptr; waiting for a token keeps it alive, and
+/// destroying it cancels the requests that are under way.
 class OskaNetworkManager : public std::enable_shared_from_this<OskaNetworkManager> {
 public:
     using BundleCompletion = std::function<void(int statusCode, std::string message, SectorIdOsInput input)>;
@@ -35,7 +36,8 @@ public:
     explicit OskaNetworkManager(const platform::Platform& platform);
 
     /// `url` is a template in which "{pk}" stands for the sector id.
-    void getSectorBundle(std::string_view url, SectorIdOsInput input, bool forceUpdate, BundleCompletion completion);
+    void getSectorBundle(std::string_view url, SectorIdOsInput input, bool forceUpdate,
+                         BundleCompletion completion);
 
     void postReceivedForces(std::string_view url, std::vector<platform::ReceivedForce> input,
                             PostCompletion completion);
@@ -44,7 +46,8 @@ private:
     /// Sessions used in turn; the counter is atomic because token providers answer on threads of their own.
     class SessionPool {
     public:
-        SessionPool(platform::HttpSessionFactory& factory, std::shared_ptr<platform::HttpSessionDelegate> delegate);
+        SessionPool(platform::HttpSessionFactory& factory,
+                    std::shared_ptr<platform::HttpSessionDelegate> delegate);
         platform::HttpSession& next();
 
     private:
@@ -58,7 +61,8 @@ private:
     /// Makes the request with a fresh bearer token, or none when the provider has none. Any thread.
     void makeAuthorizedRequest(platform::Url url, std::string method, std::optional<std::string> body,
                                RequestMaker completion);
-    /// Posts `completion` with the outcome and `input` to the main queue when the answer is called, which is once.
+    /// Posts `completion` with the outcome and `input` to the main queue when the answer is called, which is
+    /// once.
     template <class Input>
     Answer answerTo(std::function<void(int, std::string, Input)> completion, Input input);
 

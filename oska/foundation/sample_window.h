@@ -22,9 +22,8 @@ namespace oska {
 
 /// The names of a site's wards, normalised, each with a dense number from 0.
 ///
-/// A name as broadcast is normalised once and then remembered: radios repeat themselves. What is remembered is
-/// bounded, because a busy street broadcasts names without end.
-/// Threads: one at a time, `find` included.
+/// A name as broadcast is normalised once and then remembered: radios repeat themselves. What is remembered
+/// is bounded, because a busy street broadcasts names without end. Threads: one at a time, `find` included.
 class WardNames {
 public:
     using Number = std::uint32_t;
@@ -45,7 +44,7 @@ private:
     template <class Value>
     using NameMap = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
 
-    NameMap<Number> numbers_;                               // by normalised name
+    NameMap<Number> numbers_;                                 // by normalised name
     mutable NameMap<std::optional<Number>> rememberedNames_;  // by name as broadcast
 };
 
@@ -64,15 +63,15 @@ struct BufferedRfdSample {
 
 /// The samples of the last so many milliseconds of mobile time, oldest first as they came.
 ///
-/// Each name is resolved once, when its sample arrives; an engine then rescans numbers, not names. The samples are
-/// kept as received, too, so that the window outlives an index: see `resolveAgain`.
-/// Threads: one at a time.
+/// Each name is resolved once, when its sample arrives; an engine then rescans numbers, not names. The
+/// samples are kept as received, too, so that the window outlives an index: see `resolveAgain`. Threads: one
+/// at a time.
 class SampleWindow {
 public:
     explicit SampleWindow(std::int64_t lengthMilliseconds) : length_(lengthMilliseconds) {}
 
-    /// Appends the sample and drops what is older than the window, measured from it. A sample exactly as old as the
-    /// window stays, and so does one stamped later than the new one.
+    /// Appends the sample and drops what is older than the window, measured from it. A sample exactly as old
+    /// as the window stays, and so does one stamped later than the new one.
     void append(platform::ReceivedForce sample, const WardNames& names);
 
     /// To be called with each new index: what was heard before it counts for its wards.

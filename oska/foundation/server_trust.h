@@ -4,12 +4,13 @@
 
 namespace oska {
 
-/// Accepts the certificate of the configured on-premise server as it is, and says so on standard output; every other
-/// host gets the platform's ordinary check. Hosts are compared exactly, as the base URL spells them at that moment.
-/// Threads: any; no state of its own.
+/// Accepts the certificate of the configured on-premise server as it is, and says so on standard output;
+/// every other host gets the platform's ordinary check. Hosts are compared exactly, as the base URL spells
+/// them at that moment. Threads: any; no state of its own.
 class OskaOnPremiseServerTrustDelegate : public platform::HttpSessionDelegate {
 public:
-    platform::ChallengeDisposition didReceiveChallenge(const platform::AuthenticationChallenge& challenge) override;
+    platform::ChallengeDisposition didReceiveChallenge(
+        const platform::AuthenticationChallenge& challenge) override;
 };
 
 }  // namespace oska

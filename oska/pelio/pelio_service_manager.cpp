@@ -17,7 +17,7 @@ constexpr Log LOG{"PelioServiceManager"};
 }  // namespace
 
 std::shared_ptr<PelioServiceManager> PelioServiceManager::create(Options options) {
-    const std::shared_ptr<PelioServiceManager> service(new PelioServiceManager(std::move(options)));
+    std::shared_ptr<PelioServiceManager> service(new PelioServiceManager(std::move(options)));
     service->initialize();
     return service;
 }

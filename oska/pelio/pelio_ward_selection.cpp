@@ -43,21 +43,38 @@ const PelioWardNode* PelioWardSelection::handle(platform::ReceivedForce sample) 
     return current_->ward;
 }
 
+PelioWardSelection::Difference PelioWardSelection::difference(const Candidate& a, const Candidate& b) {
+    if (a.observedRssi != b.observedRssi) return Difference::STRENGTH;
+    if (a.ward->thresholdRssi != b.ward->thresholdRssi) return Difference::THRESHOLD;
+    return a.ward->id != b.ward->id ? Difference::ID : Difference::NONE;
+}
+
+bool PelioWardSelection::isBetter(const Candidate& a, const Candidate& b) {
+    switch (difference(a, b)) {
+        case Difference::STRENGTH:
+            return a.observedRssi > b.observedRssi;
+        case Difference::THRESHOLD:
+            return a.ward->thresholdRssi > b.ward->thresholdRssi;
+        case Difference::ID:
+            return a.ward->id < b.ward->id;
+        case Difference::NONE:
+            break;
+    }
+    return false;
+}
+
+std::span<const PelioWardNode> PelioWardSelection::wardsOf(WardNames::Number name) const {
+    return std::span(wards_).subspan(firstOfName_[name], firstOfName_[name + 1] - firstOfName_[name]);
+}
+
 PelioWardSelection::Candidate PelioWardSelection::strongest() const {
     Candidate best;
-    const auto isBetter = [&best](const PelioWardNode& ward, double rssi) {
-        if (!best.ward) return true;
-        if (rssi != best.observedRssi) return rssi > best.observedRssi;
-        if (ward.thresholdRssi != best.ward->thresholdRssi)
-            return ward.thresholdRssi > best.ward->thresholdRssi;
-        return ward.id < best.ward->id;
-    };
     for (const auto& sample : window_.samples()) {
         for (const auto& [name, rssi] : sample.readings) {
             if (best.ward && rssi < best.observedRssi) continue;  // most readings: no ward need be looked at
-            for (auto at = firstOfName_[name]; at < firstOfName_[name + 1]; ++at) {
-                const auto& ward = wards_[at];
-                if (ward.thresholdRssi <= rssi && isBetter(ward, rssi)) best = {&ward, {name, ward.id}, rssi};
+            for (const auto& ward : wardsOf(name)) {
+                const Candidate candidate{&ward, {name, ward.id}, rssi};
+                if (qualifies(ward, rssi) && (!best.ward || isBetter(candidate, best))) best = candidate;
             }
         }
     }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -55,7 +56,8 @@ public:
     /// Forgets samples and ward, and keeps the bundle's wards.
     void reset();
 
-private:
+    // ---- what a decision rests on, for those who explain it
+
     /// Two nodes are one ward to the change control when their keys are equal: normalised name and id.
     struct Key {
         WardNames::Number name;
@@ -63,19 +65,40 @@ private:
         friend bool operator==(const Key&, const Key&) = default;
     };
 
+    /// A reading that meets the threshold of its ward.
     struct Candidate {
-        const PelioWardNode* ward = nullptr;
+        const PelioWardNode* ward = nullptr;  ///< null: there is none
         Key key{};
-        double observedRssi = 0;
+        double observedRssi = 0;  ///< dBm
     };
 
     struct Current {
         Key key;
         const PelioWardNode* ward;
-        std::int64_t changedAt;  // mobile time, milliseconds
+        std::int64_t changedAt;  ///< mobile time, milliseconds
     };
 
+    /// What two candidates differ in, the first difference deciding between them.
+    enum class Difference { STRENGTH, THRESHOLD, ID, NONE };
+
+    [[nodiscard]] static bool qualifies(const PelioWardNode& ward, double rssi) {
+        return ward.thresholdRssi <= rssi;
+    }
+    [[nodiscard]] static Difference difference(const Candidate& a, const Candidate& b);
+    /// Whether `a` is preferred to `b`, which was examined before.
+    [[nodiscard]] static bool isBetter(const Candidate& a, const Candidate& b);
+
+    /// The best candidate of the window.
     [[nodiscard]] Candidate strongest() const;
+    /// The ward reported last, and since when.
+    [[nodiscard]] const std::optional<Current>& current() const { return current_; }
+
+    [[nodiscard]] const SampleWindow& window() const { return window_; }
+    [[nodiscard]] const WardNames& names() const { return names_; }
+    /// In bundle order.
+    [[nodiscard]] std::span<const PelioWardNode> wardsOf(WardNames::Number name) const;
+
+private:
     void adopt(const Candidate& best, std::int64_t now);
 
     WardNames names_;

@@ -8,8 +8,8 @@ namespace oska::platform {
 
 /// A point of wall-clock time: whole milliseconds since 1970 (UTC) and 0 to 999,999 nanoseconds beyond them.
 ///
-/// Milliseconds are kept apart because a recording may be stamped with any 64-bit millisecond, while 64 bits of
-/// nanoseconds end in the year 2262. Sums and differences that leave the range stay at its end.
+/// Milliseconds are kept apart because a recording may be stamped with any 64-bit millisecond, while 64 bits
+/// of nanoseconds end in the year 2262. Sums and differences that leave the range stay at its end.
 struct WallTime {
     std::int64_t milliseconds = 0;
     std::int32_t nanoseconds = 0;

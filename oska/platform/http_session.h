@@ -26,21 +26,21 @@ struct HttpRequest {
     std::vector<HttpHeader> headers;
     std::optional<std::string> body;
     HttpCachePolicy cachePolicy = HttpCachePolicy::useProtocolCachePolicy;
-    /// Idle time-out of this request: the longest silence, connecting included. When set, it takes the place of the
-    /// session's `timeoutForRequest`, be it shorter or longer.
+    /// Idle time-out of this request: the longest silence, connecting included. When set, it takes the place
+    /// of the session's `timeoutForRequest`, be it shorter or longer.
     std::optional<std::chrono::milliseconds> timeout;
 };
 
 /// What went wrong below HTTP. A status of 400 or more is a reply, not an error.
 enum class HttpErrorKind {
-    timedOut,             ///< idle for longer than the request allows, or longer in all than the session allows
-    cancelled,            ///< the session or the platform ended first
-    unsupportedUrl,       ///< no scheme, no host, or a scheme other than http and https
-    cannotFindHost,       ///< the name does not resolve
-    cannotConnect,        ///< refused or unreachable
-    connectionLost,       ///< the connection ended before the reply was complete
-    badServerReply,       ///< what came is not an HTTP reply, or its body cannot be decoded
-    tooManyRedirects,     ///< more than 20
+    timedOut,          ///< idle for longer than the request allows, or longer in all than the session allows
+    cancelled,         ///< the session or the platform ended first
+    unsupportedUrl,    ///< no scheme, no host, or a scheme other than http and https
+    cannotFindHost,    ///< the name does not resolve
+    cannotConnect,     ///< refused or unreachable
+    connectionLost,    ///< the connection ended before the reply was complete
+    badServerReply,    ///< what came is not an HTTP reply, or its body cannot be decoded
+    tooManyRedirects,  ///< more than 20
     secureConnectionFailed,  ///< TLS could not be set up
     untrustedCertificate,    ///< nobody vouches for the server's certificate, or it belongs to another host
     replyTooLarge,           ///< the body exceeds the session's `maximumReplyBytes`
@@ -77,8 +77,8 @@ enum class ChallengeDisposition {
     useCredential,           ///< accept the server's certificate as it is
 };
 
-/// Decides on servers' certificates for a session. Asked once for each new TLS connection, before the default check.
-/// Threads: the platform's network thread. Must not block.
+/// Decides on servers' certificates for a session. Asked once for each new TLS connection, before the default
+/// check. Threads: the platform's network thread. Must not block.
 class HttpSessionDelegate {
 public:
     virtual ~HttpSessionDelegate() = default;
@@ -86,19 +86,20 @@ public:
 };
 
 struct HttpSessionConfiguration {
-    std::chrono::milliseconds timeoutForRequest{60'000};        ///< idle time-out of requests without one of their own
+    std::chrono::milliseconds timeoutForRequest{
+        60'000};  ///< idle time-out of requests without one of their own
     std::chrono::milliseconds timeoutForResource{604'800'000};  ///< over the whole of a request; seven days
     std::size_t maximumReplyBytes = std::size_t{256} << 20;     ///< of a body after decompression
 };
 
-/// Sends requests over http and https: redirects followed (20 at most), compressed bodies decoded, nothing cached,
-/// nothing retried that is not safe to send twice.
+/// Sends requests over http and https: redirects followed (20 at most), compressed bodies decoded, nothing
+/// cached, nothing retried that is not safe to send twice.
 ///
-/// Life of a request: `send` returns at once; `completion` is called exactly once, later, never inside `send`, on the
-/// platform's network thread (in a virtual world: on the only thread). It should hand over to the main queue and
-/// return. Destroying the session, or shutting the platform down, ends its requests: each completes as `cancelled`.
-/// Requests cannot be cancelled one by one.
-/// Threads: `send` and the destructor on any thread, inside a completion, too. Errors: outcomes; nothing throws.
+/// Life of a request: `send` returns at once; `completion` is called exactly once, later, never inside
+/// `send`, on the platform's network thread (in a virtual world: on the only thread). It should hand over to
+/// the main queue and return. Destroying the session, or shutting the platform down, ends its requests: each
+/// completes as `cancelled`. Requests cannot be cancelled one by one. Threads: `send` and the destructor on
+/// any thread, inside a completion, too. Errors: outcomes; nothing throws.
 class HttpSession {
 public:
     using Completion = std::function<void(HttpOutcome)>;

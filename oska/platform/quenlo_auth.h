@@ -19,7 +19,8 @@ struct TokenFailure {
 /// The token, or why there is none.
 using TokenResult = std::variant<std::string, TokenFailure>;
 
-/// Threads: `getAccessToken` on any thread; `completion` exactly once, on any thread, inside the call or later.
+/// Threads: `getAccessToken` on any thread; `completion` exactly once, on any thread, inside the call or
+/// later.
 class QuenloAuthManager {
 public:
     virtual ~QuenloAuthManager() = default;

@@ -17,7 +17,8 @@ namespace oska::platform {
 struct ReceivedForce {
     static constexpr std::string_view TYPE_NAME = "ReceivedForce";
 
-    /// From ward name, as broadcast, to received strength in dBm. Names equal under canonical equivalence are one name.
+    /// From ward name, as broadcast, to received strength in dBm. Names equal under canonical equivalence are
+    /// one name.
     using Strengths = std::map<std::string, double, text::CanonicalLess>;
 
     std::int64_t mobile_time = 0;  ///< milliseconds of the phone's clock
@@ -37,7 +38,8 @@ enum class UserMode { PEDESTRIAN, VEHICLE };
 
 class RFDGenerator;
 
-/// Receiver of a generator's callbacks. Threads: whichever the generator chooses, one callback of it at a time.
+/// Receiver of a generator's callbacks. Threads: whichever the generator chooses, one callback of it at a
+/// time.
 class RFDGeneratorDelegate {
 public:
     virtual ~RFDGeneratorDelegate() = default;
@@ -59,11 +61,12 @@ struct RfdOptions {
 
 /// A source of samples, idle when created. It holds its delegate weakly.
 ///
-/// Threads: operations on any thread, inside a callback of its own, too. Callbacks may come before the call that starts
-/// generation has returned, on its thread or another. The pressure provider may be called on the generator's thread.
-/// Lifetime: after `stopRfdGeneration` has returned, no callback starts; one that runs on another thread at that
-/// moment may still end. A stop does not wait for it, so that a delegate may lock what its callbacks lock. Destroying
-/// a generator stops it; the last reference may go inside one of its callbacks.
+/// Threads: operations on any thread, inside a callback of its own, too. Callbacks may come before the call
+/// that starts generation has returned, on its thread or another. The pressure provider may be called on the
+/// generator's thread. Lifetime: after `stopRfdGeneration` has returned, no callback starts; one that runs on
+/// another thread at that moment may still end. A stop does not wait for it, so that a delegate may lock what
+/// its callbacks lock. Destroying a generator stops it; the last reference may go inside one of its
+/// callbacks.
 class RFDGenerator {
 public:
     virtual ~RFDGenerator() = default;

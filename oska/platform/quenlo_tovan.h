@@ -9,12 +9,12 @@ namespace oska::platform {
 /// Process-wide. Threads: any.
 class TovanNetworkConstants {
 public:
-    /// Points the framework at a self-hosted server. White space at the ends and trailing slashes do not count; a text
-    /// with nothing else leaves the server as it is.
+    /// Points the framework at a self-hosted server. White space at the ends and trailing slashes do not
+    /// count; a text with nothing else leaves the server as it is.
     static void setOnPremise(std::string_view baseURL);
 
-    /// Where batches of samples are posted, as a JSON array: base URL + "/v2/recordings/rfds". The base URL is
-    /// "http://localhost:5050" until one is set.
+    /// Where batches of samples are posted, as a JSON array: base URL + "/v2/recordings/rfds". The base URL
+    /// is "http://localhost:5050" until one is set.
     [[nodiscard]] static std::string getRecRfdURL();
 };
 

@@ -83,7 +83,7 @@ namespace {
 
 /// What the endpoint's answer comes to, and the lines that say so.
 template <class Kind>
-std::optional<BundleOutput> fetchedOutput(std::int64_t sectorId, int status, std::string text,
+std::optional<BundleOutput> fetchedOutput(std::int64_t sectorId, int status, std::string_view text,
                                           std::optional<BundleOutput> fallback) {
     const auto tag = kindOperation<Kind>("Bundle");
     if (status != 200) {
@@ -94,7 +94,7 @@ std::optional<BundleOutput> fetchedOutput(std::int64_t sectorId, int status, std
         }
         return fallback;
     }
-    auto output = decodeJSONString<BundleOutput>(std::move(text));
+    auto output = decodeJSONString<BundleOutput>(text);
     if (!output) {
         RESOURCE_LOG.error(tag, "failed to decode BundleOutput", {{"sectorId", sectorId}});
         return fallback;
@@ -113,7 +113,8 @@ void OskaResourceManager::fetch(std::int64_t sectorId, bool forceUpdate, FetchCo
     network_->getSectorBundle(
         Kind::bundleUrlTemplate(), {.sector_id = sectorId, .operating_system = "iOS"}, forceUpdate,
         [weak = weak_from_this(), queue = mainQueue_, sectorId, fallback = std::move(fallback),
-         completion = std::move(completion)](int status, std::string text, const SectorIdOsInput&) mutable {
+         completion = std::move(completion)](int status, const std::string& text,
+                                             const SectorIdOsInput&) mutable {
             const auto self = weak.lock();
             if (!self) {
                 RESOURCE_LOG.error(kindOperation<Kind>("Bundle"),
@@ -121,9 +122,8 @@ void OskaResourceManager::fetch(std::int64_t sectorId, bool forceUpdate, FetchCo
                                    {{"sectorId", sectorId}, {"status", status}});
                 return queue->async([completion = std::move(completion)] { completion(std::nullopt); });
             }
-            self->template deliver<Kind>(
-                fetchedOutput<Kind>(sectorId, status, std::move(text), std::move(fallback)),
-                std::move(completion));
+            self->template deliver<Kind>(fetchedOutput<Kind>(sectorId, status, text, std::move(fallback)),
+                                         std::move(completion));
         });
 }
 

@@ -186,11 +186,11 @@ TEST_F(NativeHttp, TellsWhichTimeoutItWasAndKeepsTheReplyThatHadCome) {
         while (connection.pause(1)) connection.send("HTTP/1.1 100 Continue\r\n\r\n");
     });
     const auto begin = std::chrono::steady_clock::now();
-    const auto idle = fetch(get(silent.url("/")), {.timeoutForRequest = 40ms});
+    const auto idle = fetch(get(silent.url("/")), {.timeoutForRequest = 1s});
     EXPECT_EQ(kindOf(idle), HttpErrorKind::timedOut);
     EXPECT_EQ(statusOf(idle), 200);
     EXPECT_FALSE(idle.body);
-    EXPECT_NE(idle.error->description.find("was silent for 40 ms"), std::string::npos)
+    EXPECT_NE(idle.error->description.find("was silent for 1000 ms"), std::string::npos)
         << idle.error->description;
 
     const auto total = fetch(get(dripping.url("/")), {.timeoutForResource = 40ms});
@@ -198,7 +198,7 @@ TEST_F(NativeHttp, TellsWhichTimeoutItWasAndKeepsTheReplyThatHadCome) {
     EXPECT_FALSE(total.reply);
     EXPECT_NE(total.error->description.find("not done after 40 ms"), std::string::npos)
         << total.error->description;
-    EXPECT_GE(std::chrono::steady_clock::now() - begin, 80ms);
+    EXPECT_GE(std::chrono::steady_clock::now() - begin, 1040ms);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@ class App;
 namespace oska::tool {
 
 void addCheck(CLI::App& program, ExitStatus& status);
+void addExplain(CLI::App& program, ExitStatus& status);
 void addReplay(CLI::App& program, ExitStatus& status);
 void addRun(CLI::App& program, ExitStatus& status);
 void addServe(CLI::App& program, ExitStatus& status);

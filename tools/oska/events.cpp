@@ -16,9 +16,10 @@ std::string Events::beginLine(std::string_view event) const {
 }
 
 // One call, so that the C library's own lock keeps the line whole.
-void Events::writeLine(std::string line) {
+void Events::writeLine(std::string line) const {
     line += "}\n";
     std::fwrite(line.data(), 1, line.size(), stdout);
+    if (listener_) listener_(std::string_view(line).substr(0, line.size() - 1));
 }
 
 void Events::reportLoss(std::string_view key, std::string_view problem) {

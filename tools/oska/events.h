@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,6 +24,9 @@ public:
     /// The run begins now.
     explicit Events(std::shared_ptr<const platform::WallClock> clock)
         : clock_(std::move(clock)), begin_(clock_->now()) {}
+
+    /// From now on `listener` is handed each line as well, without its line break.
+    void listen(std::function<void(std::string_view line)> listener) { listener_ = std::move(listener); }
 
     /// `keysAndValues`: each key followed by its value, which is a bool, an integer, a text, a record or a
     /// vector.
@@ -56,12 +60,13 @@ private:
     }
 
     [[nodiscard]] std::string beginLine(std::string_view event) const;
-    static void writeLine(std::string line);
+    void writeLine(std::string line) const;
     /// JSON has no infinities, which coordinates can reach; the line says null and standard error why.
     static void reportLoss(std::string_view key, std::string_view problem);
 
     std::shared_ptr<const platform::WallClock> clock_;
     platform::WallTime begin_;
+    std::function<void(std::string_view line)> listener_;
 };
 
 }  // namespace oska::tool

@@ -15,7 +15,8 @@ using oska::tool::ExitStatus;
 namespace {
 
 constexpr auto ABOUT =
-    R"(Drives the kit from a shell: replays recorded walks, simulates new ones, runs services, serves and checks sites.
+    R"(Drives the kit from a shell: replays recorded walks, simulates and explains them, runs services, serves and checks
+sites.
 
 Standard output carries the kit's own lines, which begin with [, ( or E, and events, one JSON object a line.
 Standard error carries errors and progress.)";
@@ -44,16 +45,28 @@ ExitStatus flushed(ExitStatus status) {
     return ExitStatus::badInput;
 }
 
+// The parser would only miss a command, without a word on the one that was meant.
+bool isCommand(const CLI::App& program, const std::string& name) {
+    const auto isNamedSo = [&](const CLI::App* command) { return command->check_name(name); };
+    return !program.get_subcommands(isNamedSo).empty();
+}
+
 ExitStatus run(int argc, char** argv) {
     CLI::App program(ABOUT, "oska");
     program.footer(MORE);
     program.require_subcommand(1);
     auto status = ExitStatus::done;
     oska::tool::addCheck(program, status);
+    oska::tool::addExplain(program, status);
     oska::tool::addReplay(program, status);
     oska::tool::addRun(program, status);
     oska::tool::addServe(program, status);
     oska::tool::addSimulate(program, status);
+    if (argc > 1 && argv[1][0] != '-' && !isCommand(program, argv[1])) {
+        oska::tool::complain(std::string("oska: there is no command ") + argv[1] +
+                             "; oska --help lists them");
+        return ExitStatus::badInput;
+    }
     try {
         program.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

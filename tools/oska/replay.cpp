@@ -1,7 +1,9 @@
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <chrono>
 #include <cstdint>
 #include <cstdio>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,10 +18,14 @@
 #include "tools/oska/input_file.h"
 #include "tools/oska/interruption.h"
 #include "tools/oska/option_values.h"
+#include "tools/oska/output_file.h"
 #include "tools/oska/progress.h"
 #include "tools/oska/recording.h"
 #include "tools/oska/service_options.h"
+#include "tools/oska/site.h"
 #include "tools/oska/virtual_site.h"
+#include "tools/oska/walk_drawing.h"
+#include "tools/oska/walk_trace.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {
@@ -47,6 +53,9 @@ An error ends the run: it names file and line, and all events before it have bee
 A bundle that does not decode is the service's business: its initialisation fails, as it would on a phone, and standard
 error says where the fault lies. Only when it does not even tell its sector, and --sector does not either, nothing runs.
 
+--svg draws the walk, one panel a level: the wards, Pelio's positions in their order, the wards that Dapo detected. The
+events are printed all the same.
+
 Example: oska replay pelio --bundle site.json --recording walk.jsonl --log)";
 
 struct Options {
@@ -55,6 +64,7 @@ struct Options {
     std::string recording;
     double tailSeconds = 6;
     std::optional<std::int64_t> sector;
+    std::string svg;  ///< empty: none
     bool log = false;
 };
 
@@ -74,11 +84,15 @@ std::chrono::nanoseconds span(double seconds) {
     return std::chrono::nanoseconds(static_cast<std::int64_t>(std::min(seconds, LONGEST) * 1e9));
 }
 
+using OnEvent = std::function<void(std::string_view line)>;
+
 /// The service and its world from the first line on.
 class Run {
 public:
-    Run(const ServiceOptions& options, std::string bundle, std::int64_t begin)
+    /// `onEvent` is handed every event line, unless it is empty.
+    Run(const ServiceOptions& options, std::string bundle, std::int64_t begin, const OnEvent& onEvent)
         : site_(std::move(bundle), {begin, 0}), events_(site_.clock()), host_(makeHost(options, events_)) {
+        events_.listen(onEvent);
         site_.onUpload([this](const auto& batch) { printUpload(batch); });
         host_->initialize(false);
         site_.time().runDue();
@@ -89,7 +103,8 @@ public:
     }
 
     void handle(RecordedLine line) {
-        site_.time().advanceTo({line.mobileTime, 0});
+        advanceTo({line.mobileTime, 0});
+        if (Interruption::requested()) return;
         if (auto* const sample = std::get_if<platform::ReceivedForce>(&line.what)) {
             site_.source().send(std::move(*sample));
         } else {
@@ -99,7 +114,7 @@ public:
     }
 
     void end(std::chrono::nanoseconds tail) {
-        site_.time().advanceBy(tail);
+        advanceTo(site_.time().now() + tail);
         host_->stop();
         site_.time().runDue();
     }
@@ -109,6 +124,20 @@ public:
     }
 
 private:
+    /// In steps, so that an interruption ends a way of years, too. They grow while nothing happens on it.
+    void advanceTo(platform::WallTime target) {
+        constexpr auto BUSY = std::chrono::milliseconds(20);
+        constexpr std::chrono::nanoseconds CENTURY = std::chrono::hours(24) * 36'525;
+        std::chrono::nanoseconds step = std::chrono::hours(24);
+        auto& time = site_.time();
+        while (time.now() < target && !Interruption::requested()) {
+            const auto begin = std::chrono::steady_clock::now();
+            time.advanceTo(std::min(target, time.now() + step));
+            if (std::chrono::steady_clock::now() - begin < BUSY) step = std::min(step * 2, CENTURY);
+        }
+        time.runDue();
+    }
+
     void printUpload(const std::vector<platform::ReceivedForce>& batch) const {
         if (batch.empty()) return;  // the kit sends none
         events_.print("upload", "samples", static_cast<std::int64_t>(batch.size()), "first",
@@ -122,8 +151,9 @@ private:
 
 class Replay {
 public:
-    Replay(const Options& options, std::int64_t sector, std::string bundle)
+    Replay(const Options& options, std::int64_t sector, std::string bundle, OnEvent onEvent)
         : service_(options.service),
+          onEvent_(std::move(onEvent)),
           tail_(span(options.tailSeconds)),
           bundle_(std::move(bundle)),
           recording_(options.recording, service_.kind(), [this](int file) { return awaitInput(file); }) {
@@ -141,7 +171,7 @@ public:
     }
 
 private:
-    void begin(std::int64_t mobileTime) { run_.emplace(service_, std::move(bundle_), mobileTime); }
+    void begin(std::int64_t mobileTime) { run_.emplace(service_, std::move(bundle_), mobileTime, onEvent_); }
 
     bool awaitInput(int file) {
         std::fflush(stdout);
@@ -161,10 +191,12 @@ private:
         }
         if (!run_) begin(0);
         run_->end(tail_);
+        if (Interruption::requested()) return ExitStatus::interrupted;
         return run_->beganWell() ? ExitStatus::done : ExitStatus::serviceFailed;
     }
 
     ServiceOptions service_;
+    OnEvent onEvent_;
     std::chrono::nanoseconds tail_;
     std::string bundle_;  // until the run begins
     Progress progress_;
@@ -183,6 +215,21 @@ std::optional<std::int64_t> chooseSector(const Options& options, const std::stri
     return sectorOfBundle ? std::optional(sectorOfBundle->id) : std::nullopt;
 }
 
+/// Of a bundle that does not decode there is no drawing; the run says so.
+ExitStatus replayAndDraw(const Options& options, std::int64_t sector, std::string bundle) {
+    const auto kind = options.service.kind();
+    const auto site = parseSite(options.bundle, bundle, kind);
+    if (!site) return Replay(options, sector, std::move(bundle), nullptr).run();
+    WalkTracer tracer(*site);
+    const auto status =
+        Replay(options, sector, std::move(bundle), [&](std::string_view line) { tracer.note(line); }).run();
+    if (status == ExitStatus::badInput) return status;
+    const auto problem = writeOutput(options.svg, drawWalk(*site, tracer.trace(), kind));
+    if (!problem) return status;
+    complain(*problem);
+    return ExitStatus::badInput;
+}
+
 ExitStatus replay(const Options& options) {
     auto bundle = readInput(options.bundle);
     if (!bundle) {
@@ -194,7 +241,8 @@ ExitStatus replay(const Options& options) {
         isDapo ? chooseSector<DapoBundle>(options, *bundle) : chooseSector<PelioBundle>(options, *bundle);
     if (!sector) return ExitStatus::badInput;
     Interruption::listen();
-    return Replay(options, *sector, *std::move(bundle)).run();
+    if (!options.svg.empty()) return replayAndDraw(options, *sector, *std::move(bundle));
+    return Replay(options, *sector, *std::move(bundle), nullptr).run();
 }
 
 void addOptions(CLI::App& command, Options& options) {
@@ -222,6 +270,10 @@ void addOptions(CLI::App& command, Options& options) {
         .add_option("--id", options.service.id,
                     "The service id: ASCII letters, digits, _ and - (replay).\n  --id corner-shop")
         ->type_name("ID");
+    command
+        .add_option("--svg", options.svg,
+                    "Draw the walk into this file, in place of what it held.\n  --svg walk.svg")
+        ->type_name("FILE");
     command.add_flag("--log", options.log, "Print the kit's log lines, too, where they fall.\n  --log");
 }
 
@@ -236,6 +288,8 @@ void addReplay(CLI::App& program, ExitStatus& status) {
         if (options->bundle == "-" && options->recording == "-") {
             throw CLI::ValidationError("standard input cannot be both --bundle and --recording");
         }
+        if (options->svg == "-")
+            throw CLI::ValidationError("--svg needs a file: events go to standard output");
         OskaLogger::setDebugOption(options->log);
         platform::TovanReplayer::shared().setReplayMode(true);
         status = replay(*options);

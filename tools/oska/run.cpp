@@ -139,9 +139,9 @@ private:
         if (!recording_) return true;
         host_->start();
         if (!feed()) return false;
-        if (!hasBadInput()) return loop_.runUntil(LiveLoop::Clock::now() + span(options_.tailSeconds));
-        complainOfInput();
-        return true;
+        if (hasBadInput()) complainOfInput();
+        // In any case what the last sample has put on the queue is done before the stop.
+        return loop_.runUntil(LiveLoop::Clock::now() + span(hasBadInput() ? 0 : options_.tailSeconds));
     }
 
     bool feed() {
