@@ -50,29 +50,6 @@ public:
 
     void stop() override { view_->stopService(); }
 
-    void perform(const Action& action) override {
-        switch (action.kind) {
-            case ActionKind::start:
-                return start();
-            case ActionKind::stop:
-                return stop();
-            case ActionKind::initialize:
-                return initialize(action.forceUpdate);
-            case ActionKind::tap:
-                screen_->tapAt(SCREEN_CENTRE);
-                return;
-            case ActionKind::foreground:
-                return platform::NotificationCenter::shared().post(
-                    platform::Notification::willEnterForeground);
-            case ActionKind::setVisibility:
-                return view_->setVisibility(action.isVisible);
-            case ActionKind::setSelectionInterval:
-                return view_->setSelectionInterval(action.seconds.value_or(0));
-            case ActionKind::setUnchangedDeliveryInterval:
-                return view_->setUnchangedDeliveryInterval(action.seconds);
-        }
-    }
-
     void onInitSuccess(DapoView&, bool success, std::optional<DapoInitErrorCode> code) override {
         events_.printOutcome("onInitSuccess", success, code);
         noteInitialization(success);
@@ -96,6 +73,25 @@ public:
     }
 
 private:
+    void performOwn(const Action& action) override {
+        switch (action.kind) {
+            case ActionKind::tap:
+                screen_->tapAt(SCREEN_CENTRE);
+                return;
+            case ActionKind::foreground:
+                return platform::NotificationCenter::shared().post(
+                    platform::Notification::willEnterForeground);
+            case ActionKind::setVisibility:
+                return view_->setVisibility(action.isVisible);
+            case ActionKind::setSelectionInterval:
+                return view_->setSelectionInterval(action.seconds.value_or(0));
+            case ActionKind::setUnchangedDeliveryInterval:
+                return view_->setUnchangedDeliveryInterval(action.seconds);
+            default:
+                return;  // what every host does
+        }
+    }
+
     DapoHostOptions options_;
     const Events& events_;
     std::shared_ptr<platform::View> screen_;

@@ -19,7 +19,18 @@ public:
     virtual void stop() = 0;
 
     /// Any action of a recording for this service, the three above included.
-    virtual void perform(const Action& action) = 0;
+    void perform(const Action& action) {
+        switch (action.kind) {
+            case ActionKind::start:
+                return start();
+            case ActionKind::stop:
+                return stop();
+            case ActionKind::initialize:
+                return initialize(action.forceUpdate);
+            default:
+                return performOwn(action);
+        }
+    }
 
     /// Of the first initialisation; none until it has reported.
     [[nodiscard]] std::optional<bool> firstInitialization() const { return firstInitialization_; }
@@ -32,6 +43,9 @@ protected:
     void noteStart(bool success) { note(firstStart_, success); }
 
 private:
+    /// An action that only this service knows; a recording that was read for another brings none.
+    virtual void performOwn(const Action&) {}
+
     static void note(std::optional<bool>& first, bool success) { first = first.value_or(success); }
 
     std::optional<bool> firstInitialization_;

@@ -24,19 +24,6 @@ public:
 
     void stop() override { service_->stopService(); }
 
-    void perform(const Action& action) override {
-        switch (action.kind) {
-            case ActionKind::start:
-                return start();
-            case ActionKind::stop:
-                return stop();
-            case ActionKind::initialize:
-                return initialize(action.forceUpdate);
-            default:
-                return;  // not in a recording that was read for this service
-        }
-    }
-
     void onInitSuccess(PelioServiceManager&, bool success, std::optional<PelioInitErrorCode> code) override {
         events_.printOutcome("onInitSuccess", success, code);
         noteInitialization(success);
