@@ -161,11 +161,21 @@ TEST_F(RunCommand, BadInputIsNamedAfterAllThatCameBefore) {
     EXPECT_THAT(lines(ended.out), testing::Contains(result(1)));
     EXPECT_THAT(ended.out, Not(HasSubstr(R"("mobile_time":9)")));
     EXPECT_EQ(ended.err, walk + ":3: \"mobile_time\" is not an integer\n");
+}
 
-    const auto missing = run({"--token", TOKEN, "--recording", folder.path() + "/none.jsonl"});
-    EXPECT_EQ(missing.status, 2);
-    EXPECT_EQ(missing.out, "");
-    EXPECT_THAT(missing.err, EndsWith("none.jsonl: No such file or directory\n"));
+TEST_F(RunCommand, AsksNoServerForAWalkThatCannotBeRead) {
+    serve();
+    const struct {
+        std::string recording;
+        std::string problem;
+    } cases[] = {{folder.path() + "/none.jsonl", "No such file or directory"},
+                 {folder.path(), "Is a directory"}};
+    for (const auto& [recording, problem] : cases) {
+        const auto ended = run({"--token", TOKEN, "--recording", recording});
+        EXPECT_EQ(ended.status, 2);
+        EXPECT_EQ(ended.out, "");  // where each request has its line
+        EXPECT_EQ(ended.err, recording + ": " + problem + "\n");
+    }
 }
 
 TEST_F(RunCommand, CtrlCStopsInOrderAndStillUploads) {

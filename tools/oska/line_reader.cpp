@@ -13,12 +13,21 @@ namespace {
 
 constexpr std::size_t BLOCK = std::size_t{64} << 10;
 
+bool isFolder(int file) {
+    struct stat about = {};
+    return fstat(file, &about) == 0 && S_ISDIR(about.st_mode);
+}
+
 }  // namespace
 
 LineReader::LineReader(const std::string& path, AwaitInput awaitInput)
     : file_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
       awaitInput_(std::move(awaitInput)) {
-    if (file_ < 0) fail(errno);
+    if (file_ < 0) {
+        fail(errno);
+    } else if (isFolder(file_)) {
+        fail(EISDIR);  // which opens like a file, and would fail at the first read only
+    }
 }
 
 LineReader::~LineReader() {

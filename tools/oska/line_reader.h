@@ -24,7 +24,7 @@ public:
     using AwaitInput = std::function<bool(int file)>;
 
     /// Opens `path`; "-" is standard input. `awaitInput` is called whenever the lines at hand are used up,
-    /// before more are read.
+    /// before more are read. What cannot be opened, and a folder, have failed at once.
     LineReader(const std::string& path, AwaitInput awaitInput);
     ~LineReader();
     LineReader(const LineReader&) = delete;
