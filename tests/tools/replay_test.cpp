@@ -190,5 +190,31 @@ TEST(Usage, IsExplainedAndItsMistakesHaveAStatus) {
     }
 }
 
+TEST(Usage, WhatNobodyKnowsIsNamedBeforeWhatIsMissing) {
+    const struct {
+        std::vector<std::string> arguments;
+        std::string complaint;
+    } cases[] = {
+        {{"--bogus"}, "Not expected: --bogus\n"},
+        {{"check", "--kind", "pelio", "--bogus"}, "Not expected: --bogus\n"},
+        {{"explain", "--bogus"}, "Not expected: --bogus\n"},
+        {{"replay", "pelio", "--bundel", "b", "--recording", "r"}, "Not expected: --bundel b\n"},
+        {{"run", "pelio", "--bogus"}, "Not expected: --bogus\n"},
+        {{"run", "pelio", "one", "--two", "--sector", "1"}, "Not expected: one --two\n"},
+        {{"run", "pelio"}, "--sector is required\n"},
+        {{"serve", "--bogus"}, "Not expected: --bogus\n"},
+        {{"serve", "site", "--tls-cert", "c", "--tls-kye", "k"}, "Not expected: --tls-kye k\n"},
+        {{"--bogus", "serve", "--port", "0"}, "Not expected: --bogus\n"},
+        {{"simulate", "--bogus"}, "Not expected: --bogus\n"},
+    };
+    for (const auto& [arguments, complaint] : cases) {
+        const auto ended = runOska(arguments);
+        EXPECT_EQ(ended.status, 2) << testing::PrintToString(arguments);
+        EXPECT_THAT(ended.out, IsEmpty());
+        EXPECT_THAT(ended.err, StartsWith(complaint));
+    }
+    EXPECT_EQ(runOska({"run", "--bogus", "--help"}).status, 0);
+}
+
 }  // namespace
 }  // namespace oska::tool_tests

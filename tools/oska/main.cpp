@@ -7,6 +7,7 @@
 #include <string>
 #include <system_error>
 
+#include "tools/oska/command_line.h"
 #include "tools/oska/commands.h"
 #include "tools/oska/complaint.h"
 
@@ -67,12 +68,7 @@ ExitStatus run(int argc, char** argv) {
                              "; oska --help lists them");
         return ExitStatus::badInput;
     }
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? ExitStatus::done : ExitStatus::badInput;
-    }
-    return status;
+    return oska::tool::parseCommandLine(program, argc, argv).value_or(status);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "tools/oska/command_line.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/exit_status.h"
 #include "tools/oska/interruption.h"
@@ -83,12 +84,8 @@ ExitStatus run(int argc, char** argv) {
     program.footer(MORE);
     SiteServer::Options options{.port = 5050};
     addOptions(program, options);
-    try {
-        program.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return program.exit(error) == 0 ? ExitStatus::done : ExitStatus::badInput;
-    }
-    return serve(options);
+    const auto ended = oska::tool::parseCommandLine(program, argc, argv);
+    return ended ? *ended : serve(options);
 }
 
 }  // namespace

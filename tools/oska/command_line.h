@@ -1,0 +1,15 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+#include <optional>
+
+#include "tools/oska/exit_status.h"
+
+namespace oska::tool {
+
+/// Parses the program's arguments and runs the command that they name. None: that went well, and the command
+/// knows how it ended. Otherwise help has been printed, or standard error says what is wrong: words that
+/// nobody knows come before anything that is missing, since a mistyped option is often both.
+[[nodiscard]] std::optional<ExitStatus> parseCommandLine(CLI::App& program, int argc, char** argv);
+
+}  // namespace oska::tool
