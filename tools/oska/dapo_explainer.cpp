@@ -93,7 +93,7 @@ void DapoExplainer::scheduleHoldRelease(std::chrono::nanoseconds delay) { holdRe
 void DapoExplainer::hear(const platform::ReceivedForce& sample) {
     if (detection_.isEmpty()) return;
     detected_ = detection_.handle(sample, LOG);
-    sampleAt_ = now();
+    noteSample();
     if (detected_.empty()) {
         output_.releaseExpiredHolds(wallTime());
     } else {
@@ -186,13 +186,7 @@ WardCase DapoExplainer::caseOf(WardNames::Number number) const {
                    .threshold = thresholdOf(number),
                    .needed = NEEDED};
     auto readings = readingsOf(number);
-    found.mobile_time = sampleAt_;
-    if (sampleAt_) found.at = sinceBegin(*sampleAt_);
-    found.heard = static_cast<std::int64_t>(readings.size());
-    for (const auto& reading : readings) {
-        if (reading.qualifies) ++found.qualifying;
-        found.strongest = std::max(found.strongest.value_or(reading.strength), reading.strength);
-    }
+    countReadings(found, readings);
     const bool isDetected = contains(detected_, ward);
     if (!isDetected) found.enough = whatWouldDo(readings, found.threshold);
     judge(found, isDetected);

@@ -55,8 +55,7 @@ private:
 
     DapoDetection detection_;
     DapoOutput output_;
-    std::vector<DapoWard> detected_;        // with the last sample
-    std::optional<std::int64_t> sampleAt_;  // the clock when it came; its stamp may be an earlier one
+    std::vector<DapoWard> detected_;  // with the last sample
     std::optional<std::int64_t> lastDetection_;
     std::optional<platform::WallTime> holdRelease_;
     bool isVisible_ = false;

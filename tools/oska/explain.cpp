@@ -8,6 +8,7 @@
 #include "oska/foundation/logger.h"
 #include "oska/platform/json.h"
 #include "tools/oska/commands.h"
+#include "tools/oska/common_options.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/dapo_explainer.h"
 #include "tools/oska/explanation.h"
@@ -110,19 +111,9 @@ ExitStatus explain(const Options& options) {
 }
 
 void addOptions(CLI::App& command, Options& options) {
-    command.add_option("SERVICE", options.service, "Which service: dapo or pelio.")
-        ->required()
-        ->check(CLI::IsMember({"dapo", "pelio"}));
-    command
-        .add_option("--bundle", options.bundle,
-                    "The site's bundle; - is standard input.\n  --bundle site.json")
-        ->required()
-        ->type_name("FILE");
-    command
-        .add_option("--recording", options.recording,
-                    "The walk, JSON Lines; - is standard input.\n  --recording walk.jsonl")
-        ->required()
-        ->type_name("FILE");
+    addServiceName(command, options.service);
+    addBundle(command, options.bundle);
+    addRecording(command, options.recording);
     command
         .add_option("--ward", options.ward,
                     "This ward alone, with its readings (all that were heard).\n  --ward \"gate 2\"")
@@ -147,10 +138,8 @@ void addExplain(CLI::App& program, ExitStatus& status) {
     const auto options = std::make_shared<Options>();
     command->footer(MORE);
     addOptions(*command, *options);
-    command->callback([options, &status] {
-        if (options->bundle == "-" && options->recording == "-") {
-            throw CLI::ValidationError("standard input cannot be both --bundle and --recording");
-        }
+    command->callback([command, options, &status] {
+        refuseSharedInput(*command, "--bundle", "--recording");
         OskaLogger::setDebugOption(false);  // the engines log, and the answer stands alone
         status = explain(*options);
     });

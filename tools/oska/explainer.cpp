@@ -69,6 +69,16 @@ Explanation Explainer::finish() {
     return std::move(answer_);
 }
 
+void Explainer::countReadings(WardCase& found, const std::vector<HeardReading>& readings) const {
+    found.mobile_time = sampleAt_;
+    if (sampleAt_) found.at = sinceBegin(*sampleAt_);
+    found.heard = static_cast<std::int64_t>(readings.size());
+    for (const auto& reading : readings) {
+        if (reading.qualifies) ++found.qualifying;
+        found.strongest = std::max(found.strongest.value_or(reading.strength), reading.strength);
+    }
+}
+
 /// Of one instant the strongest first, of a walk in its order.
 void Explainer::sortWards() {
     const bool isWalk = !question_.at;

@@ -39,6 +39,13 @@ protected:
     [[nodiscard]] bool isRunning() const { return isRunning_; }
     void setRunning(bool isRunning) { isRunning_ = isRunning; }
 
+    /// The engine has taken a sample.
+    void noteSample() { sampleAt_ = now_; }
+    /// The clock when the last one came; its stamp may be an earlier one.
+    [[nodiscard]] std::optional<std::int64_t> sampleAt() const { return sampleAt_; }
+    /// Says in `found` what the window held of it after the last sample.
+    void countReadings(WardCase& found, const std::vector<HeardReading>& readings) const;
+
     /// The answer so far; finish() hands it out.
     [[nodiscard]] Explanation& answer() { return answer_; }
 
@@ -66,6 +73,7 @@ private:
     std::optional<std::int64_t> begin_;
     std::optional<std::int64_t> instant_;  // mobile time; until it has been explained
     std::int64_t now_ = 0;
+    std::optional<std::int64_t> sampleAt_;
     bool isRunning_ = true;
     std::map<std::string, std::int64_t> unknown_;  // readings by name as heard
 };

@@ -82,7 +82,7 @@ void PelioExplainer::hear(const platform::ReceivedForce& sample) {
     if (selection_.wardCount() == 0) return;
     const auto before = selection_.current();
     selection_.handle(sample);
-    sampleAt_ = now();
+    noteSample();
     if (question().at) return;
     noteChange(before);
     noteBestInstants();
@@ -183,7 +183,7 @@ std::optional<std::int64_t> PelioExplainer::heldBackUntil(const Candidate& best)
 
 PelioDecision PelioExplainer::decision() const {
     PelioDecision decision{.running = isRunning(), .winner = winner()};
-    if (sampleAt_) decision.at = sinceBegin(*sampleAt_);
+    if (const auto at = sampleAt()) decision.at = sinceBegin(*at);
     if (const auto& current = selection_.current()) {
         decision.reported = PelioReported{current->ward->id, current->ward->name, current->ward->levelId,
                                           sinceBegin(current->changedAt)};
@@ -233,13 +233,7 @@ WardCase PelioExplainer::caseOf(const PelioWardNode& ward) const {
     WardCase found{
         .id = ward.id, .name = ward.name, .level_id = ward.levelId, .threshold = ward.thresholdRssi};
     auto readings = readingsOf(ward);
-    found.mobile_time = sampleAt_;
-    if (sampleAt_) found.at = sinceBegin(*sampleAt_);
-    found.heard = static_cast<std::int64_t>(readings.size());
-    for (const auto& reading : readings) {
-        if (reading.qualifies) ++found.qualifying;
-        found.strongest = std::max(found.strongest.value_or(reading.strength), reading.strength);
-    }
+    countReadings(found, readings);
     const auto verdict = verdictOn(ward, found.strongest, selection_.strongest());
     found.verdict = VERDICTS[static_cast<std::size_t>(verdict)];
     found.why = reasonFor(verdict, found, ward);

@@ -57,7 +57,6 @@ private:
 
     PelioWardSelection selection_;
     std::vector<std::string> names_;  // of the bundle's wards, in its order
-    std::optional<std::int64_t> sampleAt_;
     std::optional<std::pair<PelioWardSelection::Key, std::int64_t>> waiting_;  // held back, and since when
     std::optional<WardNames::Number> asked_;
     std::map<const PelioWardNode*, std::pair<Standing, WardCase>> best_;

@@ -13,6 +13,7 @@
 #include "oska/platform/quenlo_common.h"
 #include "oska/resources/bundle.h"
 #include "tools/oska/commands.h"
+#include "tools/oska/common_options.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/events.h"
 #include "tools/oska/input_file.h"
@@ -247,17 +248,8 @@ ExitStatus replay(const Options& options) {
 
 void addOptions(CLI::App& command, Options& options) {
     addServiceOptions(command, options.service);
-    command
-        .add_option("--bundle", options.bundle,
-                    "The site's bundle; - is standard input.\n  --bundle site.json")
-        ->required()
-        ->type_name("FILE");
-    command
-        .add_option("--recording", options.recording,
-                    "The walk, JSON Lines; - is standard input, whose lines are handled as they arrive.\n"
-                    "  --recording walk.jsonl")
-        ->required()
-        ->type_name("FILE");
+    addBundle(command, options.bundle);
+    addRecording(command, options.recording);
     command
         .add_option("--tail", options.tailSeconds,
                     "Seconds for which the clock goes on after the last line (6).\n  --tail 12.5")
@@ -284,10 +276,8 @@ void addReplay(CLI::App& program, ExitStatus& status) {
     const auto options = std::make_shared<Options>();
     command->footer(MORE);
     addOptions(*command, *options);
-    command->callback([options, &status] {
-        if (options->bundle == "-" && options->recording == "-") {
-            throw CLI::ValidationError("standard input cannot be both --bundle and --recording");
-        }
+    command->callback([command, options, &status] {
+        refuseSharedInput(*command, "--bundle", "--recording");
         if (options->svg == "-")
             throw CLI::ValidationError("--svg needs a file: events go to standard output");
         OskaLogger::setDebugOption(options->log);

@@ -15,6 +15,7 @@
 #include "oska/platform/platform.h"
 #include "oska/platform/quenlo_common.h"
 #include "tools/oska/commands.h"
+#include "tools/oska/common_options.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/events.h"
 #include "tools/oska/interruption.h"
@@ -220,11 +221,7 @@ void addOptions(CLI::App& command, Options& options) {
 }
 
 void addRecordingOptions(CLI::App& command, Options& options) {
-    command
-        .add_option("--recording", options.recording,
-                    "The walk, JSON Lines; - is standard input, whose lines are handled as they arrive.\n"
-                    "  --recording walk.jsonl")
-        ->type_name("FILE");
+    addRecording(command, options.recording);
     command
         .add_option("--speed", options.speed, "How many times faster than it was recorded (1).\n  --speed 20")
         ->check(factor())

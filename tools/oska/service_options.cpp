@@ -1,14 +1,13 @@
 #include "tools/oska/service_options.h"
 
+#include "tools/oska/common_options.h"
 #include "tools/oska/dapo_host.h"
 #include "tools/oska/pelio_host.h"
 
 namespace oska::tool {
 
 void addServiceOptions(CLI::App& command, ServiceOptions& options) {
-    command.add_option("SERVICE", options.service, "Which service: dapo or pelio.")
-        ->required()
-        ->check(CLI::IsMember({"dapo", "pelio"}));
+    addServiceName(command, options.service);
     command
         .add_option("--output-interval", options.outputInterval,
                     "Dapo: seconds between two ticks of the output timer (1).\n  --output-interval 0.5")

@@ -9,6 +9,7 @@
 #include "oska/platform/json.h"
 #include "tools/oska/bundle_kind.h"
 #include "tools/oska/commands.h"
+#include "tools/oska/common_options.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/input_file.h"
 #include "tools/oska/interruption.h"
@@ -27,8 +28,8 @@ constexpr auto ABOUT = "Write a recording of a walk through a site: what a phone
 constexpr auto MORE =
     R"(The recording goes to standard output, one sample a line, as a replay reads it. Beside what was heard each sample
 says where the phone was, under "truth", in bundle units of its level; replays ignore it. Bundle, route, seed and
-interval alone decide every byte, on every machine. The same site's bundles of both kinds give the same walk where
-their wards have the same names and places. Wards without coordinates are not heard.
+interval alone decide every byte, on every machine. The bundle may be of either kind; both of one site give the same walk
+where their wards have the same names and places. Wards without coordinates are not heard.
 
 A route is a JSON document:
 
@@ -159,11 +160,7 @@ void addSimulate(CLI::App& program, ExitStatus& status) {
     auto* const command = program.add_subcommand("simulate", ABOUT);
     const auto options = std::make_shared<Options>();
     command->footer(MORE);
-    command
-        ->add_option("--bundle", options->bundle,
-                     "The site's bundle, of either kind; - is standard input.\n  --bundle site.json")
-        ->required()
-        ->type_name("FILE");
+    addBundle(*command, options->bundle);
     command
         ->add_option("--route", options->route,
                      "The way, see below; - is standard input.\n  --route morning.json")
@@ -180,10 +177,8 @@ void addSimulate(CLI::App& program, ExitStatus& status) {
         ->transform(decimalInteger())
         ->check(CLI::Range(std::int64_t{1}, std::int64_t{3600000}).description(""))
         ->type_name("MS");
-    command->callback([options, &status] {
-        if (options->bundle == "-" && options->route == "-") {
-            throw CLI::ValidationError("standard input cannot be both --bundle and --route");
-        }
+    command->callback([command, options, &status] {
+        refuseSharedInput(*command, "--bundle", "--route");
         Interruption::listen();
         status = simulate(*options);
     });
