@@ -86,7 +86,7 @@ void DapoView::tearDown() {
 }
 
 DapoView::~DapoView() {
-    if (rfdGenerator_) stopGenerator(std::move(rfdGenerator_), LOG, "stopGenerator");
+    if (rfdGenerator_) stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
 }
 
 std::weak_ptr<DapoView> DapoView::weakSelf() {

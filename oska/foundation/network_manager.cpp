@@ -97,7 +97,7 @@ const std::shared_ptr<OskaNetworkManager>& OskaNetworkManager::shared() {
 }
 
 OskaNetworkManager::SessionPool::SessionPool(platform::HttpSessionFactory& factory,
-                                             std::shared_ptr<platform::HttpSessionDelegate> delegate) {
+                                             const std::shared_ptr<platform::HttpSessionDelegate>& delegate) {
     const platform::HttpSessionConfiguration configuration{.timeoutForRequest = SESSION_TIMEOUT,
                                                            .timeoutForResource = SESSION_TIMEOUT};
     for (auto& session : sessions_) session = factory.makeSession(configuration, delegate);
@@ -159,7 +159,7 @@ void OskaNetworkManager::postReceivedForces(std::string_view url, std::vector<pl
     }
     const auto parsed = Url::parse(url);
     if (!parsed) return answer(NOT_SENT_STATUS, std::string(POST_NOT_SENT));
-    makeAuthorizedRequest(*parsed, "POST", std::move(*body),
+    makeAuthorizedRequest(*parsed, "POST", *std::move(body),
                           [self = shared_from_this(), answer](std::optional<HttpRequest> request) {
                               if (!request) return answer(NOT_SENT_STATUS, std::string(POST_NOT_SENT));
                               self->recSessions_.next().send(std::move(*request), answering(answer));

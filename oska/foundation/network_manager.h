@@ -47,7 +47,7 @@ private:
     class SessionPool {
     public:
         SessionPool(platform::HttpSessionFactory& factory,
-                    std::shared_ptr<platform::HttpSessionDelegate> delegate);
+                    const std::shared_ptr<platform::HttpSessionDelegate>& delegate);
         platform::HttpSession& next();
 
     private:

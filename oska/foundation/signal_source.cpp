@@ -57,7 +57,7 @@ bool startGenerator(platform::RFDGenerator& generator, const Log& log, Generator
     return true;
 }
 
-void stopGenerator(std::shared_ptr<platform::RFDGenerator> generator, const Log& log,
+void stopGenerator(const std::shared_ptr<platform::RFDGenerator>& generator, const Log& log,
                    std::string_view operation) {
     if (!generator) return log.warn(operation, "skipped because rfdGenerator is nil");
     generator->stopRfdGeneration();

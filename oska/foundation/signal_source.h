@@ -36,7 +36,7 @@ struct GeneratorStart {
 [[nodiscard]] bool startGenerator(platform::RFDGenerator& generator, const Log& log, GeneratorStart start);
 
 /// Stops the generator and lets go of the service. Without one, logs that `operation` was skipped.
-void stopGenerator(std::shared_ptr<platform::RFDGenerator> generator, const Log& log,
+void stopGenerator(const std::shared_ptr<platform::RFDGenerator>& generator, const Log& log,
                    std::string_view operation);
 
 /// What both services log for `onRfdError`; nothing else happens.

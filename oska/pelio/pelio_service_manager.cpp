@@ -159,7 +159,7 @@ void PelioServiceManager::stopService() {
         generator = std::exchange(rfdGenerator_, nullptr);
         selection_->reset();
     }
-    stopGenerator(std::move(generator), LOG, "stopService");
+    stopGenerator(generator, LOG, "stopService");
 }
 
 // ---- queries

@@ -46,7 +46,7 @@ void View::tellPeer(ViewChange what) const {
 // ---- the tree
 
 // By value: the argument may be an element of the list that this changes.
-void View::addSubview(std::shared_ptr<View> view) {
+void View::addSubview(std::shared_ptr<View> view) {  // NOLINT(performance-unnecessary-value-param)
     if (!view || isAtOrBelow(*view))
         programmingError("View::addSubview was given null, the view itself or one around it");
     if (view->superview().get() == this) {

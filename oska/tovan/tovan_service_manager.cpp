@@ -20,7 +20,7 @@ platform::NavigationOptions navigationOptions(const TovanServiceManager::Options
 }  // namespace
 
 std::shared_ptr<TovanServiceManager> TovanServiceManager::create(const Options& options) {
-    const std::shared_ptr<TovanServiceManager> service(new TovanServiceManager(options));
+    std::shared_ptr<TovanServiceManager> service(new TovanServiceManager(options));
     service->serviceManager_->setDelegate(service);
     service->serviceManager_->initialize();
     return service;

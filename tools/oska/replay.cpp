@@ -103,11 +103,11 @@ public:
         site_.time().runDue();
     }
 
-    void handle(RecordedLine line) {
+    void handle(const RecordedLine& line) {
         advanceTo({line.mobileTime, 0});
         if (Interruption::requested()) return;
-        if (auto* const sample = std::get_if<platform::ReceivedForce>(&line.what)) {
-            site_.source().send(std::move(*sample));
+        if (const auto* const sample = std::get_if<platform::ReceivedForce>(&line.what)) {
+            site_.source().send(*sample);
         } else {
             host_->perform(std::get<Action>(line.what));
         }
@@ -163,10 +163,10 @@ public:
 
     ExitStatus run() {
         while (!Interruption::requested()) {
-            auto line = recording_.next();
+            const auto line = recording_.next();
             if (!line) break;
             if (!run_) begin(line->mobileTime);
-            run_->handle(*std::move(line));
+            run_->handle(*line);
         }
         return end();
     }

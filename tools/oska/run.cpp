@@ -147,14 +147,14 @@ private:
 
     bool feed() {
         Pace pace(options_.speed);
-        while (auto line = recording_->next()) {
+        while (const auto line = recording_->next()) {
             if (!loop_.runUntil(pace.due(line->mobileTime))) return false;
-            handle(*std::move(line));
+            handle(*line);
         }
         return recording_->ending() != LineReader::Ending::interrupted;
     }
 
-    void handle(RecordedLine line) {
+    void handle(const RecordedLine& line) {
         if (const auto* const sample = std::get_if<platform::ReceivedForce>(&line.what)) {
             source_.send(*sample);
         } else {
