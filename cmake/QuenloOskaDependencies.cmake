@@ -9,6 +9,8 @@
 #   libcurl       HTTP/1.1 and HTTP/2 with a pool of connections. Used by adapters/native only, as are the next two.
 #   OpenSSL       TLS under libcurl, where the servers' certificates are judged.
 #   zlib          compressed bodies: libcurl takes a stream that is cut off for a whole one.
+#   Qt 6 Widgets  an application's event loop and its widgets. Used by adapters/qt only and by the example viewer; where
+#                 Qt 6.4 or later is not found, both are left out. Qt 6 Test sends the events of their tests.
 #   CLI11         the oska program's options and help.
 #   cpp-httplib   the server of `oska serve`, TLS included.
 #   GoogleTest, Google Benchmark   tests and measurements.
@@ -41,6 +43,13 @@ if(NOT TARGET ZLIB::ZLIB)
 endif()
 find_package(Threads REQUIRED GLOBAL)
 
+if(QUENLOOSKA_BUILD_QT AND NOT TARGET Qt6::Widgets)
+  find_package(Qt6 6.4 QUIET GLOBAL COMPONENTS Widgets)
+  if(NOT TARGET Qt6::Widgets)
+    message(STATUS "Qt 6.4 or later was not found: adapters/qt is left out")
+  endif()
+endif()
+
 if(QUENLOOSKA_BUILD_TOOLS)
   find_package(CLI11 2.1 REQUIRED)
   # A shared library whose headers take another layout without the macros that its pkg-config file defines.
@@ -48,6 +57,9 @@ if(QUENLOOSKA_BUILD_TOOLS)
 endif()
 if(QUENLOOSKA_BUILD_TESTS)
   find_package(GTest REQUIRED)
+  if(TARGET Qt6::Widgets)
+    find_package(Qt6 6.4 REQUIRED COMPONENTS Test)
+  endif()
   include(GoogleTest)
 endif()
 if(QUENLOOSKA_BUILD_BENCH)

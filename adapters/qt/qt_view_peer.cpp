@@ -1,0 +1,111 @@
+#include "adapters/qt/qt_view_peer.h"
+
+#include <QCoreApplication>
+#include <QThread>
+#include <QWidget>
+#include <utility>
+
+#include "adapters/qt/qt_image.h"
+#include "adapters/qt/qt_view_widget.h"
+
+namespace oska::qt {
+namespace {
+
+using platform::View;
+using platform::ViewChange;
+
+QWidget* widgetOf(const View* view) {
+    const auto* peer = view ? dynamic_cast<WidgetPeer*>(view->peer()) : nullptr;
+    return peer ? peer->widget() : nullptr;
+}
+
+/// To whole points edge by edge, so that views which share an edge do so on the screen, too.
+QRect toWholePoints(const platform::Rect& rect) {
+    const QPoint topLeft(qRound(rect.x), qRound(rect.y));
+    const QPoint end(qRound(rect.x + rect.width), qRound(rect.y + rect.height));
+    return {topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y())};
+}
+
+class QtViewPeer final : public WidgetPeer {
+public:
+    explicit QtViewPeer(std::weak_ptr<View> view) : view_(std::move(view)) {}
+    ~QtViewPeer() override { discardWidget(); }
+    QtViewPeer(const QtViewPeer&) = delete;
+    QtViewPeer& operator=(const QtViewPeer&) = delete;
+
+    [[nodiscard]] QWidget* widget() const override { return widget_; }
+
+    void changed(const View& view, ViewChange what) override {
+        if (what == ViewChange::hierarchy) return place(view);
+        if (widget_) apply(view, what);
+    }
+
+private:
+    void place(const View& view);
+    void apply(const View& view, ViewChange what);
+    void discardWidget();
+
+    const std::weak_ptr<View> view_;
+    QPointer<ViewWidget> widget_;  // its parent owns it, and may be gone before the view
+};
+
+void QtViewPeer::place(const View& view) {
+    auto* parent = widgetOf(view.superview().get());
+    if (!widget_ || widget_->parentWidget() != parent) {
+        discardWidget();
+        if (!parent) return;
+        widget_ = new ViewWidget(view_, *parent);
+        using enum ViewChange;
+        for (const auto what : {frame, interaction, image, hidden}) apply(view, what);
+        for (const auto& subview : view.subviews()) {
+            if (auto* peer = dynamic_cast<QtViewPeer*>(subview->peer())) peer->place(*subview);
+        }
+    }
+    widget_->raise();
+}
+
+void QtViewPeer::apply(const View& view, ViewChange what) {
+    switch (what) {
+        case ViewChange::frame:
+            return widget_->place(toWholePoints(view.frame()));
+        case ViewChange::hidden:
+            return widget_->setVisible(!view.isHidden());
+        case ViewChange::alpha:
+        case ViewChange::interaction:
+            widget_->setAttribute(Qt::WA_TransparentForMouseEvents, !canBeTapped(view));
+            return widget_->update();
+        case ViewChange::image:
+            return widget_->show(decoded(view.image()));
+        case ViewChange::clipping:  // a child widget is always cut off
+        case ViewChange::hierarchy:
+            return;
+    }
+}
+
+void QtViewPeer::discardWidget() {
+    if (!widget_) return;
+    const auto widget = std::exchange(widget_, nullptr);
+    // A view that outlives the main queue may be destroyed on any thread; its widget may not.
+    auto* application = QCoreApplication::instance();
+    if (!application || application->thread() == QThread::currentThread()) return ViewWidget::discard(widget);
+    QMetaObject::invokeMethod(
+        application,
+        [widget] {
+            if (widget) ViewWidget::discard(widget);
+        },
+        Qt::QueuedConnection);
+}
+
+}  // namespace
+
+std::unique_ptr<platform::ViewPeer> makeViewPeer(View& view) {
+    return std::make_unique<QtViewPeer>(view.weak_from_this());
+}
+
+void raiseSubviews(const View& view) {
+    for (const auto& subview : view.subviews()) {
+        if (auto* widget = widgetOf(subview.get())) widget->raise();
+    }
+}
+
+}  // namespace oska::qt

@@ -1,0 +1,141 @@
+#include "adapters/qt/qt_view_widget.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+#include <QTouchEvent>
+#include <utility>
+
+namespace oska::qt {
+namespace {
+
+using platform::View;
+
+// As in View::hitTest.
+constexpr double FAINTEST_TAPPABLE_ALPHA = 0.01;
+
+/// Of the view itself and of all around it.
+double effectiveAlpha(const View& view) {
+    const auto above = view.superview();
+    return above ? view.alpha() * effectiveAlpha(*above) : view.alpha();
+}
+
+QRectF aspectFit(QSize content, QSize box) {
+    const auto rect =
+        platform::aspectFit({static_cast<double>(content.width()), static_cast<double>(content.height())},
+                            {static_cast<double>(box.width()), static_cast<double>(box.height())});
+    return {rect.x, rect.y, rect.width, rect.height};
+}
+
+/// Touches come as such; the mouse that some systems make of them is not another tap.
+bool isFromTouchScreen(const QMouseEvent& event) {
+    return event.deviceType() == QInputDevice::DeviceType::TouchScreen;
+}
+
+}  // namespace
+
+bool canBeTapped(const View& view) {
+    return view.isUserInteractionEnabled() && view.alpha() >= FAINTEST_TAPPABLE_ALPHA;
+}
+
+ViewWidget::ViewWidget(std::weak_ptr<View> view, QWidget& parent) : QWidget(&parent), view_(std::move(view)) {
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    setAttribute(Qt::WA_NoSystemBackground);
+    setFocusPolicy(Qt::NoFocus);
+}
+
+void ViewWidget::discard(ViewWidget* widget) {
+    if (!widget->isInTap_) {
+        delete widget;
+        return;
+    }
+    widget->setParent(nullptr);
+    widget->deleteLater();
+}
+
+void ViewWidget::place(const QRect& frame) {
+    frame_ = frame;
+    setGeometry(frame);
+}
+
+void ViewWidget::show(const QImage& image) {
+    image_ = image;
+    update();
+}
+
+// ---- look
+
+void ViewWidget::paintEvent(QPaintEvent*) {
+    const auto view = view_.lock();
+    if (!view || image_.isNull()) return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.setOpacity(effectiveAlpha(*view));
+    painter.drawImage(aspectFit(image_.size(), size()), image_);
+}
+
+// A host that scrolls its content moves its children along.
+void ViewWidget::moveEvent(QMoveEvent*) {
+    if (geometry() != frame_) setGeometry(frame_);
+}
+
+// ---- taps
+
+bool ViewWidget::event(QEvent* event) {
+    switch (event->type()) {
+        case QEvent::TouchBegin:
+        case QEvent::TouchUpdate:
+        case QEvent::TouchEnd:
+        case QEvent::TouchCancel:
+            event->accept();
+            touch(*static_cast<QTouchEvent*>(event));
+            return true;
+        case QEvent::Polish:
+        case QEvent::StyleChange: {
+            const bool isHandled = QWidget::event(event);
+            // A style sheet for all widgets of the host would have it paint a background over the host.
+            setAttribute(Qt::WA_StyledBackground, false);
+            return isHandled;
+        }
+        default:
+            return QWidget::event(event);
+    }
+}
+
+void ViewWidget::touch(const QTouchEvent& event) {
+    if (event.type() == QEvent::TouchCancel || event.pointCount() != 1) return tracker_.cancel();
+    const auto at = event.points().first().position();
+    if (event.type() == QEvent::TouchBegin) return tracker_.press(at);
+    if (event.type() == QEvent::TouchUpdate) return tracker_.move(at);
+    if (tracker_.release(at, rect())) tap();
+}
+
+void ViewWidget::hideEvent(QHideEvent*) { tracker_.cancel(); }
+
+void ViewWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return QWidget::mousePressEvent(event);
+    if (!isFromTouchScreen(*event)) tracker_.press(event->position());
+}
+
+void ViewWidget::mouseDoubleClickEvent(QMouseEvent* event) { mousePressEvent(event); }
+
+void ViewWidget::mouseMoveEvent(QMouseEvent* event) {
+    if (!event->buttons().testFlag(Qt::LeftButton)) return QWidget::mouseMoveEvent(event);
+    tracker_.move(event->position());
+}
+
+void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return QWidget::mouseReleaseEvent(event);
+    if (tracker_.release(event->position(), rect())) tap();
+}
+
+void ViewWidget::tap() {
+    const auto view = view_.lock();
+    if (!view) return;
+    const QPointer<ViewWidget> self(this);  // the host may destroy anything inside
+    isInTap_ = true;
+    view->handleTap();
+    if (self) isInTap_ = false;
+}
+
+}  // namespace oska::qt

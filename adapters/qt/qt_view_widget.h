@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QImage>
+#include <QWidget>
+#include <memory>
+
+#include "adapters/qt/qt_tap_tracker.h"
+#include "oska/platform/view.h"
+
+class QTouchEvent;
+
+namespace oska::qt {
+
+/// Whether taps reach this view, unless one around it keeps them away.
+[[nodiscard]] bool canBeTapped(const platform::View& view);
+
+/// One view on the screen: paints its image and turns clicks and touches into taps. Otherwise it is clear, to
+/// the eye and to events.
+///
+/// Threads: the application's. Lifetime: owned by its parent widget, as the peer's until `discard`.
+class ViewWidget final : public QWidget {
+public:
+    ViewWidget(std::weak_ptr<platform::View> view, QWidget& parent);
+
+    /// Takes the widget away, also in the middle of its own tap.
+    static void discard(ViewWidget* widget);
+
+    void place(const QRect& frame);
+    void show(const QImage& image);
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+
+private:
+    void touch(const QTouchEvent& event);
+    void tap();
+
+    const std::weak_ptr<platform::View> view_;
+    QRect frame_;
+    QImage image_;
+    TapTracker tracker_;
+    bool isInTap_ = false;
+};
+
+}  // namespace oska::qt
