@@ -1,7 +1,5 @@
 #include "adapters/qt/qt_view_peer.h"
 
-#include <QCoreApplication>
-#include <QThread>
 #include <QWidget>
 #include <utility>
 
@@ -84,16 +82,7 @@ void QtViewPeer::apply(const View& view, ViewChange what) {
 
 void QtViewPeer::discardWidget() {
     if (!widget_) return;
-    const auto widget = std::exchange(widget_, nullptr);
-    // A view that outlives the main queue may be destroyed on any thread; its widget may not.
-    auto* application = QCoreApplication::instance();
-    if (!application || application->thread() == QThread::currentThread()) return ViewWidget::discard(widget);
-    QMetaObject::invokeMethod(
-        application,
-        [widget] {
-            if (widget) ViewWidget::discard(widget);
-        },
-        Qt::QueuedConnection);
+    ViewWidget::discard(std::exchange(widget_, nullptr));
 }
 
 }  // namespace

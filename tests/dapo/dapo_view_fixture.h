@@ -58,8 +58,10 @@ private:
 /// "lobby-a".
 class DapoViewTest : public testing::Test {
 protected:
-    DapoViewTest() {
-        platform::install(world_.platform());
+    explicit DapoViewTest(platform::ViewPeerFactory makeViewPeer = {}) {
+        auto platform = world_.platform();
+        platform.makeViewPeer = std::move(makeViewPeer);
+        platform::install(std::move(platform));
         view_ = DapoView::create();
         site_.publish("v1", fakes::DAPO_DOCUMENT);
         view_->setDelegate(host_);

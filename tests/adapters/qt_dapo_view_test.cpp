@@ -1,0 +1,239 @@
+// A real Dapo view over a widget of a host's.
+#include <QApplication>
+#include <QBuffer>
+#include <QImage>
+#include <QPointingDevice>
+#include <QWheelEvent>
+#include <thread>
+
+#include "adapters/qt/qt_view_peer.h"
+#include "tests/adapters/qt_host.h"
+#include "tests/dapo/dapo_view_fixture.h"
+
+namespace oska::qt {
+namespace {
+
+std::shared_ptr<const platform::Image> redImage(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QBuffer file;
+    image.save(&file, "PNG");
+    return std::make_shared<platform::Image>(*platform::pngImage(file.data().toStdString()));
+}
+
+bool isNear(QColor colour, QColor expected) {
+    const auto isClose = [](int a, int b) { return std::abs(a - b) <= 2; };
+    return isClose(colour.red(), expected.red()) && isClose(colour.green(), expected.green()) &&
+           isClose(colour.blue(), expected.blue());
+}
+
+constexpr QRgb RED_OVER_WHITE = qRgb(255, 90, 90);  // at 0.65
+
+class QtDapoView : public DapoViewTest {
+protected:
+    QtDapoView() : DapoViewTest(makeViewPeer) {
+        hostView_ = viewOf(widget_);
+        widget_.show();
+    }
+
+    void select() {
+        makeRunning();
+        detect();
+        pass(std::chrono::seconds(1));
+        EXPECT_EQ(host_->take(), Events{"changed lobby-a"});
+    }
+
+    QColor pixel(Host& host, int x, int y) { return host.grab().toImage().pixelColor(x, y); }
+
+    Host widget_{{600, 200}};
+};
+
+TEST_F(QtDapoView, AClickIsOneTapAndTwoAreTwo) {
+    select();
+    widget_.clickAt({300, 100});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    QTest::mouseDClick(widget_.windowHandle(), Qt::LeftButton, {}, {590, 190});
+    EXPECT_EQ(host_->take(), (Events{"click lobby-a", "click lobby-a"}));
+    EXPECT_EQ(widget_.count(QEvent::MouseButtonPress) + widget_.count(QEvent::MouseButtonDblClick), 0);
+}
+
+TEST_F(QtDapoView, ADragIsNone) {
+    select();
+    auto* window = widget_.windowHandle();
+    QTest::mousePress(window, Qt::LeftButton, {}, {300, 100});
+    QTest::mouseMove(window, {350, 100});
+    QTest::mouseMove(window, {300, 100});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {300, 100});
+    QTest::mousePress(window, Qt::LeftButton, {}, {1, 100});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {-1, 100});
+    EXPECT_TRUE(host_->take().empty());
+    widget_.clickAt({300, 100});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+}
+
+TEST_F(QtDapoView, ATouchIsOneTapAndNoMouse) {
+    select();
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    QTest::touchEvent(&widget_, screen.get()).press(0, {300, 100});
+    QTest::touchEvent(&widget_, screen.get()).move(0, {302, 100});
+    QTest::touchEvent(&widget_, screen.get()).release(0, {302, 100});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    EXPECT_EQ(widget_.count(QEvent::MouseButtonPress) + widget_.count(QEvent::TouchBegin), 0);
+
+    QTest::touchEvent(&widget_, screen.get()).press(0, {300, 100}).press(1, {400, 100});
+    QTest::touchEvent(&widget_, screen.get()).release(0, {300, 100}).release(1, {400, 100});
+    EXPECT_TRUE(host_->take().empty()) << "two fingers";
+}
+
+TEST_F(QtDapoView, WhatIsNoTapReachesTheWidget) {
+    select();
+    widget_.setFocus();
+    widget_.clickAt({300, 100}, Qt::RightButton);
+    EXPECT_EQ(widget_.count(QEvent::MouseButtonPress), 1);
+    EXPECT_EQ(widget_.count(QEvent::MouseButtonRelease), 1);
+    QTest::keyClick(widget_.windowHandle(), Qt::Key_Down);
+    EXPECT_EQ(widget_.count(QEvent::KeyPress), 1);
+    auto* over = widget_.childAt(300, 100);
+    ASSERT_TRUE(over);
+    QWheelEvent wheel({300, 100}, over->mapToGlobal(QPointF(300, 100)), {}, {0, 120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);  // as from the system
+    qApp->notify(over, &wheel);
+    EXPECT_EQ(widget_.count(QEvent::Wheel), 1);
+    EXPECT_TRUE(host_->take().empty());
+}
+
+TEST_F(QtDapoView, AViewThatCannotBeTappedLetsEveryClickThrough) {
+    select();
+    int clicks = 0;
+    const auto expectThrough = [&] {
+        widget_.clickAt({300, 100});
+        EXPECT_EQ(widget_.count(QEvent::MouseButtonPress), ++clicks);
+    };
+    view_->setAlpha(0.005);
+    expectThrough();
+    view_->setAlpha(1);
+    view_->setUserInteractionEnabled(false);
+    expectThrough();
+    view_->setUserInteractionEnabled(true);
+    view_->stopService();  // hides
+    expectThrough();
+    EXPECT_TRUE(host_->take().empty());
+}
+
+TEST_F(QtDapoView, CoversTheWidgetWhateverItsSizeAndItsChildren) {
+    select();
+    widget_.move(30, 40);
+    widget_.resize(701, 333);
+    auto* later = new QWidget(&widget_);
+    later->setGeometry(0, 0, 701, 333);
+    later->show();
+    auto* over = widget_.childAt(700, 332);
+    ASSERT_TRUE(over);
+    EXPECT_NE(over, later);
+    EXPECT_EQ(over->geometry(), widget_.rect());
+    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 701, 333}));
+    EXPECT_EQ(hostView_->frame().y, widget_.geometry().y());
+    widget_.clickAt({700, 332});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    widget_.scroll(5, 7);
+    EXPECT_EQ(over->geometry(), widget_.rect());
+}
+
+TEST_F(QtDapoView, ShowsItsImageAsLargeAsItsProportionsAllowAndHalfClear) {
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(200, 100)});
+    EXPECT_EQ(pixel(widget_, 300, 100), Qt::white) << "hidden";
+    view_->setVisibility(true);
+    for (const auto& [x, y] : {std::pair{101, 1}, {300, 100}, {498, 198}})
+        EXPECT_TRUE(isNear(pixel(widget_, x, y), RED_OVER_WHITE)) << x;
+    for (const auto& [x, y] : {std::pair{98, 100}, {502, 100}, {0, 0}})
+        EXPECT_EQ(pixel(widget_, x, y), Qt::white) << x;
+    view_->setAlpha(0.5);
+    EXPECT_TRUE(isNear(pixel(widget_, 300, 100), QColor(255, 172, 172))) << "0.5 of 0.65";
+}
+
+TEST_F(QtDapoView, IsClearAroundItsImageWhateverTheHostsStyleSheet) {
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(100, 100)});
+    view_->setVisibility(true);
+    for (const auto* sheet :
+         {"* { background: #00ff00; }", "QWidget { background: #00ff00; border: 9px solid blue; }"}) {
+        widget_.setStyleSheet(sheet);
+        EXPECT_TRUE(isNear(pixel(widget_, 300, 100), QColor(166, 89, 0))) << sheet;
+    }
+}
+
+TEST_F(QtDapoView, ShowsNothingForAnImageThatCannotBeDecoded) {
+    static int warnings;
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
+    auto broken = *redImage(10, 10);
+    broken.encoded.resize(40);
+    const auto image = std::make_shared<platform::Image>(std::move(broken));
+    for (int i = 0; i < 2; ++i) view_->configureFrame({.to = hostView_, .dapoImage = image});
+    view_->setVisibility(true);
+    EXPECT_EQ(pixel(widget_, 300, 100), Qt::white);
+    EXPECT_EQ(warnings, 1);
+    qInstallMessageHandler(nullptr);
+}
+
+TEST_F(QtDapoView, LeavesNothingBehindWhenItMovesToAnotherWidget) {
+    select();
+    Host second({80, 60});
+    second.show();
+    view_->configureFrame({.to = viewOf(second), .dapoImage = redImage(8, 6)});
+    EXPECT_TRUE(widget_.widgetsOver().isEmpty());
+    EXPECT_EQ(second.widgetsOver().size(), 2);
+    EXPECT_TRUE(isNear(pixel(second, 40, 30), RED_OVER_WHITE));
+    widget_.clickAt({40, 30});
+    EXPECT_TRUE(host_->take().empty());
+    second.clickAt({40, 30});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    view_->removeFromSuperview();
+    EXPECT_TRUE(second.widgetsOver().isEmpty());
+}
+
+TEST_F(QtDapoView, OutlivesItsWidgetAndGoesToAnother) {
+    auto first = std::make_unique<Host>(QSize(80, 60));
+    view_->configureFrame({.to = viewOf(*first), .dapoImage = redImage(10, 10)});
+    first.reset();
+    view_->setVisibility(true);
+    view_->setFrame({1, 2, 3, 4});
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(20, 10)});
+    EXPECT_TRUE(isNear(pixel(widget_, 300, 100), RED_OVER_WHITE));
+}
+
+TEST_F(QtDapoView, GoesWithItsWidgetWhenNobodyElseHoldsIt) {
+    auto first = std::make_unique<Host>(QSize(80, 60));
+    const std::weak_ptr<DapoView> watch = view_;
+    view_->configureFrame({.to = viewOf(*first)});
+    view_.reset();
+    std::thread([&] { EXPECT_TRUE(watch.lock()); }).join();
+    EXPECT_FALSE(watch.expired()) << "its widget's view holds it";
+    first.reset();
+    EXPECT_TRUE(watch.expired());
+}
+
+TEST_F(QtDapoView, MayBeReleasedOnAnotherThread) {
+    makeRunning();
+    view_->removeFromSuperview();
+    const std::weak_ptr<DapoView> watch = view_;
+    std::thread([&] { view_.reset(); }).join();
+    pass(std::chrono::seconds(0));
+    EXPECT_TRUE(watch.expired());
+    EXPECT_TRUE(widget_.widgetsOver().isEmpty());
+}
+
+TEST_F(QtDapoView, MayBeDestroyedInsideItsOwnClick) {
+    select();
+    host_->reaction = [&](const std::string&) {
+        view_->removeFromSuperview();
+        view_.reset();
+        EXPECT_TRUE(widget_.widgetsOver().isEmpty());
+    };
+    widget_.clickAt({300, 100});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    EXPECT_FALSE(view_);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+}
+
+}  // namespace
+}  // namespace oska::qt
