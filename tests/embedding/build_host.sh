@@ -8,6 +8,8 @@ options=(-G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$compiler")
 if [ -n "$kit" ]; then
     cmake --install "$kit" --prefix "$binary/prefix" >/dev/null
     options+=(-DHOST_USES_PACKAGE=ON -DCMAKE_PREFIX_PATH="$binary/prefix")
+    # The package serves a host without Qt, too.
+    cmake -S "$source" -B "$binary/without_qt" "${options[@]}" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON >/dev/null
 fi
 cmake -S "$source" -B "$binary/build" "${options[@]}" >/dev/null
 cmake --build "$binary/build" --target host
