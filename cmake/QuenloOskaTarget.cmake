@@ -15,12 +15,12 @@ function(quenlooska_target target)
   endif()
 endfunction()
 
-# quenlooska_test(<name> SOURCES... [LINK libraries...]): one test program; ctest runs each of its tests in a process of
-# its own, because much of the kit's state is process-wide.
+# quenlooska_test(<name> SOURCES... [LINK libraries...] [ENVIRONMENT variable=value...]): one test program; ctest runs each
+# of its tests in a process of its own, because much of the kit's state is process-wide.
 function(quenlooska_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LINK" ${ARGN})
+  cmake_parse_arguments(arg "" "" "SOURCES;LINK;ENVIRONMENT" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
   quenlooska_target(${name})
   target_link_libraries(${name} PRIVATE ${arg_LINK} GTest::gtest_main GTest::gmock)
-  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
+  gtest_discover_tests(${name} NO_PRETTY_VALUES DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120 ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()

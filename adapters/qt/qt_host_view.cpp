@@ -37,9 +37,8 @@ public:
 
     void followGeometry() {
         const auto rect = widget_.geometry();
-        const auto view = view_;
-        view->setFrame({static_cast<double>(rect.x()), static_cast<double>(rect.y()),
-                        static_cast<double>(rect.width()), static_cast<double>(rect.height())});
+        view_->setFrame({static_cast<double>(rect.x()), static_cast<double>(rect.y()),
+                         static_cast<double>(rect.width()), static_cast<double>(rect.height())});
     }
 
     bool eventFilter(QObject*, QEvent* event) override {

@@ -45,14 +45,14 @@ protected:
 
     QColor pixel(Host& host, int x, int y) { return host.grab().toImage().pixelColor(x, y); }
 
-    Host widget_{{600, 200}};
+    Host widget_{{240, 80}};
 };
 
 TEST_F(QtDapoView, AClickIsOneTapAndTwoAreTwo) {
     select();
-    widget_.clickAt({300, 100});
+    widget_.clickAt({120, 40});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});
-    QTest::mouseDClick(widget_.windowHandle(), Qt::LeftButton, {}, {590, 190});
+    QTest::mouseDClick(widget_.windowHandle(), Qt::LeftButton, {}, {230, 70});
     EXPECT_EQ(host_->take(), (Events{"click lobby-a", "click lobby-a"}));
     EXPECT_EQ(widget_.count(QEvent::MouseButtonPress) + widget_.count(QEvent::MouseButtonDblClick), 0);
 }
@@ -60,42 +60,42 @@ TEST_F(QtDapoView, AClickIsOneTapAndTwoAreTwo) {
 TEST_F(QtDapoView, ADragIsNone) {
     select();
     auto* window = widget_.windowHandle();
-    QTest::mousePress(window, Qt::LeftButton, {}, {300, 100});
-    QTest::mouseMove(window, {350, 100});
-    QTest::mouseMove(window, {300, 100});
-    QTest::mouseRelease(window, Qt::LeftButton, {}, {300, 100});
-    QTest::mousePress(window, Qt::LeftButton, {}, {1, 100});
-    QTest::mouseRelease(window, Qt::LeftButton, {}, {-1, 100});
+    QTest::mousePress(window, Qt::LeftButton, {}, {120, 40});
+    QTest::mouseMove(window, {170, 40});
+    QTest::mouseMove(window, {120, 40});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {120, 40});
+    QTest::mousePress(window, Qt::LeftButton, {}, {1, 40});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {-1, 40});
     EXPECT_TRUE(host_->take().empty());
-    widget_.clickAt({300, 100});
+    widget_.clickAt({120, 40});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});
 }
 
 TEST_F(QtDapoView, ATouchIsOneTapAndNoMouse) {
     select();
     const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
-    QTest::touchEvent(&widget_, screen.get()).press(0, {300, 100});
-    QTest::touchEvent(&widget_, screen.get()).move(0, {302, 100});
-    QTest::touchEvent(&widget_, screen.get()).release(0, {302, 100});
+    QTest::touchEvent(&widget_, screen.get()).press(0, {120, 40});
+    QTest::touchEvent(&widget_, screen.get()).move(0, {122, 40});
+    QTest::touchEvent(&widget_, screen.get()).release(0, {122, 40});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});
     EXPECT_EQ(widget_.count(QEvent::MouseButtonPress) + widget_.count(QEvent::TouchBegin), 0);
 
-    QTest::touchEvent(&widget_, screen.get()).press(0, {300, 100}).press(1, {400, 100});
-    QTest::touchEvent(&widget_, screen.get()).release(0, {300, 100}).release(1, {400, 100});
+    QTest::touchEvent(&widget_, screen.get()).press(0, {120, 40}).press(1, {160, 40});
+    QTest::touchEvent(&widget_, screen.get()).release(0, {120, 40}).release(1, {160, 40});
     EXPECT_TRUE(host_->take().empty()) << "two fingers";
 }
 
 TEST_F(QtDapoView, WhatIsNoTapReachesTheWidget) {
     select();
     widget_.setFocus();
-    widget_.clickAt({300, 100}, Qt::RightButton);
+    widget_.clickAt({120, 40}, Qt::RightButton);
     EXPECT_EQ(widget_.count(QEvent::MouseButtonPress), 1);
     EXPECT_EQ(widget_.count(QEvent::MouseButtonRelease), 1);
     QTest::keyClick(widget_.windowHandle(), Qt::Key_Down);
     EXPECT_EQ(widget_.count(QEvent::KeyPress), 1);
-    auto* over = widget_.childAt(300, 100);
+    auto* over = widget_.childAt(120, 40);
     ASSERT_TRUE(over);
-    QWheelEvent wheel({300, 100}, over->mapToGlobal(QPointF(300, 100)), {}, {0, 120}, Qt::NoButton, {},
+    QWheelEvent wheel({120, 40}, over->mapToGlobal(QPointF(120, 40)), {}, {0, 120}, Qt::NoButton, {},
                       Qt::NoScrollPhase, false);
     QSpontaneKeyEvent::setSpontaneous(&wheel);  // as from the system
     qApp->notify(over, &wheel);
@@ -107,7 +107,7 @@ TEST_F(QtDapoView, AViewThatCannotBeTappedLetsEveryClickThrough) {
     select();
     int clicks = 0;
     const auto expectThrough = [&] {
-        widget_.clickAt({300, 100});
+        widget_.clickAt({120, 40});
         EXPECT_EQ(widget_.count(QEvent::MouseButtonPress), ++clicks);
     };
     view_->setAlpha(0.005);
@@ -124,17 +124,17 @@ TEST_F(QtDapoView, AViewThatCannotBeTappedLetsEveryClickThrough) {
 TEST_F(QtDapoView, CoversTheWidgetWhateverItsSizeAndItsChildren) {
     select();
     widget_.move(30, 40);
-    widget_.resize(701, 333);
+    widget_.resize(301, 93);
     auto* later = new QWidget(&widget_);
-    later->setGeometry(0, 0, 701, 333);
+    later->setGeometry(0, 0, 301, 93);
     later->show();
-    auto* over = widget_.childAt(700, 332);
+    auto* over = widget_.childAt(300, 92);
     ASSERT_TRUE(over);
     EXPECT_NE(over, later);
     EXPECT_EQ(over->geometry(), widget_.rect());
-    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 701, 333}));
+    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 301, 93}));
     EXPECT_EQ(hostView_->frame().y, widget_.geometry().y());
-    widget_.clickAt({700, 332});
+    widget_.clickAt({300, 92});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});
     widget_.scroll(5, 7);
     EXPECT_EQ(over->geometry(), widget_.rect());
@@ -142,14 +142,14 @@ TEST_F(QtDapoView, CoversTheWidgetWhateverItsSizeAndItsChildren) {
 
 TEST_F(QtDapoView, ShowsItsImageAsLargeAsItsProportionsAllowAndHalfClear) {
     view_->configureFrame({.to = hostView_, .dapoImage = redImage(200, 100)});
-    EXPECT_EQ(pixel(widget_, 300, 100), Qt::white) << "hidden";
+    EXPECT_EQ(pixel(widget_, 120, 40), Qt::white) << "hidden";
     view_->setVisibility(true);
-    for (const auto& [x, y] : {std::pair{101, 1}, {300, 100}, {498, 198}})
+    for (const auto& [x, y] : {std::pair{41, 1}, {120, 40}, {198, 78}})
         EXPECT_TRUE(isNear(pixel(widget_, x, y), RED_OVER_WHITE)) << x;
-    for (const auto& [x, y] : {std::pair{98, 100}, {502, 100}, {0, 0}})
+    for (const auto& [x, y] : {std::pair{38, 40}, {202, 40}, {0, 0}})
         EXPECT_EQ(pixel(widget_, x, y), Qt::white) << x;
     view_->setAlpha(0.5);
-    EXPECT_TRUE(isNear(pixel(widget_, 300, 100), QColor(255, 172, 172))) << "0.5 of 0.65";
+    EXPECT_TRUE(isNear(pixel(widget_, 120, 40), QColor(255, 172, 172))) << "0.5 of 0.65";
 }
 
 TEST_F(QtDapoView, IsClearAroundItsImageWhateverTheHostsStyleSheet) {
@@ -158,7 +158,7 @@ TEST_F(QtDapoView, IsClearAroundItsImageWhateverTheHostsStyleSheet) {
     for (const auto* sheet :
          {"* { background: #00ff00; }", "QWidget { background: #00ff00; border: 9px solid blue; }"}) {
         widget_.setStyleSheet(sheet);
-        EXPECT_TRUE(isNear(pixel(widget_, 300, 100), QColor(166, 89, 0))) << sheet;
+        EXPECT_TRUE(isNear(pixel(widget_, 120, 40), QColor(166, 89, 0))) << sheet;
     }
 }
 
@@ -170,7 +170,7 @@ TEST_F(QtDapoView, ShowsNothingForAnImageThatCannotBeDecoded) {
     const auto image = std::make_shared<platform::Image>(std::move(broken));
     for (int i = 0; i < 2; ++i) view_->configureFrame({.to = hostView_, .dapoImage = image});
     view_->setVisibility(true);
-    EXPECT_EQ(pixel(widget_, 300, 100), Qt::white);
+    EXPECT_EQ(pixel(widget_, 120, 40), Qt::white);
     EXPECT_EQ(warnings, 1);
     qInstallMessageHandler(nullptr);
 }
@@ -198,7 +198,7 @@ TEST_F(QtDapoView, OutlivesItsWidgetAndGoesToAnother) {
     view_->setVisibility(true);
     view_->setFrame({1, 2, 3, 4});
     view_->configureFrame({.to = hostView_, .dapoImage = redImage(20, 10)});
-    EXPECT_TRUE(isNear(pixel(widget_, 300, 100), RED_OVER_WHITE));
+    EXPECT_TRUE(isNear(pixel(widget_, 120, 40), RED_OVER_WHITE));
 }
 
 TEST_F(QtDapoView, GoesWithItsWidgetWhenNobodyElseHoldsIt) {
@@ -229,7 +229,7 @@ TEST_F(QtDapoView, MayBeDestroyedInsideItsOwnClick) {
         view_.reset();
         EXPECT_TRUE(widget_.widgetsOver().isEmpty());
     };
-    widget_.clickAt({300, 100});
+    widget_.clickAt({120, 40});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});
     EXPECT_FALSE(view_);
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);

@@ -9,7 +9,9 @@
 
 namespace oska::qt {
 
-/// A host's widget, white, that takes note of the events which reach it.
+/// A host's widget, white, that takes note of the events which reach it. Hosts that are painted are less than
+/// 96 points high: Qt's painter shares larger areas out to threads whose locks the thread sanitizer cannot
+/// see.
 class Host : public QWidget {
 public:
     explicit Host(QSize size, QWidget* parent = nullptr) : QWidget(parent) {
