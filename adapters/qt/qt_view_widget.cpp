@@ -40,6 +40,7 @@ bool canBeTapped(const View& view) {
 
 ViewWidget::ViewWidget(std::weak_ptr<View> view, QWidget& parent) : QWidget(&parent), view_(std::move(view)) {
     setAttribute(Qt::WA_AcceptTouchEvents);
+    // Nor the background of a style sheet that is for all of the host's widgets.
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
 }
@@ -90,13 +91,6 @@ bool ViewWidget::event(QEvent* event) {
             event->accept();
             touch(*static_cast<QTouchEvent*>(event));
             return true;
-        case QEvent::Polish:
-        case QEvent::StyleChange: {
-            const bool isHandled = QWidget::event(event);
-            // A style sheet for all widgets of the host would have it paint a background over the host.
-            setAttribute(Qt::WA_StyledBackground, false);
-            return isHandled;
-        }
         default:
             return QWidget::event(event);
     }

@@ -153,12 +153,16 @@ TEST_F(QtDapoView, ShowsItsImageAsLargeAsItsProportionsAllowAndHalfClear) {
 }
 
 TEST_F(QtDapoView, IsClearAroundItsImageWhateverTheHostsStyleSheet) {
-    view_->configureFrame({.to = hostView_, .dapoImage = redImage(100, 100)});
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(40, 80)});
     view_->setVisibility(true);
-    for (const auto* sheet :
-         {"* { background: #00ff00; }", "QWidget { background: #00ff00; border: 9px solid blue; }"}) {
+    auto* below = new QWidget(&widget_);
+    below->setStyleSheet("background: white; border: none");
+    below->setGeometry(widget_.rect());
+    below->show();
+    for (const auto* sheet : {"* { background: #00ff00; }", "QWidget { border: 9px solid blue; }"}) {
         widget_.setStyleSheet(sheet);
-        EXPECT_TRUE(isNear(pixel(widget_, 120, 40), QColor(166, 89, 0))) << sheet;
+        EXPECT_TRUE(isNear(pixel(widget_, 120, 40), RED_OVER_WHITE)) << sheet;
+        EXPECT_EQ(pixel(widget_, 2, 2), Qt::white) << sheet;
     }
 }
 

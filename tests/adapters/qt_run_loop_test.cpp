@@ -70,6 +70,28 @@ TEST(QtLoopDriver, AnEarlierJobIsNotHeldUpByAFarOne) {
     qt.runUntil([&] { return isDone; });
 }
 
+/// Counts the times that any timer of the application fires.
+class TimerCounter : public QObject {
+public:
+    TimerCounter() { qApp->installEventFilter(this); }
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::Timer;
+        return false;
+    }
+    int count = 0;
+};
+
+TEST(QtLoopDriver, RestsUntilTheNextDeadline) {
+    QtDriver qt;
+    bool isDone = false;
+    const auto far = qt.queue().after(1h, [] {});
+    qt.queue().async([&] { isDone = true; });
+    qt.runUntil([&] { return isDone; });
+    const TimerCounter timers;
+    for (int i = 0; i < 100; ++i) QCoreApplication::processEvents();
+    EXPECT_EQ(timers.count, 0);
+}
+
 TEST(QtLoopDriver, JobsThatPostThemselvesAgainTakeTurnsWithEvents) {
     QtDriver qt;
     int runs = 0;

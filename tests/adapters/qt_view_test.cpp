@@ -1,6 +1,7 @@
 // Trees of views over a widget.
 #include <gtest/gtest.h>
 
+#include <QPointingDevice>
 #include <QVBoxLayout>
 
 #include "adapters/qt/qt_view_peer.h"
@@ -129,10 +130,11 @@ TEST_F(QtViews, ATapMayDestroyTheHostsWidgetsInAnEventLoopOfItsOwn) {
 TEST_F(QtViews, AHiddenViewForgetsThePressThatItSaw) {
     const auto view = viewIn(*viewOf(host_), {0, 0, 100, 100});
     name(*view, "view");
-    QTest::mousePress(host_.windowHandle(), Qt::LeftButton, {}, {50, 50});
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    QTest::touchEvent(&host_, screen.get()).press(0, {50, 50});
     view->setHidden(true);
     view->setHidden(false);
-    QTest::mouseRelease(host_.windowHandle(), Qt::LeftButton, {}, {50, 50});
+    QTest::touchEvent(&host_, screen.get()).release(0, {50, 50});
     EXPECT_TRUE(taps_.empty());
 }
 
