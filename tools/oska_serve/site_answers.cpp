@@ -84,7 +84,7 @@ SiteAnswers::SiteAnswers(SiteFolder folder, std::unique_ptr<UploadFile> uploads,
       requiredToken_(std::move(requiredToken)),
       scheme_(std::move(scheme)) {}
 
-void SiteAnswers::installIn(httplib::Server& server) {
+void SiteAnswers::installIn(httplib::Server& server, bool reportsAnswers) {
     server.Get(BUNDLES,
                [this](const Request& request, Response& response) { answerBundle(request, response); });
     server.Get(FILES, [this](const Request& request, Response& response) { answerFile(request, response); });
@@ -92,7 +92,7 @@ void SiteAnswers::installIn(httplib::Server& server) {
                 [this](const Request& request, Response& response) { answerUpload(request, response); });
     server.set_error_handler(explain);
     // Before the reply is sent, so that the lines come in the order in which a client asks.
-    server.set_post_routing_handler(reportAnswered);
+    if (reportsAnswers) server.set_post_routing_handler(reportAnswered);
 }
 
 void SiteAnswers::answerBundle(const Request& request, Response& response) const {

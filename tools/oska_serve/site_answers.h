@@ -19,7 +19,8 @@ public:
     SiteAnswers(SiteFolder folder, std::unique_ptr<UploadFile> uploads,
                 std::optional<std::string> requiredToken, std::string scheme);
 
-    void installIn(httplib::Server& server);
+    /// `reportsAnswers`: whether what is answered is reported, as what is refused is.
+    void installIn(httplib::Server& server, bool reportsAnswers);
 
 private:
     using Request = httplib::Request;

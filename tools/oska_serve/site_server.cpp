@@ -114,10 +114,9 @@ platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(
 
 class SiteServer::Running {
 public:
-    /// Requires: `server` is bound.
+    /// Requires: `server` is bound, and `answers` are installed in it.
     Running(std::unique_ptr<SiteAnswers> answers, std::unique_ptr<httplib::Server> server)
         : answers_(std::move(answers)), server_(std::move(server)) {
-        answers_->installIn(*server_);
         std::promise<void> accepting;
         // Asked for when the server has begun; before, it could not be stopped.
         server_->new_task_queue = [&accepting] {
@@ -157,6 +156,7 @@ platform::Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(cons
     const std::string scheme = options.tlsCertificate.empty() ? "http" : "https";
     auto answers =
         std::make_unique<SiteAnswers>(*std::move(folder), *std::move(uploads), options.requiredToken, scheme);
+    answers->installIn(**server, options.reportsAnswers);
     auto running = std::make_unique<Running>(std::move(answers), *std::move(server));
     return std::unique_ptr<SiteServer>(
         new SiteServer(std::move(running), *port, scheme + "://" + authority(options.address, *port)));

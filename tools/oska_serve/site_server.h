@@ -15,13 +15,13 @@ struct NotServing {
 
 /// A server for development and trials: a folder as a site, over HTTP/1.1.
 ///
-///     GET  /v2/pelio/sectors/12/bundle   {"url": where FOLDER/12/pelio.json is served, "version_id": its
-///     digest} GET  /v2/dapo/sectors/12/bundle    the same of FOLDER/12/dapo.json GET  /12/pelio.json any
-///     file of the site: see SiteFolder POST /v2/recordings/rfds           a JSON array of samples: 204, and
-///     they are in the file of uploads
+///     GET  /v2/pelio/sectors/12/bundle   where FOLDER/12/pelio.json is served, and its digest
+///     GET  /v2/dapo/sectors/12/bundle    the same of FOLDER/12/dapo.json
+///     GET  /12/pelio.json                any file of the site: see SiteFolder
+///     POST /v2/recordings/rfds           a JSON array of samples, which go to the file of uploads
 ///
 /// Everything is read when it is asked for. What cannot be answered gets a status and its reason in a line of
-/// text; each request is a line on standard error. Threads: made and destroyed on any; it answers on threads
+/// text. Threads: made and destroyed on any; it answers on threads
 /// of its own, which take no signals. It makes the process ignore SIGPIPE. Lifetime: destroying it stops it,
 /// within a second of what is being answered.
 class SiteServer {
@@ -37,6 +37,8 @@ public:
         std::optional<std::string> requiredToken = {};
         /// Where uploaded samples go, as a recording; none: nowhere.
         std::optional<std::string> uploads = {};
+        /// Whether a request that was answered is a line on standard error; one that was refused always is.
+        bool reportsAnswers = true;
     };
 
     /// A server that accepts connections already.
