@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QSizeF>
+#include <memory>
+
+#include "oska/platform/image.h"
+
+namespace viewer {
+
+/// What the Dapo view shows over a map of those proportions: a frame and a badge, so that the map stays to
+/// be seen. A host may show any image; without one there is the kit's own.
+[[nodiscard]] std::shared_ptr<const oska::platform::Image> overlayImage(QSizeF map);
+
+}  // namespace viewer

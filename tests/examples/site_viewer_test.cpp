@@ -1,0 +1,273 @@
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QFile>
+#include <QImage>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "adapters/qt/qt_host_view.h"
+#include "examples/site_viewer/label_layout.h"
+#include "examples/site_viewer/map_view.h"
+#include "examples/site_viewer/player.h"
+#include "examples/site_viewer/session.h"
+#include "examples/site_viewer/walk.h"
+#include "examples/site_viewer/window.h"
+#include "examples/site_viewer/world.h"
+#include "oska/foundation/logger.h"
+#include "tools/oska_serve/site_server.h"
+
+namespace viewer {
+namespace {
+
+using namespace std::chrono_literals;
+
+const std::string RIVERSIDE = RIVERSIDE_FOLDER;
+const std::string VISIT = RIVERSIDE + "/walks/museum_visit.jsonl";
+
+class Folder {
+public:
+    std::string write(const QString& name, const std::string& content) {
+        const auto path = folder_.filePath(name);
+        QDir().mkpath(QFileInfo(path).path());
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(QByteArray::fromStdString(content));
+        return path.toStdString();
+    }
+    [[nodiscard]] std::string path() const { return folder_.path().toStdString(); }
+
+private:
+    QTemporaryDir folder_;
+};
+
+// ---- what it reads
+
+TEST(ViewerWalk, TellsWhereARecordingIsNone) {
+    struct Case {
+        std::string text;
+        std::string problem;
+    };
+    Folder folder;
+    for (const auto& [text, problem] :
+         {Case{"", ": no sample in it"},
+          {"{\"mobile_time\":1,\"rfs\":{}}\n\n{\"mobile_time\":2,\"rfs\":{\"a\":\"b\"}}", ":3: "},
+          {"{\"mobile_time\":1}", ":1: neither a sample"},
+          {"{\"mobile_time\":1,\"rfs\":{},\"action\":\"tap\"}", ":1: neither a sample"},
+          {"{\"mobile_time\":0,\"rfs\":{}}\n{\"mobile_time\":86400001,\"rfs\":{}}", ":2: more than a day"},
+          {"{\"mobile_time\":-9223372036854775808,\"rfs\":{}}\n{\"mobile_time\":9223372036854775807,\"rfs\":{"
+           "}}",
+           ":2: more than a day"}}) {
+        const auto path = folder.write("walk.jsonl", text);
+        const auto walk = loadWalk(path);
+        ASSERT_FALSE(walk) << text;
+        EXPECT_TRUE(walk.error().starts_with(path + problem)) << walk.error();
+    }
+    EXPECT_FALSE(loadWalk(folder.path()));
+}
+
+TEST(ViewerWalk, CountsActionsAndNeverGoesBack) {
+    Folder folder;
+    const auto walk = loadWalk(folder.write("walk.jsonl", R"({"mobile_time":1000,"rfs":{"a":-60}}
+        {"mobile_time":1200,"action":"tap"}
+        {"mobile_time":2500,"rfs":{}}
+        {"mobile_time":-5,"rfs":{}})"));
+    ASSERT_TRUE(walk);
+    EXPECT_EQ(walk->actions, 1u);
+    ASSERT_EQ(walk->samples.size(), 3u);
+    EXPECT_EQ(walk->samples[1].due, 1500ms);
+    EXPECT_EQ(walk->samples[2].due, 1500ms);
+}
+
+std::string bundle(const std::string& wardFields, const std::string& id = "1") {
+    return R"({"id":7,"name":"S","operating_system":"iOS","buildings":[{"id":1,"name":"B","levels":[{"id":)" +
+           id +
+           R"(,"name":"L","map_image":{"url":"u","image_width":10,"image_height":10,"scale_x":2,"scale_y":3,)"
+           R"("offset_x":4,"offset_y":5},"wards":[{"id":1,"name":" Ward-A ")" +
+           wardFields + "}]}]}]}";
+}
+
+TEST(ViewerSite, JoinsWhatBothServicesKnowOfAWard) {
+    Folder folder;
+    folder.write("7/pelio.json", bundle(R"(,"x":10,"y":20,"rssi":-84.5)"));
+    folder.write("7/dapo.json", bundle(R"(,"rssi":-70,"contents":[])"));
+    const auto site = loadSite(folder.path(), std::nullopt);
+    ASSERT_TRUE(site) << site.error();
+    ASSERT_EQ(site->levels.size(), 1u);
+    ASSERT_EQ(site->levels[0].wards.size(), 1u);
+    const auto& ward = site->levels[0].wards[0];
+    EXPECT_EQ(ward.key, "ward-a");
+    EXPECT_EQ(ward.place, QPointF(24, 65));
+    EXPECT_EQ(ward.pelioThreshold, -84.5);
+    EXPECT_EQ(ward.dapoThreshold, -70);
+}
+
+TEST(ViewerSite, TellsWhyAFolderIsNone) {
+    Folder folder;
+    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("no sector"), std::string::npos);
+    EXPECT_NE(loadSite(folder.path() + "/x", std::nullopt).error().find("no such folder"), std::string::npos);
+    folder.write("7/pelio.json", bundle(R"(,"x":10,"y":20.5,"rssi":-84)"));
+    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("7/pelio.json: "), std::string::npos);
+    EXPECT_NE(loadSite(folder.path(), 8).error().find("neither"), std::string::npos);
+    folder.write("8/pelio.json", "{}");
+    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("--sector: 7 8"), std::string::npos);
+}
+
+TEST(ViewerLabels, NeverLieOverOneAnotherOrOutside) {
+    const QRectF picture(0, 0, 100, 60);
+    LabelLayout layout(picture);
+    std::vector<QRectF> placed;
+    for (const QPointF mark :
+         {QPointF(50, 30), QPointF(50, 30), QPointF(95, 5), QPointF(5, 55), QPointF(50, 31)}) {
+        if (const auto area = layout.place(mark, 4, {40, 12})) placed.push_back(*area);
+    }
+    EXPECT_GE(placed.size(), 4u);
+    for (std::size_t i = 0; i < placed.size(); ++i) {
+        EXPECT_TRUE(picture.contains(placed[i]));
+        for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(placed[i].intersects(placed[j]));
+    }
+    layout.keepFree(picture);
+    EXPECT_FALSE(layout.place({50, 30}, 4, {1, 1}));
+}
+
+// ---- what it shows
+
+/// The viewer on the sample site, its server and both services included.
+class ViewerWindow : public testing::Test {
+protected:
+    ViewerWindow() {
+        oska::OskaLogger::setDebugOption(false);
+        bool isReady = false;
+        window_ = std::make_unique<Window>(*site_, Window::Source{RIVERSIDE, (*server_)->url(), "visit", ""},
+                                           player_, [&] { isReady = true; });
+        window_->resize(1280, 800);
+        window_->show();
+        while (!isReady) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    [[nodiscard]] bool isOverlayShown() const {
+        return window_->map().childAt(window_->map().rect().center()) != nullptr;
+    }
+    [[nodiscard]] QString text() const {
+        QString all;
+        for (const auto* const label : window_->findChildren<QLabel*>()) all += label->text() + "\n";
+        return all;
+    }
+    [[nodiscard]] QString links() const { return window_->findChild<ContentPanel*>()->toPlainText(); }
+    void clickMap() {
+        const auto at = window_->map().mapTo(window_.get(), window_->map().rect().center());
+        QTest::mouseClick(window_->windowHandle(), Qt::LeftButton, {}, at);
+    }
+
+    const oska::platform::Result<Site, std::string> site_ = loadSite(RIVERSIDE, std::nullopt);
+    const oska::platform::Result<Walk, std::string> walk_ = loadWalk(VISIT);
+    const oska::platform::Result<std::unique_ptr<oska::tool::SiteServer>, oska::tool::NotServing> server_ =
+        oska::tool::SiteServer::start({.folder = RIVERSIDE, .reportsAnswers = false});
+    World world_;
+    Player player_{*walk_, world_.time(), world_.source()};
+    std::unique_ptr<Window> window_;
+};
+
+TEST_F(ViewerWindow, FindsTheSameStateByEveryWayToAPosition) {
+    player_.seek(100s);
+    const auto direct = text();
+    EXPECT_TRUE(direct.contains("ceramics-kiln")) << direct.toStdString();
+    EXPECT_TRUE(isOverlayShown());
+    player_.seek(250s);
+    EXPECT_FALSE(text().contains("ceramics-kiln"));
+    player_.seek(100s);
+    EXPECT_EQ(text(), direct) << "backwards";
+    player_.seek(0s);
+    for (auto at = 0ms; at <= 100s; at += 130ms) player_.seek(at);
+    player_.seek(100s);
+    EXPECT_EQ(text(), direct) << "in small steps";
+}
+
+TEST_F(ViewerWindow, ListsTheLinksOfATapOnTheOverlayAndOfNoOther) {
+    const auto hint = links();
+    player_.seek(160s);  // on the stairs
+    ASSERT_FALSE(isOverlayShown());
+    clickMap();
+    EXPECT_EQ(links(), hint);
+    player_.seek(100s);
+    clickMap();
+    EXPECT_TRUE(links().contains("A kiln, cut open")) << links().toStdString();
+    player_.seek(50s);
+    EXPECT_EQ(links(), hint) << "the walk starts over";
+}
+
+TEST_F(ViewerWindow, KeepsTheOverlayOnTheMapWhereverThatIs) {
+    player_.seek(100s);
+    for (const QSize size : {QSize(390, 844), QSize(1280, 800), QSize(700, 600)}) {
+        window_->resize(size);
+        QApplication::processEvents();
+        const auto& map = window_->map();
+        const auto* const overlay = map.childAt(map.rect().center());
+        ASSERT_TRUE(overlay);
+        EXPECT_EQ(overlay->rect().translated(overlay->mapTo(&map, QPoint(0, 0))), map.rect());
+        EXPECT_EQ(window_->size(), size) << "nothing asks for more room";
+    }
+}
+
+TEST_F(ViewerWindow, FollowsThePhoneUntilALevelIsChosen) {
+    auto* const levels = window_->findChild<QComboBox*>();
+    player_.seek(180s);
+    EXPECT_EQ(levels->currentIndex(), 1);
+    window_->showLevel(2);
+    player_.seek(185s);
+    EXPECT_EQ(levels->currentIndex(), 2);
+    window_->findChild<QCheckBox*>()->click();
+    EXPECT_EQ(levels->currentIndex(), 1);
+}
+
+// ---- the program
+
+struct Ended {
+    int status = 0;
+    std::string errors;
+};
+
+Ended viewer(const QStringList& arguments) {
+    QProcess process;
+    process.start(SITE_VIEWER_PROGRAM, arguments);
+    EXPECT_TRUE(process.waitForFinished(60'000));
+    return {process.exitCode(), process.readAllStandardError().toStdString()};
+}
+
+TEST(ViewerProgram, WritesAPictureOfTheSizeAskedFor) {
+    const QTemporaryDir folder;
+    const auto file = folder.filePath("picture.png");
+    const auto site = QString::fromStdString(RIVERSIDE);
+    const auto ended = viewer({site, QString::fromStdString(VISIT), "--screenshot", file, "--at", "100",
+                               "--size", "390x844", "--tap"});
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.errors, "");
+    EXPECT_EQ(QImage(file).size(), QSize(390, 844));
+}
+
+TEST(ViewerProgram, SaysWhatIsWrongWithItsInput) {
+    struct Case {
+        QStringList arguments;
+        int status;
+        std::string problem;
+    };
+    const auto site = QString::fromStdString(RIVERSIDE);
+    const auto walk = QString::fromStdString(VISIT);
+    const QStringList both{site, walk};
+    for (const auto& [arguments, status, problem] :
+         {Case{{site}, 2, "recording is required"},
+          {{"/nowhere", walk}, 2, "/nowhere: there is no such folder"},
+          {{site, "/nowhere"}, 2, "/nowhere: "},
+          {both + QStringList{"--at", "5"}, 2, "--screenshot"},
+          {both + QStringList{"--size", "20x20"}, 2, "\"20x20\""},
+          {both + QStringList{"--screenshot", "/nowhere/a.png"}, 1, "/nowhere/a.png: cannot be written"},
+          {both + QStringList{"--screenshot", "a.png", "--level", "5"}, 2, "no level 5"}}) {
+        const auto ended = viewer(arguments);
+        EXPECT_EQ(ended.status, status) << ended.errors;
+        EXPECT_NE(ended.errors.find(problem), std::string::npos) << ended.errors;
+    }
+}
+
+}  // namespace
+}  // namespace viewer
