@@ -1,9 +1,41 @@
 #!/usr/bin/env bash
-# The kit's main job in a minute: a server, two services against it, and each kind of line explained where it first
-# appears. demo.sh OSKA
+# The kit's main job in a minute: demo.sh OSKA SITE_VIEWER PICTURES
+#
+# On a display, the site viewer plays a walk. Without one, a server, two services against it, and each kind of line
+# explained where it first appears; and pictures of the viewer in the folder PICTURES.
 set -euo pipefail
 oska=$(realpath "$1")
-cd "$(dirname "$0")/corner_shop"
+viewer=$(realpath "$2")
+mkdir -p "$3"
+pictures=$(realpath --relative-to=. "$3")
+root=$PWD
+examples=$(dirname "$0")
+site=$examples/riverside
+walk=$site/walks/museum_visit.jsonl
+
+say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
+
+# A display that is set but not there makes the viewer abort: then the terminal will do.
+if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
+    say "The site viewer plays $walk; Space pauses, a click on the orange frame lists what is near."
+    status=0
+    "$viewer" "$site" "$walk" || status=$?
+    [ $status -eq 134 ] || exit $status
+    echo "There is no display after all." >&2
+fi
+
+pictures_of_the_viewer() {
+    cd "$root"
+    say "The site viewer on the sample site, as pictures"
+    export XDG_RUNTIME_DIR=${XDG_RUNTIME_DIR:-$work}
+    "$viewer" "$site" "$walk" --screenshot "$pictures/museum.png" --at 100 --tap >/dev/null
+    "$viewer" "$site" "$walk" --screenshot "$pictures/museum_phone.png" --at 250 --size 390x844 --tap >/dev/null
+    "$viewer" "$site" "$site/walks/library_and_lunch.jsonl" --screenshot "$pictures/library.png" --at 60 >/dev/null
+    echo "  $pictures/museum.png         the museum after 100 seconds, its overlay tapped"
+    echo "  $pictures/museum_phone.png   its upper level, in a window of a phone's size"
+    echo "  $pictures/library.png        the library"
+}
+
 work=$(mktemp -d)
 server=
 finish() {
@@ -11,8 +43,6 @@ finish() {
     rm -rf "$work"
 }
 trap finish EXIT
-
-say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
 
 # Prints each kind of line once with what it means, and of the results that follow only those that tell something new.
 explain() {
@@ -47,6 +77,8 @@ explain() {
               if (selections > 4) printf "      ... and %d more selections\n", selections - 4 }'
 }
 
+cd "$examples/corner_shop"
+
 say "A development server on loopback: oska serve site"
 mkdir -p "$work/site/7"
 cp dapo.json pelio.json "$work/site/7/"
@@ -73,8 +105,11 @@ say "Dapo on the same walk"
 "$oska" run dapo --base-url "$url" --token demo --sector 7 --recording walk.jsonl --speed 20 | explain
 echo "The server has $(wc -l <"$work/uploads.jsonl") samples from the upload: a recording of its own."
 
+pictures_of_the_viewer
+
 say "Try next"
 cat <<EOT
+  $2 examples/riverside examples/riverside/walks/museum_visit.jsonl   # on a display
   $1 replay dapo --bundle examples/corner_shop/dapo.json --recording examples/corner_shop/walk.jsonl   # in virtual time, at once
   $1 check examples/corner_shop/pelio.json                  # what would surprise the bundle's author
   $1 --help
