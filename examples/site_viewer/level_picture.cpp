@@ -44,13 +44,21 @@ double gridStep(double length) {
     return 10 * power;
 }
 
+std::vector<double> multiplesOf(double step, double from, double to) {
+    std::vector<double> multiples;
+    const auto last = std::llround(std::floor(to / step));
+    for (auto i = std::llround(std::ceil(from / step)); i <= last; ++i)
+        multiples.push_back(static_cast<double>(i) * step);
+    return multiples;
+}
+
 void drawPlan(QPainter& painter, const QRectF& extent, const QRectF& frame, const Projection& toPixels) {
     painter.fillRect(frame, theme::PANEL);
     painter.setPen(QPen(theme::LINE, 1));
     const double step = gridStep(std::max(extent.width(), extent.height()));
-    for (double x = std::ceil(extent.left() / step) * step; x < extent.right(); x += step)
+    for (const double x : multiplesOf(step, extent.left(), extent.right()))
         painter.drawLine(toPixels({x, extent.top()}), toPixels({x, extent.bottom()}));
-    for (double y = std::ceil(extent.top() / step) * step; y < extent.bottom(); y += step)
+    for (const double y : multiplesOf(step, extent.top(), extent.bottom()))
         painter.drawLine(toPixels({extent.left(), y}), toPixels({extent.right(), y}));
     painter.setPen(theme::FAINT_INK);
     painter.drawText(frame.adjusted(24, 20, -24, -20), Qt::AlignLeft | Qt::AlignTop,
@@ -88,8 +96,7 @@ QString thresholdText(const std::optional<double>& threshold) {
 /// "-68 dBm (P -84, D -72)": last strength and what Pelio and Dapo ask for, which a small map has no room
 /// for.
 QString detailOf(const WardReading& reading, bool isBrief) {
-    const auto strength =
-        reading.last ? QString("%1 dBm").arg(reading.last->dBm, 0, 'f', 0) : QString("not heard");
+    auto strength = reading.last ? QString("%1 dBm").arg(reading.last->dBm, 0, 'f', 0) : QString("not heard");
     if (isBrief) return strength;
     return strength + " (P " + thresholdText(reading.ward->pelioThreshold) + ", D " +
            thresholdText(reading.ward->dapoThreshold) + ")";

@@ -31,7 +31,7 @@ std::string describe(const oska::PelioResult& at) {
 
 std::shared_ptr<SiteHost> SiteHost::create(std::int64_t sectorId, const std::string& serverUrl,
                                            Callbacks callbacks) {
-    const auto host = std::shared_ptr<SiteHost>(new SiteHost(std::move(callbacks)));
+    auto host = std::shared_ptr<SiteHost>(new SiteHost(std::move(callbacks)));
     oska::OskaOnPremiseNetworkConstants::setBaseURL(serverUrl);
     host->pelio_ =
         oska::PelioServiceManager::create({.id = SERVICE_ID, .region = "KOREA", .sectorId = sectorId});

@@ -48,18 +48,19 @@ class Reading {
 public:
     /// Why the line cannot be part of a walk.
     std::optional<std::string> add(const QByteArray& text) {
-        auto line = parse(text);
-        if (!line) return line.error();
-        if (line->action) {
+        auto parsed = parse(text);
+        if (!parsed) return parsed.error();
+        auto line = *std::move(parsed);
+        if (line.action) {
             ++walk_.actions;
             return std::nullopt;
         }
-        const oska::platform::WallTime stamp{line->mobile_time, 0};
+        const oska::platform::WallTime stamp{line.mobile_time, 0};
         if (walk_.samples.empty()) first_ = stamp;
         const milliseconds since(oska::platform::millisecondsBetween(first_, stamp));
         if (since > LONGEST) return std::string("more than a day after the first sample");
         due_ = std::max(due_, since);
-        walk_.samples.push_back({due_, {line->mobile_time, *std::move(line->rfs)}});
+        walk_.samples.push_back({due_, {line.mobile_time, *std::move(line.rfs)}});
         return std::nullopt;
     }
 

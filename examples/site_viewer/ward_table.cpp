@@ -26,7 +26,7 @@ QString dBm(const std::optional<double>& value) { return value ? QString::number
 /// The age only once it matters.
 QString heardText(const WardReading& reading) {
     if (!reading.last) return {};
-    const auto strength = QString::number(reading.last->dBm, 'f', 1);
+    auto strength = QString::number(reading.last->dBm, 'f', 1);
     if (reading.age <= RECENTLY) return strength;
     const auto age = std::chrono::duration_cast<std::chrono::seconds>(reading.age).count();
     return QString("%1, %2 s ago").arg(strength).arg(age);
