@@ -18,12 +18,14 @@ namespace oska::qt {
 /// the view (hidden, alpha, interaction, recognisers) has no effect on the widget.
 ///
 /// What Qt's widgets cannot do: views are always cut off at the edges of the widget and of the views around
-/// them, whatever `clipsToBounds` says; and a child that the host raises afterwards lies above the views. For
-/// a scroll area, pass its `viewport()`: that is where its content is, and who hears the wheel.
+/// them, whatever `clipsToBounds` says; and a child that the host raises afterwards lies above the views, as
+/// the page does that a stacked widget turns to: there, pass the page. For a scroll area, pass its
+/// `viewport()`: that is where its content is, and who hears the wheel.
 ///
 /// Input: a left click and a touch on a view are taps. All else that happens over it reaches the widget:
 /// other buttons, the wheel, keys; and everything does while the view is hidden, nearly transparent or closed
-/// to interaction. A press that becomes a drag is no tap, and nobody else's.
+/// to interaction. A host that is disabled has no taps either. A press that becomes a drag is no tap, and
+/// nobody else's.
 ///
 /// Threads: the application's. Lifetime: the widget owns its view. When the widget is destroyed, the views
 /// over it lose their place on the screen, and may be moved to another widget's view; views that nobody else

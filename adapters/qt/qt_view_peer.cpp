@@ -67,13 +67,14 @@ void QtViewPeer::apply(const View& view, ViewChange what) {
         case ViewChange::frame:
             return widget_->place(toWholePoints(view.frame()));
         case ViewChange::hidden:
+            widget_->setTappable(view.canBeTapped());
             return widget_->setVisible(!view.isHidden());
         case ViewChange::alpha:
         case ViewChange::interaction:
-            widget_->setAttribute(Qt::WA_TransparentForMouseEvents, !canBeTapped(view));
+            widget_->setTappable(view.canBeTapped());
             return widget_->update();
         case ViewChange::image:
-            return widget_->show(decoded(view.image()));
+            return widget_->showImage(decoded(view.image()));
         case ViewChange::clipping:  // a child widget is always cut off
         case ViewChange::hierarchy:
             return;

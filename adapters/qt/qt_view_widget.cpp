@@ -11,9 +11,6 @@ namespace {
 
 using platform::View;
 
-// As in View::hitTest.
-constexpr double FAINTEST_TAPPABLE_ALPHA = 0.01;
-
 /// Of the view itself and of all around it.
 double effectiveAlpha(const View& view) {
     const auto above = view.superview();
@@ -34,15 +31,12 @@ bool isFromTouchScreen(const QMouseEvent& event) {
 
 }  // namespace
 
-bool canBeTapped(const View& view) {
-    return view.isUserInteractionEnabled() && view.alpha() >= FAINTEST_TAPPABLE_ALPHA;
-}
-
 ViewWidget::ViewWidget(std::weak_ptr<View> view, QWidget& parent) : QWidget(&parent), view_(std::move(view)) {
     setAttribute(Qt::WA_AcceptTouchEvents);
     // Nor the background of a style sheet that is for all of the host's widgets.
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
+    setMouseTracking(true);  // for the host, if it tracks the mouse
 }
 
 void ViewWidget::discard(ViewWidget* widget) {
@@ -59,9 +53,14 @@ void ViewWidget::place(const QRect& frame) {
     setGeometry(frame);
 }
 
-void ViewWidget::show(const QImage& image) {
+void ViewWidget::showImage(const QImage& image) {
     image_ = image;
     update();
+}
+
+void ViewWidget::setTappable(bool canBeTapped) {
+    setAttribute(Qt::WA_TransparentForMouseEvents, !canBeTapped);
+    if (!canBeTapped) tracker_.cancel();
 }
 
 // ---- look
@@ -91,6 +90,15 @@ bool ViewWidget::event(QEvent* event) {
             event->accept();
             touch(*static_cast<QTouchEvent*>(event));
             return true;
+        case QEvent::Polish:
+        case QEvent::StyleChange: {
+            const bool isHandled = QWidget::event(event);
+            // A style sheet for all of the host's widgets may limit their sizes.
+            setMinimumSize(0, 0);
+            setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+            setGeometry(frame_);
+            return isHandled;
+        }
         default:
             return QWidget::event(event);
     }

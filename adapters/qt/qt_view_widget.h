@@ -11,9 +11,6 @@ class QTouchEvent;
 
 namespace oska::qt {
 
-/// Whether taps reach this view, unless one around it keeps them away.
-[[nodiscard]] bool canBeTapped(const platform::View& view);
-
 /// One view on the screen: paints its image and turns clicks and touches into taps. Otherwise it is clear, to
 /// the eye and to events.
 ///
@@ -26,7 +23,9 @@ public:
     static void discard(ViewWidget* widget);
 
     void place(const QRect& frame);
-    void show(const QImage& image);
+    void showImage(const QImage& image);
+    /// Lets every event through from now on, and forgets a press, unless `canBeTapped`.
+    void setTappable(bool canBeTapped);
 
 protected:
     bool event(QEvent* event) override;

@@ -1,31 +1,39 @@
 #include "examples/site_viewer/label_layout.h"
 
 #include <algorithm>
+#include <array>
 
 namespace viewer {
 
-std::optional<QRectF> LabelLayout::place(QPointF mark, double radius, QSizeF label) {
-    constexpr double GAP = 3;
-    const double reach = radius + GAP;
-    const double w = label.width();
-    const double h = label.height();
+namespace {
+
+/// Where a label may begin, the best first: beside the mark, below, above, at the corners.
+std::array<QPointF, 8> cornersAround(QPointF mark, double reach, QSizeF label) {
+    const double middle = mark.y() - label.height() / 2;
     const double low = mark.y() + reach;
-    const double high = mark.y() - reach - h;
-    const QPointF corners[]{
-        {mark.x() + reach, mark.y() - h / 2},      // right
-        {mark.x() - reach - w, mark.y() - h / 2},  // left
-        {mark.x() - w / 2, low},                   // below
-        {mark.x() - w / 2, high},                  // above
-        {mark.x(), low},
-        {mark.x() - w, low},
-        {mark.x(), high},
-        {mark.x() - w, high},
-    };
-    for (const auto& corner : corners) {
-        const QRectF area(corner, label);
-        if (!isFree(area)) continue;
-        taken_.push_back(area);
-        return area;
+    const double high = mark.y() - reach - label.height();
+    const double left = mark.x() - label.width();
+    const double centred = mark.x() - label.width() / 2;
+    return {{{mark.x() + reach, middle},
+             {left - reach, middle},
+             {centred, low},
+             {centred, high},
+             {mark.x(), low},
+             {left, low},
+             {mark.x(), high},
+             {left, high}}};
+}
+
+}  // namespace
+
+std::optional<QRectF> LabelLayout::place(QPointF mark, double radius, QSizeF label) {
+    for (const double gap : {3.0, 10.0}) {
+        for (const auto& corner : cornersAround(mark, radius + gap, label)) {
+            const QRectF area(corner, label);
+            if (!isFree(area)) continue;
+            taken_.push_back(area);
+            return area;
+        }
     }
     return std::nullopt;
 }

@@ -52,7 +52,18 @@ std::vector<double> multiplesOf(double step, double from, double to) {
     return multiples;
 }
 
-void drawPlan(QPainter& painter, const QRectF& extent, const QRectF& frame, const Projection& toPixels) {
+/// Answers where it is.
+QRectF drawNote(QPainter& painter, const QRectF& frame, const QString& text) {
+    constexpr double INSET = 12;  // clear of the overlay's frame
+    const QSizeF size = QFontMetricsF(painter.font()).boundingRect(text).size();
+    const QRectF area(frame.topLeft() + QPointF(INSET, INSET), size);
+    painter.setPen(theme::FAINT_INK);
+    painter.drawText(area, Qt::AlignLeft | Qt::AlignTop | Qt::TextSingleLine | Qt::TextDontClip, text);
+    return area;
+}
+
+/// Answers where its note is.
+QRectF drawPlan(QPainter& painter, const QRectF& extent, const QRectF& frame, const Projection& toPixels) {
     painter.fillRect(frame, theme::PANEL);
     painter.setPen(QPen(theme::LINE, 1));
     const double step = gridStep(std::max(extent.width(), extent.height()));
@@ -60,9 +71,7 @@ void drawPlan(QPainter& painter, const QRectF& extent, const QRectF& frame, cons
         painter.drawLine(toPixels({x, extent.top()}), toPixels({x, extent.bottom()}));
     for (const double y : multiplesOf(step, extent.top(), extent.bottom()))
         painter.drawLine(toPixels({extent.left(), y}), toPixels({extent.right(), y}));
-    painter.setPen(theme::FAINT_INK);
-    painter.drawText(frame.adjusted(24, 20, -24, -20), Qt::AlignLeft | Qt::AlignTop,
-                     QString("no map image; a square is %1 map units").arg(step));
+    return drawNote(painter, frame, QString("no map image; a square is %1 units").arg(step));
 }
 
 void drawTrail(QPainter& painter, const std::vector<QPointF>& trail, const Projection& toPixels) {
@@ -146,10 +155,11 @@ void drawLabels(QPainter& painter, LabelLayout& layout, const std::vector<const 
     }
 }
 
-void drawWards(QPainter& painter, const QRectF& frame, const LevelPicture& picture,
+void drawWards(QPainter& painter, const QRectF& frame, const QRectF& note, const LevelPicture& picture,
                const Projection& toPixels) {
     constexpr double RADIUS = theme::MARK_RADIUS;
     LabelLayout layout(frame);
+    layout.keepFree(note);
     const auto wards = byImportance(picture.wards);
     if (picture.phone && isDrawable(*picture.phone)) {
         const auto tip = toPixels(*picture.phone);
@@ -192,14 +202,15 @@ void draw(QPainter& painter, QSizeF size, const LevelPicture& picture) {
     if (frame.isEmpty()) return;
     const Projection toPixels(extent, frame);
     painter.setClipRect(frame);
+    QRectF note;
     if (picture.image.isNull()) {
-        drawPlan(painter, extent, frame, toPixels);
+        note = drawPlan(painter, extent, frame, toPixels);
     } else {
         painter.setRenderHint(QPainter::SmoothPixmapTransform);
         painter.drawImage(frame, picture.image);
     }
     drawTrail(painter, picture.trail, toPixels);
-    drawWards(painter, frame, picture, toPixels);
+    drawWards(painter, frame, note, picture, toPixels);
 }
 
 }  // namespace viewer

@@ -12,7 +12,7 @@ MapView::MapView(QWidget* parent) : QWidget(parent) {
     setAccessibleName("Map");
 }
 
-void MapView::show(LevelPicture picture) {
+void MapView::showPicture(LevelPicture picture) {
     picture_ = std::move(picture);
     update();
 }

@@ -11,7 +11,7 @@ class MapView final : public QWidget {
 public:
     explicit MapView(QWidget* parent = nullptr);
 
-    void show(LevelPicture picture);
+    void showPicture(LevelPicture picture);
 
     /// What of the map is shown; empty before there is anything.
     [[nodiscard]] QRectF extent() const;

@@ -28,18 +28,7 @@ std::optional<QSize> sizeFrom(const std::string& text) {
     return size.expandedTo(LEAST_SIZE).boundedTo(LARGEST_SIZE) == size ? std::optional(size) : std::nullopt;
 }
 
-void addOptions(CLI::App& program, Options& options) {
-    program
-        .add_option("site", options.siteFolder, "The folder of the site: N/pelio.json, N/dapo.json, images.")
-        ->required()
-        ->type_name("FOLDER");
-    program.add_option("recording", options.recording, "The walk, JSON Lines.")
-        ->required()
-        ->type_name("FILE");
-    program
-        .add_option("--sector", options.sectorId, "The sector N, when the folder has several.\n  --sector 12")
-        ->transform(oska::tool::decimalInteger())
-        ->type_name("N");
+void addPictureOptions(CLI::App& program, Options& options) {
     auto* const screenshot =
         program
             .add_option(
@@ -54,6 +43,20 @@ void addOptions(CLI::App& program, Options& options) {
         ->needs(screenshot);
     program.add_flag("--tap", options.tap, "Taps the middle of the map before the picture is taken.")
         ->needs(screenshot);
+}
+
+void addOptions(CLI::App& program, Options& options) {
+    program
+        .add_option("site", options.siteFolder, "The folder of the site: N/pelio.json, N/dapo.json, images.")
+        ->required()
+        ->type_name("FOLDER");
+    program.add_option("recording", options.recording, "The walk, JSON Lines.")
+        ->required()
+        ->type_name("FILE");
+    program
+        .add_option("--sector", options.sectorId, "The sector N, when the folder has several.\n  --sector 12")
+        ->transform(oska::tool::decimalInteger())
+        ->type_name("N");
     program
         .add_option("--level", options.levelId,
                     "The level to show, by id; else that of the phone.\n  --level 1102")
@@ -80,6 +83,7 @@ std::variant<Options, int> parseOptions(int argc, char** argv) {
     CLI::App program(ABOUT, "site_viewer");
     Options options;
     addOptions(program, options);
+    addPictureOptions(program, options);
     if (const auto end = oska::tool::parseCommandLine(program, argc, argv)) return static_cast<int>(*end);
     return options;
 }

@@ -35,8 +35,7 @@ void drawBadge(QPainter& painter, const QRectF& area, double textSize) {
     const double radius = textSize * 0.45;
     const QPointF mark(badge.left() + textSize * 1.1, badge.center().y());
     painter.setBrush(theme::SELECTED.lighter(120));
-    painter.drawPolygon(QPolygonF({mark + QPointF(0, -radius), mark + QPointF(radius, 0),
-                                   mark + QPointF(0, radius), mark + QPointF(-radius, 0)}));
+    painter.drawPolygon(theme::diamond(mark, radius));
     painter.setPen(Qt::white);
     painter.drawText(badge.adjusted(2 * textSize, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, TEXT);
 }

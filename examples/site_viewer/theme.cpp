@@ -11,11 +11,6 @@ namespace {
 
 constexpr int TEXT_SIZE = 13;  // pixels
 
-QPolygonF diamond(QPointF centre, double radius) {
-    return QPolygonF({centre + QPointF(0, -radius), centre + QPointF(radius, 0), centre + QPointF(0, radius),
-                      centre + QPointF(-radius, 0)});
-}
-
 QPainterPath pin(QPointF tip) {
     const double radius = PHONE_WIDTH / 2;
     const QPointF centre = tip - QPointF(0, PHONE_HEIGHT - radius);
@@ -58,6 +53,11 @@ QString nameOf(WardState state) {
             return "content shown";
     }
     return {};
+}
+
+QPolygonF diamond(QPointF centre, double radius) {
+    return QPolygonF({centre + QPointF(0, -radius), centre + QPointF(radius, 0), centre + QPointF(0, radius),
+                      centre + QPointF(-radius, 0)});
 }
 
 void drawMark(QPainter& painter, QPointF centre, WardState state) {

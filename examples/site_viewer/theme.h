@@ -2,11 +2,11 @@
 
 #include <QApplication>
 #include <QColor>
+#include <QPolygonF>
 
 #include "examples/site_viewer/ward_reading.h"
 
 class QPainter;
-class QPointF;
 
 /// The one look of the viewer. Colours are Okabe and Ito's, which colour-blind people tell apart, and every
 /// state has a shape of its own as well.
@@ -30,6 +30,7 @@ void apply(QApplication& application);
 /// "too weak": the words of the legend.
 [[nodiscard]] QString nameOf(WardState state);
 
+[[nodiscard]] QPolygonF diamond(QPointF centre, double radius);
 /// A ward's mark: hollow circle, filled circle, square, diamond.
 void drawMark(QPainter& painter, QPointF centre, WardState state);
 /// A pin, `tip` its point.

@@ -13,15 +13,15 @@
 namespace viewer {
 
 /// A line as the file has it. In this namespace and not a nameless one, so that the decoder finds `fields`.
-struct RecordedLine {
-    static constexpr std::string_view TYPE_NAME = "RecordedLine";
+struct WalkLine {
+    static constexpr std::string_view TYPE_NAME = "WalkLine";
     std::int64_t mobile_time = 0;
     std::optional<oska::platform::ReceivedForce::Strengths> rfs;
     std::optional<std::string> action;
 };
 
 template <class Visit>
-void fields(Visit& f, RecordedLine& line) {
+void fields(Visit& f, WalkLine& line) {
     f("mobile_time", line.mobile_time);
     f("rfs", line.rfs);
     f("action", line.action);
@@ -34,8 +34,8 @@ using std::chrono::milliseconds;
 
 constexpr milliseconds LONGEST = std::chrono::hours(24);
 
-Result<RecordedLine, std::string> parse(const QByteArray& text) {
-    auto line = oska::platform::json::decode<RecordedLine>(
+Result<WalkLine, std::string> parse(const QByteArray& text) {
+    auto line = oska::platform::json::decode<WalkLine>(
         std::string_view(text.data(), static_cast<std::size_t>(text.size())));
     if (!line) return line.error().message();
     if (line->rfs.has_value() == line->action.has_value())

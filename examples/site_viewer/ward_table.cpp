@@ -51,7 +51,7 @@ WardTable::WardTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent) {
     setFocusPolicy(Qt::NoFocus);
 }
 
-void WardTable::show(const std::vector<WardReading>& readings) {
+void WardTable::showReadings(const std::vector<WardReading>& readings) {
     static const QIcon ICONS[]{iconOf(WardState::silent), iconOf(WardState::heard), iconOf(WardState::strong),
                                iconOf(WardState::selected)};
     setRowCount(static_cast<int>(readings.size()));

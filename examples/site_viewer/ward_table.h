@@ -12,7 +12,7 @@ class WardTable final : public QTableWidget {
 public:
     explicit WardTable(QWidget* parent = nullptr);
 
-    void show(const std::vector<WardReading>& readings);
+    void showReadings(const std::vector<WardReading>& readings);
 };
 
 }  // namespace viewer

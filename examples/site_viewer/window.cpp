@@ -19,9 +19,10 @@ constexpr int LEAST_MAP_HEIGHT = 140;
 constexpr double NARROW_MAP_SHARE = 0.45;  // of the window's height, at most
 constexpr int LOG_LINES = 2000;
 
+/// The level first: where the room is small, the rest is cut off.
 QString levelName(const Level& level) {
-    return QString::fromStdString(level.building) + QString::fromUtf8(" · ") +
-           QString::fromStdString(level.name);
+    return QString::fromStdString(level.name) + QString::fromUtf8(" · ") +
+           QString::fromStdString(level.building);
 }
 
 /// "Pelio: text", in one line or more, and selectable.
@@ -183,8 +184,8 @@ void Window::refresh() {
     auto picture = session_->picture(level_);
     setStatus(position_, "Pelio", session_->positionText());
     setStatus(overlay_, "Dapo", session_->overlayText());
-    wards_->show(picture.wards);
-    map_->show(std::move(picture));
+    wards_->showReadings(picture.wards);
+    map_->showPicture(std::move(picture));
     fitMap();
     transport_->refresh();
 }

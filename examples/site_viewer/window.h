@@ -22,7 +22,7 @@ class QBoxLayout;
 
 namespace viewer {
 
-/// In which everything fits.
+/// In a smaller window things would overlap.
 inline constexpr QSize LEAST_SIZE{320, 600};
 
 /// The viewer's window: the map with its overlay, the player, and panels that stand beside the map or, where

@@ -86,10 +86,13 @@ public:
     /// Whether taps reach the view and everything in it.
     [[nodiscard]] bool isUserInteractionEnabled() const { return isUserInteractionEnabled_; }
     void setUserInteractionEnabled(bool isEnabled);
+    /// Whether taps find this view, unless one around it keeps them away: it is neither hidden nor nearly
+    /// transparent nor closed to interaction.
+    [[nodiscard]] bool canBeTapped() const;
     /// One that is already there is not added again.
     void addGestureRecognizer(const std::shared_ptr<TapGestureRecognizer>& recognizer);
-    /// The topmost view at `point`, in this view's points, that a tap can reach: neither it nor a view around
-    /// it is hidden, nearly transparent or closed to interaction. Null when there is none.
+    /// The topmost view at `point`, in this view's points, that a tap can reach: it and all views around it
+    /// can be tapped. Null when there is none.
     [[nodiscard]] std::shared_ptr<View> hitTest(ViewPoint point);
     /// A tap at `point`, in this view's points. False when nothing heard it.
     bool tapAt(ViewPoint point);
@@ -114,7 +117,6 @@ protected:
 private:
     friend class LayoutConstraint;
 
-    [[nodiscard]] bool canBeTapped() const;
     void makePeers();
     void applyPins();
     void endPins();

@@ -100,6 +100,10 @@ TEST_F(QtDapoView, WhatIsNoTapReachesTheWidget) {
     QSpontaneKeyEvent::setSpontaneous(&wheel);  // as from the system
     qApp->notify(over, &wheel);
     EXPECT_EQ(widget_.count(QEvent::Wheel), 1);
+    widget_.setMouseTracking(true);
+    const int moves = widget_.count(QEvent::MouseMove);
+    for (const int x : {100, 105}) QTest::mouseMove(widget_.windowHandle(), {x, 40});
+    EXPECT_GT(widget_.count(QEvent::MouseMove), moves);
     EXPECT_TRUE(host_->take().empty());
 }
 
@@ -133,6 +137,8 @@ TEST_F(QtDapoView, CoversTheWidgetWhateverItsSizeAndItsChildren) {
     EXPECT_NE(over, later);
     EXPECT_EQ(over->geometry(), widget_.rect());
     EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 301, 93}));
+    widget_.setStyleSheet("QWidget QWidget { max-height: 9px; min-width: 400px }");
+    EXPECT_EQ(over->geometry(), widget_.rect());
     EXPECT_EQ(hostView_->frame().y, widget_.geometry().y());
     widget_.clickAt({300, 92});
     EXPECT_EQ(host_->take(), Events{"click lobby-a"});

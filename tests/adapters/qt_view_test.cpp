@@ -3,6 +3,7 @@
 
 #include <QPointingDevice>
 #include <QVBoxLayout>
+#include <functional>
 
 #include "adapters/qt/qt_view_peer.h"
 #include "adapters/virtual/virtual_platform.h"
@@ -127,14 +128,19 @@ TEST_F(QtViews, ATapMayDestroyTheHostsWidgetsInAnEventLoopOfItsOwn) {
     EXPECT_TRUE(host_.widgetsOver().isEmpty());
 }
 
-TEST_F(QtViews, AHiddenViewForgetsThePressThatItSaw) {
+TEST_F(QtViews, AViewThatCannotBeTappedForgetsThePressThatItSaw) {
     const auto view = viewIn(*viewOf(host_), {0, 0, 100, 100});
     name(*view, "view");
     const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
-    QTest::touchEvent(&host_, screen.get()).press(0, {50, 50});
-    view->setHidden(true);
-    view->setHidden(false);
-    QTest::touchEvent(&host_, screen.get()).release(0, {50, 50});
+    const std::function<void(bool)> ways[]{[&](bool isOff) { view->setHidden(isOff); },
+                                           [&](bool isOff) { view->setAlpha(isOff ? 0 : 1); },
+                                           [&](bool isOff) { view->setUserInteractionEnabled(!isOff); }};
+    for (const auto& turn : ways) {
+        QTest::touchEvent(&host_, screen.get()).press(0, {50, 50});
+        turn(true);
+        turn(false);
+        QTest::touchEvent(&host_, screen.get()).release(0, {50, 50});
+    }
     EXPECT_TRUE(taps_.empty());
 }
 
