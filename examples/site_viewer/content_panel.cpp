@@ -15,7 +15,7 @@ bool opensInBrowser(const QUrl& url) { return url.scheme() == "http" || url.sche
 
 QString linkText(const oska::WardContents& contents) {
     const auto address = escaped(contents.url.absoluteString());
-    return "<p style='margin:2px 0 6px 12px'><a href='" + address + "'>" + escaped(contents.name) +
+    return "<p style='margin:2px 0 6px 12px'><a href=\"" + address + "\">" + escaped(contents.name) +
            "</a><br><span style='color:" + theme::FAINT_INK.name() + "; font-size:11px'>" + address +
            "</span></p>";
 }

@@ -178,8 +178,9 @@ void drawWards(QPainter& painter, const QRectF& frame, const QRectF& note, const
 }  // namespace
 
 QRectF extentOf(const Level& level, const QImage& image) {
-    if (!image.isNull() && level.map.image_width > 0 && level.map.image_height > 0)
-        return {0, 0, level.map.image_width, level.map.image_height};
+    const QSizeF size(level.map.image_width, level.map.image_height);
+    if (!image.isNull() && !size.isEmpty() && isDrawable({size.width(), size.height()}))
+        return {QPointF(0, 0), size};
     if (!image.isNull()) return QRectF(image.rect());
     QPolygonF places;
     for (const auto& ward : level.wards) {

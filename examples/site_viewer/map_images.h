@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QImage>
+#include <cstddef>
+#include <deque>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,7 +12,7 @@
 namespace viewer {
 
 /// Downloads map images over the platform's HTTP: the kit tells a host where they are and leaves the rest to
-/// it.
+/// it. A few at a time, in the order of asking; one that takes long or is huge is given up.
 ///
 /// Threads: the main thread. Lifetime: what is under way when it is destroyed ends without a call.
 class MapImages {
@@ -28,6 +30,17 @@ public:
     [[nodiscard]] std::string addressOf(const std::string& url) const;
 
 private:
+    struct Job {
+        std::string url;
+        Completion completion;
+    };
+
+    void startSome();
+    void start(Job job);
+    void end(const oska::platform::HttpOutcome& outcome, const Completion& completion);
+
+    std::deque<Job> waiting_;
+    std::size_t underWay_ = 0;
     const std::string siteFolder_;
     const std::string serverUrl_;
     const std::unique_ptr<oska::platform::HttpSession> session_;

@@ -3,6 +3,7 @@
 #include <QBuffer>
 #include <QImage>
 #include <QPainter>
+#include <algorithm>
 #include <utility>
 
 #include "examples/site_viewer/theme.h"
@@ -23,7 +24,7 @@ void drawFrame(QPainter& painter, const QRectF& area, double width) {
 
 void drawBadge(QPainter& painter, const QRectF& area, double textSize) {
     auto font = painter.font();
-    font.setPixelSize(static_cast<int>(textSize));
+    font.setPixelSize(std::max(1, static_cast<int>(textSize)));
     font.setBold(true);
     painter.setFont(font);
     const double textWidth = QFontMetricsF(font).horizontalAdvance(TEXT);

@@ -22,7 +22,8 @@ std::vector<std::int64_t> sectorsIn(const QDir& folder) {
         bool isNumber = false;
         const auto id = name.toLongLong(&isNumber);
         const QDir sector(folder.filePath(name));
-        if (isNumber && (sector.exists("pelio.json") || sector.exists("dapo.json"))) sectors.push_back(id);
+        const bool isSector = isNumber && QString::number(id) == name;  // as the server looks for it
+        if (isSector && (sector.exists("pelio.json") || sector.exists("dapo.json"))) sectors.push_back(id);
     }
     return sectors;
 }

@@ -78,12 +78,15 @@ Result<Walk, std::string> loadWalk(const std::string& path) {
     QFile file(QString::fromStdString(path));
     if (!file.open(QIODevice::ReadOnly)) return path + ": " + file.errorString().toStdString();
     Reading reading;
-    for (int number = 1; !file.atEnd(); ++number) {
-        const auto text = file.readLine().trimmed();
+    int number = 0;
+    for (auto line = file.readLine(); !line.isEmpty(); line = file.readLine()) {
+        ++number;
+        const auto text = line.trimmed();
         if (text.isEmpty()) continue;
         if (const auto problem = reading.add(text))
             return path + ":" + std::to_string(number) + ": " + *problem;
     }
+    if (file.error() != QFileDevice::NoError) return path + ": " + file.errorString().toStdString();
     auto walk = reading.take();
     if (walk.samples.empty()) return path + ": no sample in it";
     return walk;

@@ -39,6 +39,7 @@ WardTable::WardTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent) {
         {"Ward", "Heard, dBm", QString::fromUtf8("Pelio ≥"), QString::fromUtf8("Dapo ≥")});
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
     horizontalHeader()->setSectionResizeMode(NAME, QHeaderView::Stretch);
+    horizontalHeader()->setResizeContentsPrecision(0);  // by the rows in sight: there may be thousands
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     horizontalHeader()->setHighlightSections(false);
     verticalHeader()->hide();
@@ -63,6 +64,7 @@ void WardTable::showReadings(const std::vector<WardReading>& readings) {
             if (item(row, column) == nullptr) setItem(row, column, new QTableWidgetItem);
             if (item(row, column)->text() != texts[column]) item(row, column)->setText(texts[column]);
         }
+        if (item(row, NAME)->toolTip() == theme::nameOf(reading.state)) continue;
         item(row, NAME)->setIcon(ICONS[static_cast<int>(reading.state)]);
         item(row, NAME)->setToolTip(theme::nameOf(reading.state));
     }

@@ -14,6 +14,7 @@ namespace {
 
 constexpr int NARROW = 800;  // pixels: below that the panels go under the map
 constexpr int PANEL_WIDTH = 380;
+constexpr int TITLE_SIZE = 18;
 constexpr int MARGIN = 10;
 constexpr int LEAST_MAP_HEIGHT = 140;
 constexpr double NARROW_MAP_SHARE = 0.45;  // of the window's height, at most
@@ -21,25 +22,9 @@ constexpr int LOG_LINES = 2000;
 
 /// The level first: where the room is small, the rest is cut off.
 QString levelName(const Level& level) {
-    return QString::fromStdString(level.name) + QString::fromUtf8(" · ") +
-           QString::fromStdString(level.building);
-}
-
-/// "Pelio: text", in one line or more, and selectable.
-QLabel* statusLabel() {
-    auto* const label = new QLabel;
-    label->setTextFormat(Qt::RichText);
-    label->setWordWrap(true);
-    label->setSizePolicy(QSizePolicy::Ignored,
-                         QSizePolicy::Preferred);  // a long name does not widen the window
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    return label;
-}
-
-void setStatus(QLabel* label, const char* service, const std::string& text) {
-    const auto html =
-        QString("<b>%1</b>&nbsp; %2").arg(service, QString::fromStdString(text).toHtmlEscaped());
-    if (label->text() != html) label->setText(html);
+    const auto name = QString::fromStdString(level.name) + QString::fromUtf8(" · ") +
+                      QString::fromStdString(level.building);
+    return name.simplified();
 }
 
 QPlainTextEdit* logPane() {
@@ -118,14 +103,13 @@ QWidget* Window::header(const Source& source) {
     auto* const layout = new QVBoxLayout(header);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    auto* const title = statusLabel();
-    title->setText(QString("<span style='font-size:18px'><b>%1</b></span>&nbsp; sector %2, %3")
-                       .arg(QString::fromStdString(site_.name).toHtmlEscaped())
-                       .arg(site_.sectorId)
-                       .arg(QString::fromStdString(source.walkName).toHtmlEscaped()));
-    position_ = statusLabel();
-    overlay_ = statusLabel();
-    for (auto* const label : {title, position_, overlay_}) layout->addWidget(label);
+    auto* const title = new StatusLine(QString::fromStdString(site_.name));
+    title->setTitleSize(TITLE_SIZE);
+    title->setText("sector " + QString::number(site_.sectorId) + ", " +
+                   QString::fromStdString(source.walkName));
+    position_ = new StatusLine("Pelio");
+    overlay_ = new StatusLine("Dapo");
+    for (auto* const line : {title, position_, overlay_}) layout->addWidget(line);
     return header;
 }
 
@@ -182,8 +166,8 @@ void Window::refresh() {
     if (!session_) return;
     if (const auto phone = session_->phoneLevel(); phone && follow_->isChecked()) select(*phone);
     auto picture = session_->picture(level_);
-    setStatus(position_, "Pelio", session_->positionText());
-    setStatus(overlay_, "Dapo", session_->overlayText());
+    position_->setText(QString::fromStdString(session_->positionText()));
+    overlay_->setText(QString::fromStdString(session_->overlayText()));
     wards_->showReadings(picture.wards);
     map_->showPicture(std::move(picture));
     fitMap();

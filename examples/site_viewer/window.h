@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
 #include <QPlainTextEdit>
 #include <QWidget>
 #include <functional>
@@ -15,6 +14,7 @@
 #include "examples/site_viewer/player.h"
 #include "examples/site_viewer/session.h"
 #include "examples/site_viewer/side_panels.h"
+#include "examples/site_viewer/status_line.h"
 #include "examples/site_viewer/transport_bar.h"
 #include "examples/site_viewer/ward_table.h"
 
@@ -69,8 +69,8 @@ private:
     std::size_t level_ = 0;
 
     QBoxLayout* columns_ = nullptr;
-    QLabel* position_ = nullptr;
-    QLabel* overlay_ = nullptr;
+    StatusLine* position_ = nullptr;
+    StatusLine* overlay_ = nullptr;
     QComboBox* levels_ = nullptr;
     QCheckBox* follow_ = nullptr;
     MapView* map_ = nullptr;

@@ -151,7 +151,9 @@ protected:
     }
     [[nodiscard]] QString text() const {
         QString all;
-        for (const auto* const label : window_->findChildren<QLabel*>()) all += label->text() + "\n";
+        for (auto* const widget : window_->findChildren<QWidget*>()) {
+            if (const auto* const line = dynamic_cast<StatusLine*>(widget)) all += line->text() + "\n";
+        }
         return all;
     }
     [[nodiscard]] QString links() const { return window_->findChild<ContentPanel*>()->toPlainText(); }
