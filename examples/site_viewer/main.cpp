@@ -29,10 +29,16 @@ int complain(const std::string& text, int status) {
     return status;
 }
 
-/// A picture needs no display, whatever display there is.
-void chooseQtPlatform(const Options& options) {
-    if (options.screenshot && !qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+/// A picture needs no display, whatever display there is. False when there is none for a window, which Qt
+/// would end the program for.
+bool chooseQtPlatform(const Options& options) {
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return true;
+    if (options.screenshot) return qputenv("QT_QPA_PLATFORM", "offscreen");
+#if defined(Q_OS_UNIX) && !defined(Q_OS_DARWIN)
+    return qEnvironmentVariableIsSet("DISPLAY") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+#else
+    return true;
+#endif
 }
 
 void tap(QWidget& host) {
@@ -96,10 +102,11 @@ int run(int argc, char** argv) {
     if (!site) return complain(site.error(), BAD_INPUT);
     const auto walk = loadWalk(options.recording);
     if (!walk) return complain(walk.error(), BAD_INPUT);
+    if (!chooseQtPlatform(options))
+        return complain("there is no display; --screenshot FILE takes a picture without one", FAILED);
     auto server = oska::tool::SiteServer::start({.folder = options.siteFolder, .reportsAnswers = false});
     if (!server) return complain(server.error().problem, FAILED);
     oska::OskaLogger::setDebugOption(options.log);
-    chooseQtPlatform(options);
     QApplication application(argc, argv);
     theme::apply(application);
     return show(options, *site, *walk, (*server)->url());
