@@ -44,7 +44,6 @@ Window::Window(const Site& site, const Source& source, Player& player, std::func
     setUp(source);
     if (!source.note.empty()) log(source.note);
     session_ = std::make_unique<Session>(site, source.siteFolder, source.serverUrl, player, callbacks());
-    session_->placeOverlay(oska::qt::viewOf(*map_), level_);
     refresh();
 }
 
@@ -156,7 +155,7 @@ void Window::resizeEvent(QResizeEvent* event) {
 // ---- what is shown
 
 void Window::becomeReady() {
-    session_->placeOverlay(oska::qt::viewOf(*map_), level_);  // now that the map's proportions are known
+    session_->placeOverlay(oska::qt::viewOf(*map_), level_);
     transport_->setEnabled(true);
     player_.seek(Player::Position::zero());
     onReady_();
@@ -183,7 +182,7 @@ void Window::showLevel(std::size_t level) {
 void Window::select(std::size_t level) {
     if (std::exchange(level_, level) == level) return;
     levels_->setCurrentIndex(static_cast<int>(level));
-    session_->placeOverlay(oska::qt::viewOf(*map_), level);
+    session_->placeOverlay(oska::qt::viewOf(*map_), level);  // each map has proportions of its own
 }
 
 void Window::log(const std::string& line) {

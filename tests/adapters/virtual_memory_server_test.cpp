@@ -176,25 +176,6 @@ INSTANTIATE_TEST_SUITE_P(Timeouts, MemoryServerTimeout,
                                          TimeoutCase{5s, 9s, {}, 5001ms, HttpErrorKind::timedOut, 5000},
                                          TimeoutCase{5s, 9s, {}, 5000ms, {}, 5000}));
 
-TEST_F(MemoryServerTest, KeepsToTheSessionsReplyLimit) {
-    server_->onRequest(always(reply(200, "12345")));
-    const auto one = session({.maximumReplyBytes = 4});
-    const auto heard = outcomeOf(*one, requestTo("http://host/"));
-    EXPECT_EQ(heard.error(), HttpErrorKind::replyTooLarge);
-    EXPECT_EQ(heard.outcome.body, std::nullopt);
-    EXPECT_EQ(heard.outcome.reply->status, 200);
-}
-
-TEST_F(MemoryServerTest, RequestsThatAreNotHttpNeverReachTheServer) {
-    const auto one = session();
-    for (const auto* url : {"ftp://host/", "host/path", "http:///path"}) send(*one, requestTo(url));
-    send(*one, requestTo("HTTP://host/"));
-    time_->runDue();
-    ASSERT_EQ(heard_.size(), 4U);
-    for (std::size_t i = 0; i < 3; ++i) EXPECT_EQ(heard_[i].error(), HttpErrorKind::unsupportedUrl) << i;
-    EXPECT_EQ(server_->requests().size(), 1U);
-}
-
 TEST_F(MemoryServerTest, AnUntrustedHostIsTheDelegatesDecision) {
     server_->setUntrusted("box");
     const auto one = session();
@@ -230,31 +211,6 @@ TEST_F(MemoryServerTest, DestroyingASessionCancelsItsRequestsOnce) {
     EXPECT_EQ(heard_[1].error(), HttpErrorKind::cancelled);
     EXPECT_EQ(heard_[2].at, 1000);
     EXPECT_EQ(server_->requests().size(), 2U);
-}
-
-TEST_F(MemoryServerTest, ACompletionMayDestroyItsSessionAndSendAgain) {
-    auto one = session();
-    const auto two = session();
-    one->send(requestTo("http://host/"), [&](HttpOutcome) {
-        one.reset();
-        send(*two, requestTo("http://host/again"));
-    });
-    time_->runDue();
-    EXPECT_EQ(heard_.size(), 1U);
-    EXPECT_EQ(server_->requests().size(), 2U);
-}
-
-TEST_F(MemoryServerTest, ShuttingDownCancelsWhatIsUnderWayAndWhatComesLater) {
-    server_->onRequest(always(silence()));
-    const auto one = session();
-    send(*one, requestTo("http://host/"));
-    time_->runDue();
-    server_.reset();
-    ASSERT_EQ(heard_.size(), 1U);
-    send(*one, requestTo("http://host/"));
-    time_->runDue();
-    ASSERT_EQ(heard_.size(), 2U);
-    for (const auto& heard : heard_) EXPECT_EQ(heard.error(), HttpErrorKind::cancelled);
 }
 
 TEST_F(MemoryServerTest, AStoppedQueueStillLeavesNoRequestWithoutAnEnd) {
