@@ -64,7 +64,16 @@ void DapoOutput::handleDetectedWards(std::vector<DapoWard> wards, WallTime now) 
     scheduleHoldRelease(now);
 }
 
+// No deadline is further away than a whole hold, unless the clock was set back since.
+void DapoOutput::limitHolds(WallTime now) {
+    const auto latest = now + DETECTION_HOLD_DURATION;
+    for (auto* deadline : {&currentDapoContentsHoldUntil_, &visibilityHoldUntil_}) {
+        if (*deadline) *deadline = std::min(**deadline, latest);
+    }
+}
+
 void DapoOutput::scheduleHoldRelease(WallTime now) {
+    limitHolds(now);
     auto deadline = currentDapoContentsHoldUntil_;
     if (!deadline || (visibilityHoldUntil_ && *visibilityHoldUntil_ < *deadline))
         deadline = visibilityHoldUntil_;
@@ -91,6 +100,7 @@ void DapoOutput::forgetSelection() {
 // ---- delivery
 
 void DapoOutput::deliverCurrentWards(WallTime now) {
+    limitHolds(now);  // what is scheduled comes at the old deadline or before, and then schedules the rest
     if (!currentDapoContents_ || !isDeliveryDue(now)) return;
     forceNextDelivery_ = false;
     const auto wards = currentDapoContents_->wards;
@@ -103,7 +113,8 @@ bool DapoOutput::isDeliveryDue(WallTime now) const {
     if (forceNextDelivery_ || !lastDeliveredDapoWards_) return true;
     if (!haveEqualNames(currentDapoContents_->wards, *lastDeliveredDapoWards_)) return true;
     if (!unchangedDeliveryInterval_) return false;
-    return !lastDeliveredAt_ || *unchangedDeliveryInterval_ <= spanBetween(*lastDeliveredAt_, now);
+    if (!lastDeliveredAt_ || *lastDeliveredAt_ > now) return true;  // later than now: the clock was set back
+    return *unchangedDeliveryInterval_ <= spanBetween(*lastDeliveredAt_, now);
 }
 
 void DapoOutput::enterForeground(WallTime now) {

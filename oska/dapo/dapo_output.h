@@ -26,7 +26,9 @@ namespace oska {
 /// the first tick at which its set of ward names differs from the one delivered last, and again when asked to
 /// or when the unchanged-delivery interval has passed. The view shows from a detection, or from when a host
 /// shows it, for 5 seconds, and as long as anything is selected. Time is handed in; a deadline equal to now
-/// is over. Threads: one at a time. Each operation has changed all state before it delivers, so that the one
+/// is over. The clock may be set back: a hold that would then last more than 5 seconds counts from the first
+/// call that finds it so, a tick included, and an unchanged selection whose last delivery lies ahead of now
+/// is due. Threads: one at a time. Each operation has changed all state before it delivers, so that the one
 /// who hears of it may call anything here.
 class DapoOutput {
 public:
@@ -76,6 +78,7 @@ public:
 
 private:
     [[nodiscard]] bool isDeliveryDue(platform::WallTime now) const;
+    void limitHolds(platform::WallTime now);
     void scheduleHoldRelease(platform::WallTime now);
     void forgetSelection();
 
