@@ -23,7 +23,9 @@ std::shared_ptr<PelioServiceManager> PelioServiceManager::create(Options options
 }
 
 PelioServiceManager::PelioServiceManager(Options options)
-    : options_(std::move(options)), selection_(std::make_unique<PelioWardSelection>()) {}
+    : options_(std::move(options)),
+      delegate_(options_.delegate),
+      selection_(std::make_unique<PelioWardSelection>()) {}
 
 PelioServiceManager::~PelioServiceManager() { stopService(); }
 

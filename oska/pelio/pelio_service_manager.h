@@ -17,8 +17,10 @@ class PelioWardSelection;
 
 /// The Pelio service: from received-signal samples to the phone's position in a building.
 ///
-///     auto service = PelioServiceManager::create({.id = "demo", .region = "KOREA", .sectorId = 12});
-///     service->setDelegate(host);   // hears onInitSuccess, then startService() may be called
+///     auto service = PelioServiceManager::create(
+///         {.id = "demo", .region = "KOREA", .sectorId = 12, .delegate = host});
+///     // after onInitSuccess:
+///     service->startService();
 ///
 /// Threads: operations on any thread. Initialisation is reported on the main queue, a start inside
 /// `startService`, results on the generator's thread. The service guards its state with a mutex that it never
@@ -33,10 +35,15 @@ public:
         std::string region;  ///< "KOREA" or "CANADA"; anything else counts as Korea
         std::int64_t sectorId = 0;
         bool forceUpdate = false;  ///< download the bundle even when its version is unchanged
+
+        /// The first delegate, held weakly. It hears the outcome for certain; one that is set afterwards may
+        /// miss it when `create` is called off the main thread, and never hears of an id that is not valid.
+        std::weak_ptr<PelioServiceManagerDelegate> delegate = {};
     };
 
     /// Makes the service and starts its initialisation, which ends with `onInitSuccess`, on the main queue.
-    /// With an id that is not valid nothing is loaded; that is logged only, since no delegate can be set yet.
+    /// With an id that is not valid nothing is loaded: that is logged, and the delegate of the options hears
+    /// it inside this call, on its thread. It may call the service, and keep it by `shared_from_this`.
     [[nodiscard]] static std::shared_ptr<PelioServiceManager> create(Options options);
 
     ~PelioServiceManager() override;

@@ -45,7 +45,8 @@ class PelioServiceManagerDelegate {
 public:
     virtual ~PelioServiceManagerDelegate() = default;
 
-    /// Once for each initialisation: success without a code, or failure with one. Main queue.
+    /// Once for each initialisation: success without a code, or failure with one. Main queue; INVALID_ID
+    /// inside `create`.
     virtual void onInitSuccess(PelioServiceManager& service, bool success,
                                std::optional<PelioInitErrorCode> code) = 0;
 

@@ -21,7 +21,9 @@ using Events = std::vector<std::string>;
 /// Writes down what it hears, on whatever thread, and does what a test asks for inside a callback.
 class Host : public PelioServiceManagerDelegate {
 public:
-    void onInitSuccess(PelioServiceManager&, bool success, std::optional<PelioInitErrorCode> code) override {
+    void onInitSuccess(PelioServiceManager& service, bool success,
+                       std::optional<PelioInitErrorCode> code) override {
+        sender = &service;
         hear(std::string("init ") + (success ? "true" : std::string(caseName(*code))));
     }
     void onPelioSuccess(PelioServiceManager&, bool success, std::optional<PelioErrorCode> code) override {
@@ -48,6 +50,7 @@ public:
         return last_;
     }
 
+    PelioServiceManager* sender = nullptr;  // of the last onInitSuccess
     std::function<void(const std::string& event)> reaction = [](const auto&) {};
 
 private:
@@ -162,6 +165,22 @@ TEST_F(PelioService, RefusesAnInvalidIdWithoutALoad) {
     EXPECT_TRUE(world_.server().requests().empty());
     service->startService();
     EXPECT_EQ(host_->take(), Events{"start NOT_INITIALIZED"});
+}
+
+TEST_F(PelioService, TellsTheDelegateOfItsOptionsEveryOutcome) {
+    std::shared_ptr<PelioServiceManager> kept;
+    host_->reaction = [&](const std::string& event) {
+        if (event != "init INVALID_ID") return;
+        kept = host_->sender->shared_from_this();
+        kept->startService();
+    };
+    const auto refused = PelioServiceManager::create({.id = "de mo", .delegate = host_});
+    EXPECT_EQ(host_->take(), (Events{"init INVALID_ID", "start NOT_INITIALIZED"}));
+    EXPECT_EQ(kept, refused);
+
+    const auto service = PelioServiceManager::create({.id = "demo", .sectorId = 12, .delegate = host_});
+    settle();  // as the main thread may before another one that creates the service goes on
+    EXPECT_EQ(host_->take(), (Events{"map 10", "init true"}));
 }
 
 TEST_F(PelioService, ReportsABundleThatCannotBeLoaded) {
