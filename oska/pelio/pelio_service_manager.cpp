@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "oska/foundation/generator_run.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
 #include "oska/pelio/pelio_ward_selection.h"
@@ -24,6 +25,8 @@ std::shared_ptr<PelioServiceManager> PelioServiceManager::create(Options options
 
 PelioServiceManager::PelioServiceManager(Options options)
     : options_(std::move(options)),
+      generatorRun_(
+          std::make_unique<GeneratorRun>(GeneratorRun::Settings{.log = LOG, .stopOperation = "stopService"})),
       delegate_(options_.delegate),
       selection_(std::make_unique<PelioWardSelection>()) {}
 
@@ -105,63 +108,32 @@ void PelioServiceManager::reportStart(bool success, std::optional<PelioErrorCode
 }
 
 std::optional<PelioErrorCode> PelioServiceManager::start() {
-    std::uint64_t run = 0;
-    if (const auto refusal = claimStart(run)) return refusal;
-    const bool isAuthorized = checkBLEAuthorized(*platform::current().bluetooth, LOG);
-    const auto generator = isAuthorized ? newGenerator(run) : nullptr;
-    const bool isRunning = generator && runGenerator(*generator);
-    if (!settleStart(run, isRunning) && isRunning) stopGenerator(generator, LOG, "stopService");
-    if (!isAuthorized) return PelioErrorCode::BLE_NOT_AUTHORIZED;
-    return isRunning ? std::nullopt : std::optional(PelioErrorCode::GENERATOR_FAIL);
-}
-
-std::optional<PelioErrorCode> PelioServiceManager::claimStart(std::uint64_t& run) {
-    const std::lock_guard lock(mutex_);
-    if (!isInitSuccess_) return PelioErrorCode::NOT_INITIALIZED;
-    if (serviceStarted_ || starting_) return PelioErrorCode::DUPLICATE_SERVICE;
-    starting_ = true;
-    selection_->reset();  // of a sample that was under way when the last run was stopped
-    run = ++run_;
-    return std::nullopt;
-}
-
-std::shared_ptr<platform::RFDGenerator> PelioServiceManager::newGenerator(std::uint64_t run) {
-    auto generator = createGenerator(platform::current().makeRFDGenerator, LOG, options_.id);
-    std::shared_ptr<platform::RFDGenerator> previous;  // goes outside the lock
-    const std::lock_guard lock(mutex_);
-    if (run == run_) previous = std::exchange(rfdGenerator_, generator);
-    return generator;
-}
-
-bool PelioServiceManager::runGenerator(platform::RFDGenerator& generator) {
+    if (!isInitialized()) return PelioErrorCode::NOT_INITIALIZED;
+    const auto claim = generatorRun_->claim();
+    if (!claim) return PelioErrorCode::DUPLICATE_SERVICE;
+    {
+        const std::lock_guard lock(mutex_);
+        selection_->reset();  // of a sample that was under way when the last run was stopped
+    }
     const auto self = weak_from_this().lock();
-    return startGenerator(generator, LOG,
-                          {.id = options_.id,
-                           .scanMode = platform::ScanMode::ONLY_WARD_SCAN,
-                           .delegate = self,
-                           .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
+    const auto outcome = generatorRun_->start(
+        *claim, {.id = options_.id,
+                 .scanMode = platform::ScanMode::ONLY_WARD_SCAN,
+                 .delegate = self,
+                 .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
+    return outcome.failure;
 }
 
-bool PelioServiceManager::settleStart(std::uint64_t run, bool isRunning) {
+bool PelioServiceManager::isInitialized() const {
     const std::lock_guard lock(mutex_);
-    if (run != run_) return false;
-    starting_ = false;
-    serviceStarted_ = isRunning;
-    return true;
+    return isInitSuccess_;
 }
 
 void PelioServiceManager::stopService() {
     const auto self = weak_from_this().lock();  // none while the service is being destroyed
-    std::shared_ptr<platform::RFDGenerator> generator;
-    {
-        const std::lock_guard lock(mutex_);
-        ++run_;
-        starting_ = false;
-        serviceStarted_ = false;
-        generator = std::exchange(rfdGenerator_, nullptr);
-        selection_->reset();
-    }
-    stopGenerator(generator, LOG, "stopService");
+    generatorRun_->stop();
+    const std::lock_guard lock(mutex_);
+    if (generatorRun_->isIdle()) selection_->reset();  // a start that has come since has done so itself
 }
 
 // ---- queries

@@ -13,6 +13,7 @@
 
 namespace oska {
 
+class GeneratorRun;
 class PelioWardSelection;
 
 /// The Pelio service: from received-signal samples to the phone's position in a building.
@@ -58,7 +59,9 @@ public:
     /// start alone, also when a callback or another thread has stopped the service meanwhile.
     void startService();
 
-    /// Stops the generator and forgets what was heard; the bundle stays. No delegate call.
+    /// Stops the generator and forgets what was heard; the bundle stays. What the generator still delivers
+    /// while it is being stopped is reported as before, and the service counts as started until then. No
+    /// other delegate call.
     void stopService();
 
     /// By level id; empty before a successful initialisation.
@@ -79,27 +82,19 @@ private:
     void reportInit(bool success, std::optional<PelioInitErrorCode> code);
     void reportStart(bool success, std::optional<PelioErrorCode> code);
 
-    // A start, step by step. Each start and each stop has a number; a step that finds another than its own
-    // was overtaken and leaves the state alone.
     [[nodiscard]] std::optional<PelioErrorCode> start();
-    [[nodiscard]] std::optional<PelioErrorCode> claimStart(std::uint64_t& run);
-    [[nodiscard]] std::shared_ptr<platform::RFDGenerator> newGenerator(std::uint64_t run);
-    [[nodiscard]] bool runGenerator(platform::RFDGenerator& generator);
-    [[nodiscard]] bool settleStart(std::uint64_t run, bool isRunning);
+    [[nodiscard]] bool isInitialized() const;
 
     void handleRfd(platform::ReceivedForce receivedForce);
 
     const Options options_;
+    const std::unique_ptr<GeneratorRun> generatorRun_;
     std::atomic<double> rfdEmptyMillis_{0};  // milliseconds, as the generator last said
     std::atomic<float> pressure_{0};         // for the generator; nothing here changes it
 
     mutable std::mutex mutex_;  // guards all below
     std::weak_ptr<PelioServiceManagerDelegate> delegate_;
-    std::shared_ptr<platform::RFDGenerator> rfdGenerator_;
     bool isInitSuccess_ = false;
-    std::uint64_t run_ = 0;
-    bool starting_ = false;  // between the checks of a start and its end; counts as started
-    bool serviceStarted_ = false;
     std::unique_ptr<PelioWardSelection> selection_;  // never null; built from the bundle
 };
 

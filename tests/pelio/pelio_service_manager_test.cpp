@@ -1,5 +1,6 @@
 #include "oska/pelio/pelio_service_manager.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -11,6 +12,7 @@
 #include "oska/foundation/network_constants.h"
 #include "oska/platform/quenlo_resource.h"
 #include "tests/fakes/output_capture.h"
+#include "tests/fakes/scripted_generator.h"
 #include "tests/fakes/site_server.h"
 
 namespace oska {
@@ -317,61 +319,79 @@ TEST_F(PelioService, MayLoseItsLastReferenceInsideItsOwnCallbacks) {
     EXPECT_FALSE(world_.source().last()->isRunning);
 }
 
-/// A generator that calls back before the call that starts it has returned.
-class EagerGenerator : public platform::RFDGenerator {
-public:
-    explicit EagerGenerator(int& running) : running_(running) {}
-    ~EagerGenerator() override { stopRfdGeneration(); }
-    platform::RfdAvailability checkIsAvailableRfd() override { return {true, ""}; }
-    void setScanMode(platform::ScanMode) override {}
-    void setDelegate(std::weak_ptr<platform::RFDGeneratorDelegate> delegate) override {
-        delegate_ = delegate;
-    }
-    void setPressureProvider(std::function<float()>) override {}
-    void generateRfd(const platform::RfdOptions&) override { generateReplayRfd(); }
-    void generateReplayRfd() override {
-        running_ += std::exchange(isRunning_, true) ? 0 : 1;
-        if (const auto delegate = delegate_.lock()) delegate->onRfdResult(*this, {1, {{"lobby-a", -60}}});
-    }
-    void stopRfdGeneration() override { running_ -= std::exchange(isRunning_, false) ? 1 : 0; }
-
-private:
-    int& running_;
-    bool isRunning_ = false;
-    std::weak_ptr<platform::RFDGeneratorDelegate> delegate_;
-};
-
+/// A running service hears of "lobby-a" in each start, and in each stop of its rival, which is stronger.
 class EagerPelioService : public testing::Test {
 protected:
     EagerPelioService() {
         auto platform = world_.platform();
-        platform.makeRFDGenerator = [this] {
-            made_.push_back(std::make_shared<EagerGenerator>(running_));
-            return made_.back();  // and keep it, as a platform may
-        };
+        platform.makeRFDGenerator = generators_.factory();
         platform::install(std::move(platform));
-        site_.publish("v1", fakes::PELIO_DOCUMENT);
-        service_ = PelioServiceManager::create({.id = "demo", .region = "KOREA", .sectorId = 12});
-        service_->setDelegate(host_);
+        auto document = fakes::PELIO_DOCUMENT;
+        document.insert(document.find(R"({"id":17)"), R"({"id":18,"name":"rival","x":0,"y":0,"rssi":-80},)");
+        site_.publish("v1", document);
+        generators_.inGenerate = [](auto& generator) { generator.send({1, {{"lobby-a", -60}}}); };
+        generators_.inStop = [](auto& generator) { generator.send({2, {{"rival", -50}}}); };
+        service_ = PelioServiceManager::create({.id = "demo", .sectorId = 12, .delegate = host_});
         world_.time().advanceBy(std::chrono::seconds(1));
         host_->take();
     }
 
+    void stop() { service_->stopService(); }
+    void start() { service_->startService(); }
+
     fakes::OutputCapture output_;
     virtual_world::VirtualPlatform world_{{0, 0}};
     fakes::SiteServer site_{world_.server()};
-    int running_ = 0;
-    std::vector<std::shared_ptr<EagerGenerator>> made_;
+    fakes::ScriptedGenerators generators_;
     std::shared_ptr<Host> host_ = std::make_shared<Host>();
     std::shared_ptr<PelioServiceManager> service_;
 };
+
+TEST_F(EagerPelioService, IsStillRunningForWhatItHearsInsideItsStop) {
+    struct Case {
+        std::function<void()> inside;
+        Events heard;
+        int running;
+    };
+    for (const auto& test : std::vector<Case>{
+             {[] {}, {"result 2"}, 0},
+             {[&] { start(); }, {"result 2", "start DUPLICATE_SERVICE"}, 0},
+             {[&] { stop(); }, {"result 2"}, 0},
+             {[&] { stop(), start(); }, {"result 2", "result 1", "start true"}, 1},
+             {[&] { service_.reset(); }, {"result 2"}, 0},
+         }) {
+        host_->reaction = [](const auto&) {};
+        start();
+        host_->take();
+        host_->reaction = [&](const std::string& event) {
+            if (event != "result 2") return;
+            EXPECT_EQ(host_->last().x, 60.0) << "a ward stays for five seconds";
+            test.inside();
+        };
+        stop();
+        EXPECT_EQ(host_->take(), test.heard);
+        EXPECT_EQ(generators_.running, test.running);
+        host_->reaction = [](const auto&) {};
+        if (service_) stop();
+    }
+}
+
+TEST_F(EagerPelioService, StoppedWhileItAsksForAvailabilityStartsNothing) {
+    generators_.inCheck = [&](auto&) { stop(); };
+    start();
+    EXPECT_EQ(host_->take(), Events{"start true"}) << "it tells of the start alone";
+    EXPECT_EQ(generators_.running, 0);
+    generators_.inCheck = [](auto&) {};
+    start();
+    EXPECT_EQ(host_->take(), (Events{"result 1", "start true"}));
+}
 
 TEST_F(EagerPelioService, StoppedInsideItsStartLeavesNothingRunning) {
     host_->reaction = [&](const std::string& event) {
         if (event == "result 1") service_->stopService();
     };
     service_->startService();
-    EXPECT_EQ(running_, 0);
+    EXPECT_EQ(generators_.running, 0);
     host_->reaction = [](const auto&) {};
     host_->take();
     service_->startService();
@@ -387,18 +407,18 @@ TEST_F(EagerPelioService, RestartedInsideItsStartIsRunningOnce) {
         service_->startService();
     };
     service_->startService();
-    EXPECT_EQ(running_, 1);
+    EXPECT_EQ(generators_.running, 1);
     host_->take();
     service_->startService();
     EXPECT_EQ(host_->take(), Events{"start DUPLICATE_SERVICE"});
     service_->stopService();
-    EXPECT_EQ(running_, 0);
+    EXPECT_EQ(generators_.running, 0);
 }
 
 TEST_F(EagerPelioService, MayLoseItsLastReferenceInsideItsStart) {
     host_->reaction = [&](const std::string&) { service_.reset(); };
     service_->startService();
-    EXPECT_EQ(running_, 0);
+    EXPECT_EQ(generators_.running, 0);
 }
 
 TEST_F(PelioService, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
@@ -408,16 +428,28 @@ TEST_F(PelioService, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     std::thread generator([&] {
         for (std::int64_t time = 0; !isOver; time += 250) hear(time);
     });
+    std::thread other([&] {
+        for (int i = 0; i < 200; ++i) {
+            service->stopService();
+            service->startService();
+        }
+    });
     for (int i = 0; i < 200; ++i) {
         service->startService();
         service->setDelegate(i % 2 ? host_ : nullptr);
         EXPECT_EQ(service->getPelioMapImages().size(), 1u);
         service->stopService();
     }
+    other.join();
+    service->stopService();
+    host_->take();
+    service->setDelegate(host_);
     service->startService();
+    EXPECT_THAT(host_->take(), testing::Contains("start true"));
     service.reset();
     isOver = true;
     generator.join();
+    EXPECT_FALSE(hear(0)) << "no generator is left";
 }
 
 }  // namespace

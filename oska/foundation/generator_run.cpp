@@ -1,0 +1,140 @@
+#include "oska/foundation/generator_run.h"
+
+#include <utility>
+
+#include "oska/foundation/signal_source.h"
+#include "oska/platform/platform.h"
+
+namespace oska {
+namespace {
+
+void configure(platform::RFDGenerator& generator, const GeneratorRun::Start& start) {
+    if (start.scanMode) generator.setScanMode(*start.scanMode);
+    generator.setDelegate(start.delegate);
+    generator.setPressureProvider([weak = start.pressure] {
+        const auto pressure = weak.lock();
+        return pressure ? pressure->load() : 0.0F;
+    });
+}
+
+}  // namespace
+
+GeneratorRun::~GeneratorRun() {
+    if (rfdGenerator_) end(rfdGenerator_.get());
+}
+
+// ---- start
+
+std::optional<GeneratorRun::Claim> GeneratorRun::claim() {
+    const std::lock_guard lock(mutex_);
+    if (state_ != State::IDLE) return std::nullopt;
+    state_ = State::STARTING;
+    isStopping_ = false;
+    ++starts_;
+    return Claim{stops_};
+}
+
+GeneratorRun::Outcome GeneratorRun::start(Claim claim, const Start& start) {
+    if (!checkBLEAuthorized(*platform::current().bluetooth, settings_.log)) {
+        return {ServiceErrorCode::BLE_NOT_AUTHORIZED, !settle(claim, false)};
+    }
+    const auto generator = make(claim, start.id);
+    const bool isRunning = generator && run(*generator, claim, start);
+    if (!isRunning && settings_.stopsFailedGenerator) end(generator.get());
+    const bool isOvertaken = !settle(claim, isRunning);
+    if (isRunning && isOvertaken) end(generator.get());
+    return {isRunning ? std::nullopt : std::optional(ServiceErrorCode::GENERATOR_FAIL), isOvertaken};
+}
+
+std::shared_ptr<platform::RFDGenerator> GeneratorRun::make(Claim claim, const std::string& id) {
+    auto generator = platform::current().makeRFDGenerator();
+    if (!generator) {
+        settings_.log.error("startGenerator", "failed because rfdGenerator is nil", {{"id", id}});
+    }
+    std::shared_ptr<platform::RFDGenerator> previous;  // goes outside the lock
+    const std::lock_guard lock(mutex_);
+    if (claim.stops == stops_) previous = std::exchange(rfdGenerator_, generator);
+    return generator;
+}
+
+// An overtaken start asks nothing more of the generator, which might begin to deliver to a stopped service.
+bool GeneratorRun::run(platform::RFDGenerator& generator, Claim claim, const Start& start) const {
+    if (isOvertaken(claim)) return true;
+    if (const auto availability = generator.checkIsAvailableRfd(); !availability.available) {
+        settings_.log.error("startGenerator", "RFD unavailable",
+                            {{"id", start.id}, {"msg", availability.message}});
+        return false;
+    }
+    if (isOvertaken(claim)) return true;
+    configure(generator, start);
+    const auto& replayer = platform::TovanReplayer::shared();
+    if (replayer.replayMode()) {
+        generator.generateReplayRfd();
+    } else {
+        generator.generateRfd({.rfdIntervalMillis = 0.5, .minRssiThreshold = -100, .maxRssiThreshold = -40});
+    }
+    settings_.log.info("startGenerator", "success",
+                       {{"id", start.id}, {"replayMode", replayer.replayMode()}});
+    return true;
+}
+
+bool GeneratorRun::isOvertaken(Claim claim) const {
+    const std::lock_guard lock(mutex_);
+    return claim.stops != stops_;
+}
+
+bool GeneratorRun::settle(Claim claim, bool isRunning) {
+    std::shared_ptr<platform::RFDGenerator> failed;  // goes outside the lock
+    const std::lock_guard lock(mutex_);
+    if (claim.stops != stops_) return false;
+    state_ = isRunning ? State::RUNNING : State::IDLE;
+    if (!isRunning && settings_.stopsFailedGenerator) failed = std::exchange(rfdGenerator_, nullptr);
+    return true;
+}
+
+// ---- stop
+
+void GeneratorRun::stop() {
+    std::shared_ptr<platform::RFDGenerator> generator;
+    std::uint64_t starts = 0;
+    bool isFirst = false;
+    {
+        const std::lock_guard lock(mutex_);
+        ++stops_;
+        starts = starts_;
+        generator = rfdGenerator_;
+        isFirst = !std::exchange(isStopping_, generator != nullptr);
+    }
+    if (isFirst) {
+        end(generator.get());
+    } else {
+        generator->setDelegate({});
+    }
+    const std::lock_guard lock(mutex_);
+    if (starts != starts_) return;
+    state_ = State::IDLE;
+    isStopping_ = false;
+    rfdGenerator_ = nullptr;  // `generator` goes outside the lock
+}
+
+void GeneratorRun::end(platform::RFDGenerator* generator) const {
+    if (!generator) {
+        return settings_.log.warn(settings_.stopOperation, "skipped because rfdGenerator is nil");
+    }
+    generator->stopRfdGeneration();
+    generator->setDelegate({});
+}
+
+// ---- state
+
+bool GeneratorRun::isRunning() const {
+    const std::lock_guard lock(mutex_);
+    return state_ == State::RUNNING;
+}
+
+bool GeneratorRun::isIdle() const {
+    const std::lock_guard lock(mutex_);
+    return state_ == State::IDLE;
+}
+
+}  // namespace oska
