@@ -6,6 +6,7 @@
 #include "oska/dapo/dapo_detection.h"
 #include "oska/dapo/dapo_output.h"
 #include "oska/foundation/batch_sender.h"
+#include "oska/foundation/generator_run.h"
 #include "oska/foundation/main_thread.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
@@ -55,6 +56,8 @@ DapoView::DapoView()
     : View({}),
       mainQueue_(platform::current().mainQueue),
       clock_(platform::current().clock),
+      generatorRun_(std::make_unique<GeneratorRun>(GeneratorRun::Settings{
+          .log = LOG, .stopOperation = "stopGenerator", .stopsFailedGenerator = true})),
       detection_(std::make_unique<DapoDetection>()),
       presenter_(std::make_unique<Presenter>(*this)),
       output_(std::make_unique<DapoOutput>(*presenter_)),
@@ -85,9 +88,7 @@ void DapoView::tearDown() {
     stop();
 }
 
-DapoView::~DapoView() {
-    if (rfdGenerator_) stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
-}
+DapoView::~DapoView() = default;
 
 std::weak_ptr<DapoView> DapoView::weakSelf() {
     return std::static_pointer_cast<DapoView>(weak_from_this().lock());
@@ -195,26 +196,17 @@ void DapoView::startService() {
 
 std::optional<DapoErrorCode> DapoView::start() {
     if (!id_ || !isInitSuccess_ || !dapoBundle_) return DapoErrorCode::NOT_INITIALIZED;
-    if (serviceStarted_) return DapoErrorCode::DUPLICATE_SERVICE;
-    if (!checkBLEAuthorized(*platform::current().bluetooth, LOG)) return DapoErrorCode::BLE_NOT_AUTHORIZED;
-    if (!runGenerator()) {
-        stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
-        return DapoErrorCode::GENERATOR_FAIL;
-    }
-    serviceStarted_ = true;
+    const auto claim = generatorRun_->claim();
+    if (!claim) return DapoErrorCode::DUPLICATE_SERVICE;
+    const auto self = weakSelf().lock();
+    const auto outcome = generatorRun_->start(
+        *claim, {.id = *id_,
+                 .delegate = self,
+                 .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
+    if (outcome.failure || outcome.isOvertaken) return outcome.failure;
     DapoBatchSender::shared().reset();
     startTimer();
     return std::nullopt;
-}
-
-bool DapoView::runGenerator() {
-    rfdGenerator_ = createGenerator(platform::current().makeRFDGenerator, LOG, *id_);
-    if (!rfdGenerator_) return false;
-    const auto self = weakSelf().lock();
-    return startGenerator(*rfdGenerator_, LOG,
-                          {.id = *id_,
-                           .delegate = self,
-                           .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
 }
 
 void DapoView::startTimer() {
@@ -232,9 +224,9 @@ void DapoView::stopService() {
 
 void DapoView::stop() {
     outputTimer_.reset();
-    stopGenerator(std::exchange(rfdGenerator_, nullptr), LOG, "stopGenerator");
+    generatorRun_->stop();
+    if (!generatorRun_->isIdle()) return;  // a callback inside has stopped the service and started it again
     DapoBatchSender::shared().flush();
-    serviceStarted_ = false;
     detection_->reset();
     output_->reset();
 }
@@ -272,7 +264,7 @@ void DapoView::handleRfd(platform::ReceivedForce receivedForce) {
 
 void DapoView::handleWillEnterForeground() {
     onMain("handleWillEnterForeground", [&] {
-        if (serviceStarted_) output_->enterForeground(now());
+        if (generatorRun_->isRunning()) output_->enterForeground(now());
     });
 }
 

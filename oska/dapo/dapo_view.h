@@ -21,6 +21,7 @@ namespace oska {
 
 class DapoDetection;
 class DapoOutput;
+class GeneratorRun;
 
 /// The Dapo service: a view laid over one of the host's own, which shows itself while wards of the site are
 /// near, tells the host which, and reports taps. Every sample that it hears is also uploaded.
@@ -71,7 +72,9 @@ public:
     /// and all that was heard.
     void initialize(Initialization arguments);
 
-    /// Starts to listen. The outcome is `onDapoSuccess`, called before this returns.
+    /// Starts to listen. The outcome is `onDapoSuccess`, called before this returns; it tells of the start
+    /// alone, also when the host has stopped the service meanwhile, in a callback or in an event loop that
+    /// the signal generator ran.
     void startService();
 
     /// Stops listening, uploads what is left, forgets what was heard and hides the view; the bundle stays. No
@@ -126,7 +129,6 @@ private:
     void reportMapImages();
     void reportInit(std::optional<DapoInitErrorCode> failure);
     [[nodiscard]] std::optional<DapoErrorCode> start();
-    [[nodiscard]] bool runGenerator();
     void startTimer();
     void stop();
 
@@ -149,8 +151,7 @@ private:
     std::weak_ptr<DapoViewDelegate> delegate_;
     std::optional<std::string> id_;
     bool isInitSuccess_ = false;
-    bool serviceStarted_ = false;
-    std::shared_ptr<platform::RFDGenerator> rfdGenerator_;
+    const std::unique_ptr<GeneratorRun> generatorRun_;
     double rfdEmptyMillis_ = 0;       // milliseconds, as the generator last said
     std::atomic<float> pressure_{0};  // for the generator; nothing here changes it
 

@@ -58,9 +58,11 @@ private:
 /// "lobby-a".
 class DapoViewTest : public testing::Test {
 protected:
-    explicit DapoViewTest(platform::ViewPeerFactory makeViewPeer = {}) {
+    explicit DapoViewTest(platform::ViewPeerFactory makeViewPeer = {},
+                          platform::RFDGeneratorFactory makeRFDGenerator = {}) {
         auto platform = world_.platform();
         platform.makeViewPeer = std::move(makeViewPeer);
+        if (makeRFDGenerator) platform.makeRFDGenerator = std::move(makeRFDGenerator);
         platform::install(std::move(platform));
         view_ = DapoView::create();
         site_.publish("v1", fakes::DAPO_DOCUMENT);
