@@ -21,7 +21,7 @@ awk -v repeat=$repeat '
 samples=$(wc -l <"$work/walk.jsonl")
 for service in pelio dapo; do
     start=$(date +%s%N)
-    "$build/tools/oska/oska" replay $service --bundle ../examples/corner_shop/$service.json --recording "$work/walk.jsonl" >"$work/events"
+    "$build/tools/oska/oska" replay $service --bundle ../examples/corner_shop/7/$service.json --recording "$work/walk.jsonl" >"$work/events"
     elapsed=$((($(date +%s%N) - start) / 1000000))
     echo "oska replay $service: $samples samples and $(wc -l <"$work/events") events in $elapsed ms, $((samples * 1000 / elapsed)) samples/s"
 done

@@ -79,10 +79,8 @@ explain() {
 
 cd "$examples/corner_shop"
 
-say "A development server on loopback: oska serve site"
-mkdir -p "$work/site/7"
-cp dapo.json pelio.json "$work/site/7/"
-"$oska" serve "$work/site" --port 0 --uploads "$work/uploads.jsonl" 2>"$work/server.log" &
+say "A development server on loopback: oska serve examples/corner_shop"
+"$oska" serve . --port 0 --uploads "$work/uploads.jsonl" 2>"$work/server.log" &
 server=$!
 url=
 for _ in $(seq 100); do
@@ -110,7 +108,7 @@ pictures_of_the_viewer
 say "Try next"
 cat <<EOT
   $2 examples/riverside examples/riverside/walks/museum_visit.jsonl   # on a display
-  $1 replay dapo --bundle examples/corner_shop/dapo.json --recording examples/corner_shop/walk.jsonl   # in virtual time, at once
-  $1 check examples/corner_shop/pelio.json                  # what would surprise the bundle's author
+  $1 replay dapo --bundle examples/corner_shop/7/dapo.json --recording examples/corner_shop/walk.jsonl   # in virtual time, at once
+  $1 check examples/corner_shop/7/pelio.json           # what would surprise the bundle's author
   $1 --help
 EOT

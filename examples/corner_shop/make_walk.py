@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Writes walk.jsonl: a customer of the corner shop as the shop's wards would hear a phone pass, a sample each 500 ms.
 
-    python3 make_walk.py pelio.json > walk.jsonl
+    python3 make_walk.py 7/pelio.json > walk.jsonl
 
 A route of places and stays; strength falls with the logarithm of the distance and wavers; weak readings are often
 missed, and a neighbour's gadget that is no ward of the shop is heard, too. The seed is fixed, so that the walk stays
