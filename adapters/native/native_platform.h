@@ -9,18 +9,18 @@
 
 namespace oska::native {
 
-/// What a host brings to the native platform. Everything may be left out.
+/// What a host brings to the native platform. Everything may be left out, without a compiler's warning, too.
 struct NativePlatformOptions {
     /// Left out: there is no token, as when no user is signed in.
-    std::shared_ptr<platform::QuenloAuthManager> auth;
+    std::shared_ptr<platform::QuenloAuthManager> auth = {};
     /// Left out: allowed.
-    std::shared_ptr<platform::BluetoothAuthorization> bluetooth;
+    std::shared_ptr<platform::BluetoothAuthorization> bluetooth = {};
     /// Left out: generators that are not available, because no radio is attached.
-    platform::RFDGeneratorFactory makeRFDGenerator;
+    platform::RFDGeneratorFactory makeRFDGenerator = {};
     /// Certificates in PEM of authorities to trust besides the system's.
-    std::string caFile;
+    std::string caFile = {};
     /// The wake hook of the run loop, for hosts with a loop of their own.
-    std::function<void()> wake;
+    std::function<void()> wake = {};
 };
 
 /// The real world: HTTP over libcurl, the system's clock, and a main queue on the standard library.
