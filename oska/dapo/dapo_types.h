@@ -124,24 +124,30 @@ void fields(Visit& f, DapoSectorInfo& sector) {
 class DapoView;
 
 /// What a host hears of a Dapo view, which holds it weakly; all on the main thread. It may call the view back
-/// from any callback.
+/// from any callback. A start and a refused id are answered inside the host's own call; a call on another
+/// thread waits for that.
 class DapoViewDelegate {
 public:
     virtual ~DapoViewDelegate() = default;
 
-    /// Once for each initialisation: success without a code, or failure with one.
+    /// Once for each initialisation: success without a code, or failure with one. INVALID_ID comes inside
+    /// `initialize`, all else in a later job of the main queue. Whatever keeps the bundle away (no server, no
+    /// token, a status, a document that does not decode) is RESOURCE_FAIL; which it was is in the log alone,
+    /// where status 406 stands for no usable URL or token, and 500 for no reply, too.
     virtual void onInitSuccess(DapoView& view, bool success, std::optional<DapoInitErrorCode> code) = 0;
 
     /// Once for each `startService`, before it returns.
     virtual void onDapoSuccess(DapoView& view, bool success, std::optional<DapoErrorCode> code) = 0;
 
-    /// At a tap on the view while wards are selected.
+    /// At a tap on the view while wards are selected, inside whatever the toolkit handles it in.
     virtual void onClick(DapoView& view, const std::vector<DapoWard>& dapoWards) = 0;
 
-    /// At a tick of the output timer, with the whole selection; not when a selection ends.
+    /// At a tick of the output timer, with the whole selection; not when a selection ends. Without an
+    /// unchanged-delivery interval also at once when the application comes back to the foreground, inside the
+    /// `NotificationCenter::post` that says so.
     virtual void onDapoSelectionChanged(DapoView& view, const std::vector<DapoWard>& dapoWards) = 0;
 
-    /// Once for each level of the bundle, before a successful `onInitSuccess`.
+    /// Once for each level of the bundle, before a successful `onInitSuccess`, in the same job.
     virtual void onDapoMapImageData(DapoView& view, std::int64_t levelId, const DapoMapImage& mapImage);
 };
 

@@ -38,6 +38,9 @@ class GeneratorRun;
 /// then). Lifetime: the last reference may go on any thread. The service is then stopped on the main thread,
 /// and no sample, tick or work item touches the view any more; should the main queue have stopped, the view
 /// is destroyed where it is.
+/// Shared by all views of the process: the batch that is being collected for upload, and the server that it
+/// goes to. A batch holds the samples of every view that runs; a start forgets what any of them has
+/// collected, a stop uploads it; and the base URL that was given last counts.
 class DapoView final : public platform::View, public platform::RFDGeneratorDelegate {
 public:
     struct Initialization {
@@ -67,7 +70,8 @@ public:
     /// another view, too.
     void configureFrame(Placement placement);
 
-    /// Loads the sector's bundle; the outcome is `onInitSuccess`. May be called again at any time: while the
+    /// Loads the sector's bundle; the outcome is `onInitSuccess`: of an id that is refused inside this call,
+    /// of a load in a later job of the main queue. May be called again at any time: while the
     /// service runs it goes on, and what it has heard counts for the new bundle. A failure forgets the bundle
     /// and all that was heard.
     void initialize(Initialization arguments);
@@ -79,6 +83,9 @@ public:
 
     /// Stops listening, uploads what is left, forgets what was heard and hides the view; the bundle stays. No
     /// delegate call.
+    /// A sample that the generator has handed over on another thread before, and that waits in the main
+    /// queue, is still handled afterwards: it counts as heard, also for the next start; enough of them select
+    /// their ward and show the view for 5 seconds, though nothing is delivered until the next start.
     void stopService();
 
     /// By level id; empty without a bundle.
@@ -99,6 +106,9 @@ public:
 
     /// After how many seconds an unchanged selection is delivered again, at the first tick; none, as at the
     /// beginning: never. Takes numbers from zero on. Anything else is refused and logged.
+    /// With a multiple of the selection interval chance decides: ticks are late by a little, now more, now
+    /// less, so the tick that was meant may come just short of it, and the next one delivers. Half a
+    /// selection interval less avoids that.
     void setUnchangedDeliveryInterval(std::optional<double> seconds);
 
     /// Empty while nothing is selected.

@@ -45,19 +45,25 @@ class PelioServiceManagerDelegate {
 public:
     virtual ~PelioServiceManagerDelegate() = default;
 
-    /// Once for each initialisation: success without a code, or failure with one. Main queue; INVALID_ID
-    /// inside `create`.
+    /// Once for each initialisation: success without a code, or failure with one, in a job of the main queue.
+    /// An id that is refused, INVALID_ID, is the exception: it is told inside `create`, to the delegate of
+    /// the options. Whatever keeps the bundle away (no server, no token, a status, a document that does not
+    /// decode) is RESOURCE_FAIL; which it was is in the log alone, where status 406 stands for no usable URL
+    /// or token, and 500 for no reply, too.
     virtual void onInitSuccess(PelioServiceManager& service, bool success,
                                std::optional<PelioInitErrorCode> code) = 0;
 
-    /// Once for each `startService`, before it returns, on its thread.
+    /// Once for each `startService`, inside it, on its thread.
     virtual void onPelioSuccess(PelioServiceManager& service, bool success,
                                 std::optional<PelioErrorCode> code) = 0;
 
-    /// Once for each sample from which a ward can be reported, on the generator's thread.
+    /// Once for each sample from which a ward can be reported, on the generator's thread. A generator that
+    /// hands a sample over while it is started or stopped makes it come inside `startService`, before
+    /// `onPelioSuccess`, or inside `stopService`.
     virtual void onPelioResult(PelioServiceManager& service, const PelioResult& result) = 0;
 
-    /// Once for each level id of the bundle, before a successful `onInitSuccess`. Main queue.
+    /// Once for each level id of the bundle, before a successful `onInitSuccess`, in the same job of the main
+    /// queue.
     virtual void onPelioMapImageData(PelioServiceManager& service, std::int64_t levelId,
                                      const PelioMapImage& mapImage);
 };

@@ -22,6 +22,9 @@ struct ReceivedForce {
     using Strengths = std::map<std::string, double, text::CanonicalLess>;
 
     std::int64_t mobile_time = 0;  ///< milliseconds of the phone's clock
+
+    /// A generator hands over finite strengths only. JSON has no other numbers, so a single infinity or NaN
+    /// makes the upload of its whole batch fail, up to ten seconds of samples; the log says so.
     Strengths rfs;
 };
 
