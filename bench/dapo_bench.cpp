@@ -20,11 +20,12 @@ namespace {
 constexpr Log LOG{"DapoView"};
 constexpr std::int64_t WINDOW = DapoDetection::RFD_BUFFER_TIME_WINDOW * 1000;
 
-DapoBundle site() {
+DapoBundle site(int wards, int lowestThreshold) {
     DapoBundle bundle;
     auto& level = bundle.buildings.emplace_back().levels.emplace_back();
-    for (int i = 0; i < WARDS; ++i) {
-        level.wards.push_back({.id = i, .name = wardName(i), .x = i, .y = i, .rssi = -95 + i % 40});
+    for (int i = 0; i < wards; ++i) {
+        level.wards.push_back(
+            {.id = i, .name = wardName(i), .x = i, .y = i, .rssi = lowestThreshold + i % 40});
     }
     return bundle;
 }
@@ -39,6 +40,8 @@ public:
     std::vector<DapoWard> handle(platform::ReceivedForce sample) {
         return detection_.handle(std::move(sample), LOG);
     }
+
+    void reset() { detection_.reset(); }
 
 private:
     DapoDetection detection_;
@@ -98,13 +101,20 @@ void requireEqualAnswers(const DapoBundle& bundle, const std::vector<platform::R
 
 void dapoHandleRfd(benchmark::State& state) {
     const Load load{static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
-    const auto bundle = site();
+    const auto bundle = site(WARDS, -95);
     const auto stream = sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED);
     requireEqualAnswers(bundle, stream);
     compare<Kit, Plain>(state, bundle, stream);
 }
 
+void dapoBySiteSize(benchmark::State& state) {
+    const Load load{20, 40, static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
+    Kit kit(site(load.wards, -50));
+    measure(state, kit, sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED));
+}
+
 BENCHMARK(dapoHandleRfd)->Args({20, 40})->Args({100, 200})->UseManualTime()->Iterations(8);
+BENCHMARK(dapoBySiteSize)->Apply(siteSizes);
 
 }  // namespace
 }  // namespace oska::bench

@@ -18,10 +18,12 @@ namespace {
 
 constexpr std::int64_t WINDOW = PelioWardSelection::RFD_BUFFER_TIME_WINDOW * 1000;
 
-PelioBundle site() {
+PelioBundle site(int wards, int lowestThreshold) {
     PelioBundle bundle;
     auto& level = bundle.buildings.emplace_back().levels.emplace_back();
-    for (int i = 0; i < WARDS; ++i) level.wards.push_back({i, wardName(i), i, i, -95.0 + i % 40});
+    for (int i = 0; i < wards; ++i) {
+        level.wards.push_back({i, wardName(i), i, i, static_cast<double>(lowestThreshold + i % 40)});
+    }
     return bundle;
 }
 
@@ -81,13 +83,20 @@ void requireEqualAnswers(const PelioBundle& bundle, const std::vector<platform::
 
 void pelioHandleRfd(benchmark::State& state) {
     const Load load{static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
-    const auto bundle = site();
+    const auto bundle = site(WARDS, -95);
     const auto stream = sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED);
     requireEqualAnswers(bundle, stream);
     compare<PelioWardSelection, Plain>(state, bundle, stream);
 }
 
+void pelioBySiteSize(benchmark::State& state) {
+    const Load load{20, 40, static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
+    PelioWardSelection kit(site(load.wards, -50));
+    measure(state, kit, sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED));
+}
+
 BENCHMARK(pelioHandleRfd)->Args({20, 40})->Args({100, 200})->UseManualTime()->Iterations(8);
+BENCHMARK(pelioBySiteSize)->Apply(siteSizes);
 
 }  // namespace
 }  // namespace oska::bench

@@ -49,4 +49,26 @@ void compare(benchmark::State& state, const Bundle& bundle,
     state.counters["times_plain"] = bestOfPlain / best;
 }
 
+/// For sites of any size: what a sample costs where next to nothing is detected. The ratio to be looked at is
+/// that between sites.
+template <class Kit>
+void measure(benchmark::State& state, Kit& kit, const std::vector<platform::ReceivedForce>& stream) {
+    double best = 1e9;
+    for (auto _ : state) {
+        kit.reset();
+        const auto seconds = secondsASample(kit, stream);
+        state.SetIterationTime(seconds);
+        best = std::min(best, seconds);
+    }
+    state.counters["best_ns"] = best * 1e9;
+}
+
+/// Wards of the site, and how many of them are in reach: a walk through it, and what no walk can be, wards
+/// from all over the site in each sample.
+inline void siteSizes(benchmark::internal::Benchmark* benchmark) {
+    for (const int wards : {100, 10'000, 1'000'000}) benchmark->Args({wards, 100});
+    benchmark->Args({1'000'000, 1'000'000});
+    benchmark->UseManualTime()->Iterations(8);
+}
+
 }  // namespace oska::bench

@@ -7,8 +7,8 @@
 
 #include "oska/platform/quenlo_common.h"
 
-/// A site of 2,000 wards and what a phone hears there: of the names, 30 % are strangers', and a quarter of
-/// the others have white space around them. Fixed by a seed.
+/// A site and what a phone hears there: of the names, 30 % are strangers', and a quarter of the others have
+/// white space around them. Fixed by a seed.
 namespace oska::bench {
 
 constexpr int WARDS = 2'000;
@@ -18,6 +18,8 @@ inline std::string wardName(int number) { return "Ward-" + std::to_string(number
 struct Load {
     int samples;  ///< in the window
     int entries;  ///< in each sample
+    int wards = WARDS;
+    int inReach = WARDS;  ///< so many wards may be heard at a time; with each sample they are the next ones
 };
 
 /// Enough samples to fill a window of `windowMilliseconds` and `count` more.
@@ -30,7 +32,8 @@ inline std::vector<platform::ReceivedForce> sampleStream(Load load, std::int64_t
         platform::ReceivedForce sample{.mobile_time = i * (windowMilliseconds / (load.samples - 1))};
         while (sample.rfs.size() < static_cast<std::size_t>(load.entries)) {
             const bool isStranger = below(10) < 3;
-            auto name = isStranger ? "Phone of " + std::to_string(below(500)) : wardName(below(WARDS));
+            auto name = isStranger ? "Phone of " + std::to_string(below(500))
+                                   : wardName((i + below(load.inReach)) % load.wards);
             if (!isStranger && below(4) == 0) name = " " + name + " ";
             sample.rfs[name] = -100 + below(600) / 10.0;
         }
