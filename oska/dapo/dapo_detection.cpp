@@ -16,8 +16,6 @@ IndexedDapoWard indexed(const DapoLevel& level, const DapoLevelWard& ward) {
             ward.rssi, wardContents(ward)};
 }
 
-constexpr double NOTHING_HEARD = -std::numeric_limits<double>::infinity();
-
 /// To the nearest, halves away from zero; beyond 64 bits the end of their range.
 std::int64_t roundedToInteger(double strength) {
     constexpr double LIMIT = 0x1p63;
@@ -53,11 +51,9 @@ std::vector<IndexedDapoWard> wardsOf(const std::vector<DapoBuilding>& buildings)
 void DapoDetection::indexDapoWards(const std::vector<DapoBuilding>& buildings) {
     wards_ = wardsOf(buildings);
     names_ = {};
-    thresholds_.clear();
-    for (const auto& ward : wards_) {
-        names_.add(ward.name);
-        thresholds_.push_back(static_cast<double>(ward.thresholdRssi));
-    }
+    for (const auto& ward : wards_) names_.add(ward.name, static_cast<double>(ward.thresholdRssi));
+    tallies_.assign(wards_.size(), {});
+    countsFrom_ = 0;
     bufferedRfds_.resolveAgain(names_);
 }
 
@@ -74,27 +70,28 @@ std::map<std::string, IndexedDapoWard> DapoDetection::indexedDapoWardsByName() c
 
 std::vector<DapoWard> DapoDetection::handle(platform::ReceivedForce sample, const Log& log) {
     bufferedRfds_.append(std::move(sample), names_);
+    qualify();
     std::vector<DapoWard> wards;
-    if (qualify() < RFD_TRIGGER_COUNT) return wards;
-    for (std::size_t i = 0; i < wards_.size(); ++i) {
-        if (readings_[i] >= RFD_TRIGGER_COUNT) wards.push_back(detected(wards_[i], strongest_[i], log));
-    }
+    for (const auto ward : qualified_) wards.push_back(detected(wards_[ward], tallies_[ward].strongest, log));
     return wards;
 }
 
-std::uint32_t DapoDetection::qualify() {
-    std::uint32_t most = 0;
-    readings_.assign(wards_.size(), 0);
-    strongest_.assign(wards_.size(), NOTHING_HEARD);
+void DapoDetection::qualify() {
+    qualified_.clear();
+    std::uint64_t highest = countsFrom_;
     for (const auto& sample : bufferedRfds_.samples()) {
         for (const auto& [ward, strength] : sample.readings) {
-            const bool counts = qualifies(strength, thresholds_[ward]);
-            readings_[ward] += counts;
-            strongest_[ward] = std::max(strongest_[ward], counts ? strength : strongest_[ward]);
-            most = std::max(most, readings_[ward]);
+            if (strength == std::numeric_limits<double>::infinity()) continue;
+            auto& tally = tallies_[ward];
+            const bool isFirst = tally.count <= countsFrom_;
+            tally.strongest = isFirst ? strength : std::max(tally.strongest, strength);
+            tally.count = std::max(tally.count, countsFrom_) + 1;
+            highest = std::max(highest, tally.count);
+            if (tally.count == countsFrom_ + RFD_TRIGGER_COUNT) qualified_.push_back(ward);
         }
     }
-    return most;
+    countsFrom_ = highest;
+    std::sort(qualified_.begin(), qualified_.end());
 }
 
 DapoWard DapoDetection::detected(const IndexedDapoWard& ward, double strongest, const Log& log) const {

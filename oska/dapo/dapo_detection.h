@@ -79,19 +79,25 @@ public:
     [[nodiscard]] const std::vector<IndexedDapoWard>& wards() const { return wards_; }
 
 private:
-    /// How many readings qualify for the ward that has most of them.
-    std::uint32_t qualify();
+    // What the window holds of a ward at or above its threshold. Each round counts on from a number that no
+    // earlier round has reached; so none begins with a look at every ward of the site.
+    struct Tally {
+        std::uint64_t count = 0;
+        double strongest = 0;  // dBm
+    };
+
+    /// Counts the window, and finds the wards that have readings enough.
+    void qualify();
+    void count(const Reading& reading);
     [[nodiscard]] DapoWard detected(const IndexedDapoWard& ward, double strongest, const Log& log) const;
 
     WardNames names_;
     std::vector<IndexedDapoWard> wards_;  // by the number of their name, which is the order of delivery
-    std::vector<double> thresholds_;      // by ward, dBm
+    std::vector<Tally> tallies_;          // by ward
+    std::uint64_t countsFrom_ = 0;
+    std::vector<WardNames::Number> qualified_;
     LevelMaps maps_;
     SampleWindow bufferedRfds_{RFD_BUFFER_TIME_WINDOW * 1000};
-
-    // What the window holds of each ward at or above its threshold; made anew by every sample.
-    std::vector<std::uint32_t> readings_;
-    std::vector<double> strongest_;  // dBm
 };
 
 }  // namespace oska

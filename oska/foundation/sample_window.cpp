@@ -1,22 +1,16 @@
 #include "oska/foundation/sample_window.h"
 
 #include <algorithm>
-
-#include "oska/foundation/ward_name.h"
+#include <bit>
+#include <iterator>
+#include <utility>
 
 namespace oska {
 namespace {
 
-constexpr std::size_t MAX_REMEMBERED_NAMES = 8192;
-
-std::vector<Reading> resolved(const platform::ReceivedForce::Strengths& rfs, const WardNames& names) {
-    std::vector<Reading> readings;
-    readings.reserve(rfs.size());
-    for (const auto& [name, strength] : rfs) {
-        if (const auto ward = names.find(name)) readings.push_back({*ward, strength});
-    }
-    return readings;
-}
+constexpr std::size_t LEAST_ROOM = 64;     // readings
+constexpr std::size_t MOST_ROOM = 4096;    // readings that one sample makes room for in others
+constexpr std::size_t SPARE_SAMPLES = 64;  // that stay even where fewer are in use
 
 std::uint64_t distance(std::int64_t from, std::int64_t to) {
     return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
@@ -32,39 +26,54 @@ bool hasElapsed(std::int64_t span, std::int64_t then, std::int64_t now) {
     return now >= then && distance(then, now) >= static_cast<std::uint64_t>(span);
 }
 
-WardNames::Number WardNames::add(std::string_view name) {
-    rememberedNames_.clear();
-    return numbers_.try_emplace(normalizeWardName(name), static_cast<Number>(numbers_.size())).first->second;
-}
-
-std::optional<WardNames::Number> WardNames::find(std::string_view name) const {
-    if (const auto remembered = rememberedNames_.find(name); remembered != rememberedNames_.end()) {
-        return remembered->second;
-    }
-    std::optional<Number> number;
-    if (const auto known = numbers_.find(normalizeWardName(name)); known != numbers_.end())
-        number = known->second;
-    if (rememberedNames_.size() == MAX_REMEMBERED_NAMES) rememberedNames_.clear();
-    rememberedNames_.emplace(name, number);
-    return number;
-}
-
 void SampleWindow::append(platform::ReceivedForce sample, const WardNames& names) {
-    auto readings = resolved(sample.rfs, names);
-    samples_.push_back({sample.mobile_time, std::move(sample.rfs), std::move(readings)});
     prune(sample.mobile_time);
+    if (spare_.empty()) provideSpare();
+    auto& buffered = spare_.front();
+    buffered.mobileTime = sample.mobile_time;
+    buffered.rfs = std::move(sample.rfs);
+    resolve(buffered, names);
+    samples_.splice(samples_.end(), spare_, spare_.begin());
 }
 
 void SampleWindow::prune(std::int64_t now) {
-    const auto expired = [&](const BufferedRfdSample& sample) {
-        return isOlderThan(length_, sample.mobileTime, now);
-    };
-    while (expired(samples_.front())) samples_.pop_front();  // ends at the newest: it has no age
-    std::erase_if(samples_, expired);
+    for (auto sample = samples_.begin(); sample != samples_.end();) {
+        const auto next = std::next(sample);
+        if (isOlderThan(length_, sample->mobileTime, now)) {
+            sample->rfs.clear();
+            spare_.splice(spare_.end(), samples_, sample);
+        }
+        sample = next;
+    }
+    while (spare_.size() > std::max(samples_.size(), SPARE_SAMPLES)) spare_.pop_back();
+}
+
+// As many as are in use, so that a window of about so many samples, now more and now less, is soon content.
+void SampleWindow::provideSpare() {
+    spare_.resize(std::max<std::size_t>(samples_.size(), 1));
+    for (auto& sample : spare_) sample.readings.reserve(std::max(room_, LEAST_ROOM));
+}
+
+// All samples make room for what one of them held: the next one in the same storage may be as large.
+void SampleWindow::resolve(BufferedRfdSample& sample, const WardNames& names) {
+    const auto needed = std::bit_ceil(sample.rfs.size());
+    room_ = std::max(room_, std::min(needed, MOST_ROOM));
+    sample.readings.clear();
+    sample.readings.reserve(std::max(room_, needed));
+    for (const auto& [name, strength] : sample.rfs) {
+        const auto ward = names.find(name);
+        if (ward && names.canCount(*ward, strength)) sample.readings.push_back({*ward, strength});
+    }
 }
 
 void SampleWindow::resolveAgain(const WardNames& names) {
-    for (auto& sample : samples_) sample.readings = resolved(sample.rfs, names);
+    for (auto& sample : samples_) resolve(sample, names);
+}
+
+void SampleWindow::clear() {
+    samples_.clear();
+    spare_.clear();
+    room_ = 0;
 }
 
 }  // namespace oska

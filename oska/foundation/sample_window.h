@@ -1,13 +1,11 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <deque>
-#include <optional>
-#include <string>
-#include <string_view>
-#include <unordered_map>
+#include <list>
 #include <vector>
 
+#include "oska/foundation/ward_names.h"
 #include "oska/platform/quenlo_common.h"
 
 namespace oska {
@@ -20,34 +18,6 @@ namespace oska {
 /// `now - then >= span`.
 [[nodiscard]] bool hasElapsed(std::int64_t span, std::int64_t then, std::int64_t now);
 
-/// The names of a site's wards, normalised, each with a dense number from 0.
-///
-/// A name as broadcast is normalised once and then remembered: radios repeat themselves. What is remembered
-/// is bounded, because a busy street broadcasts names without end. Threads: one at a time, `find` included.
-class WardNames {
-public:
-    using Number = std::uint32_t;
-
-    /// The number of `name`, a new one when no equal name was added before.
-    Number add(std::string_view name);
-
-    /// The number of a name as broadcast.
-    [[nodiscard]] std::optional<Number> find(std::string_view name) const;
-
-    [[nodiscard]] std::size_t size() const { return numbers_.size(); }
-
-private:
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const { return std::hash<std::string_view>{}(text); }
-    };
-    template <class Value>
-    using NameMap = std::unordered_map<std::string, Value, Hash, std::equal_to<>>;
-
-    NameMap<Number> numbers_;                                 // by normalised name
-    mutable NameMap<std::optional<Number>> rememberedNames_;  // by name as broadcast
-};
-
 /// What one sample says of one ward.
 struct Reading {
     WardNames::Number ward;
@@ -56,16 +26,17 @@ struct Reading {
 
 /// A sample of the window: as received, and resolved to the wards that are known.
 struct BufferedRfdSample {
-    std::int64_t mobileTime;  ///< milliseconds
+    std::int64_t mobileTime = 0;  ///< milliseconds
     platform::ReceivedForce::Strengths rfs;
-    std::vector<Reading> readings;
+    std::vector<Reading> readings;  ///< without those that are below every threshold of their name
 };
 
 /// The samples of the last so many milliseconds of mobile time, oldest first as they came.
 ///
 /// Each name is resolved once, when its sample arrives; an engine then rescans numbers, not names. The
-/// samples are kept as received, too, so that the window outlives an index: see `resolveAgain`. Threads: one
-/// at a time.
+/// samples are kept as received, too, so that the window outlives an index: see `resolveAgain`. A sample that
+/// leaves hands its storage on to one that comes, so that a full window allocates nothing. Threads: one at a
+/// time.
 class SampleWindow {
 public:
     explicit SampleWindow(std::int64_t lengthMilliseconds) : length_(lengthMilliseconds) {}
@@ -77,15 +48,21 @@ public:
     /// To be called with each new index: what was heard before it counts for its wards.
     void resolveAgain(const WardNames& names);
 
-    void clear() { samples_.clear(); }
+    void clear();
 
-    [[nodiscard]] const std::deque<BufferedRfdSample>& samples() const { return samples_; }
+    [[nodiscard]] const std::list<BufferedRfdSample>& samples() const { return samples_; }
 
 private:
+    using Samples = std::list<BufferedRfdSample>;
+
     void prune(std::int64_t now);
+    void resolve(BufferedRfdSample& sample, const WardNames& names);
+    void provideSpare();
 
     std::int64_t length_;
-    std::deque<BufferedRfdSample> samples_;
+    Samples samples_;
+    Samples spare_;         // left the window; without names
+    std::size_t room_ = 0;  // for readings, in each sample
 };
 
 }  // namespace oska

@@ -4,10 +4,15 @@
 
 namespace oska {
 
-std::string normalizeWardName(std::string_view name) {
-    std::string lower = platform::text::lowercased(platform::text::trimmed(name));
-    if (platform::text::isAscii(lower)) return lower;
-    return platform::text::composed(lower);
+std::string normalizeWardName(std::string_view name) { return std::string(WardNameNormalizer{}(name)); }
+
+std::string_view WardNameNormalizer::operator()(std::string_view name) {
+    lower_.clear();
+    platform::text::appendLowercased(lower_, platform::text::trimmed(name));
+    if (platform::text::isAscii(lower_)) return lower_;
+    composed_.clear();
+    platform::text::appendComposed(composed_, lower_, scalars_);
+    return composed_;
 }
 
 }  // namespace oska

@@ -20,8 +20,9 @@ void forEachWard(const PelioBundle& bundle, Visit visit) {
 // Counted and then put in place: nodes are large, and moving them about would cost more than all the rest.
 PelioWardSelection::PelioWardSelection(const PelioBundle& bundle) : maps_(bundle.buildings) {
     std::vector<WardNames::Number> names;
-    forEachWard(bundle,
-                [&](const auto&, const auto&, const auto& ward) { names.push_back(names_.add(ward.name)); });
+    forEachWard(bundle, [&](const auto&, const auto&, const auto& ward) {
+        names.push_back(names_.add(ward.name, ward.rssi));
+    });
     firstOfName_.assign(names_.size() + 1, 0);
     for (const auto name : names) ++firstOfName_[name + 1];
     std::partial_sum(firstOfName_.begin(), firstOfName_.end(), firstOfName_.begin());

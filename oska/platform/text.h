@@ -1,7 +1,9 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// What the kit asks of Unicode: trimming, lower case, and equality and order that do not depend on how an
 /// accent was typed. All text is UTF-8; no result depends on a locale.
@@ -20,9 +22,14 @@ namespace oska::platform::text {
 /// Unicode's full default lower case: U+0130 becomes two scalars, and a capital sigma that ends a word the
 /// final one.
 [[nodiscard]] std::string lowercased(std::string_view text);
+/// The same, appended to `lower`.
+void appendLowercased(std::string& lower, std::string_view text);
 
 /// The canonical composed form (NFC). A text that is not UTF-8 throughout is its own form.
 [[nodiscard]] std::string composed(std::string_view text);
+/// The same, appended to `composed`. What `scalars` holds is lost; a caller that keeps both saves
+/// allocations.
+void appendComposed(std::string& composed, std::string_view text, std::vector<std::int32_t>& scalars);
 
 /// Whether both texts have one composed form. Compatibility forms (U+FB01 and "fi") differ.
 [[nodiscard]] bool canonicallyEqual(std::string_view a, std::string_view b);

@@ -1,5 +1,7 @@
 // Lower case: utf8proc's simple mapping, with what Unicode's SpecialCasing.txt adds to it for every locale:
 // U+0130, and the final sigma of section 3.13 of the Unicode Standard.
+#include <algorithm>
+
 #include "oska/platform/text.h"
 #include "oska/platform/text_scalars.h"
 
@@ -78,18 +80,24 @@ void appendLowercase(std::string& lower, utf8proc_int32_t scalar, bool afterCase
     }
 }
 
-std::string asciiLowercased(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) c = static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0));
-    return lower;
+void appendAsciiLowercased(std::string& lower, std::string_view text) {
+    const auto begin = static_cast<std::ptrdiff_t>(lower.size());
+    lower += text;
+    std::for_each(lower.begin() + begin, lower.end(),
+                  [](char& c) { c = static_cast<char>(c + (c >= 'A' && c <= 'Z' ? 'a' - 'A' : 0)); });
 }
 
 }  // namespace
 
 std::string lowercased(std::string_view text) {
-    if (isAscii(text)) return asciiLowercased(text);
     std::string lower;
     lower.reserve(text.size());
+    appendLowercased(lower, text);
+    return lower;
+}
+
+void appendLowercased(std::string& lower, std::string_view text) {
+    if (isAscii(text)) return appendAsciiLowercased(lower, text);
     bool afterCased = false;
     while (!text.empty()) {
         const Scalar first = firstScalar(text);
@@ -103,7 +111,6 @@ std::string lowercased(std::string_view text) {
         if (role != CaseRole::IGNORABLE) afterCased = role == CaseRole::CASED;
         text = rest;
     }
-    return lower;
 }
 
 }  // namespace oska::platform::text

@@ -1,7 +1,7 @@
 // Canonical equivalence: utf8proc's decomposition and composition. Its whole-text functions are not used,
 // because they sort combining marks by insertion, which a text of nothing but marks turns into minutes.
 #include <algorithm>
-#include <optional>
+#include <iterator>
 #include <span>
 #include <vector>
 
@@ -37,31 +37,42 @@ void appendDecomposed(Scalars& scalars, utf8proc_int32_t scalar) {
     scalars.insert(scalars.end(), parts, parts + count);
 }
 
-std::optional<Scalars> decomposed(std::string_view text) {
-    Scalars scalars;
+/// False when the text is not UTF-8 throughout.
+bool decompose(Scalars& scalars, std::string_view text) {
+    scalars.clear();
     scalars.reserve(text.size());
     while (!text.empty()) {
         const Scalar first = firstScalar(text);
-        if (first.value < 0) return std::nullopt;
+        if (first.value < 0) return false;
         appendDecomposed(scalars, first.value);
         text.remove_prefix(first.length);
     }
-    return scalars;
+    return true;
 }
 
 auto combiningClass(utf8proc_int32_t scalar) { return utf8proc_get_property(scalar)->combining_class; }
+
+/// Stable. Few marks follow one letter as a rule, and the library's stable sort takes memory for every run.
+void sortRun(std::span<utf8proc_int32_t> run) {
+    constexpr std::size_t FEW = 16;
+    const auto comesBefore = [](auto a, auto b) { return combiningClass(a) < combiningClass(b); };
+    if (run.size() > FEW) return std::stable_sort(run.begin(), run.end(), comesBefore);
+    for (auto mark = run.begin(); mark != run.end(); ++mark) {
+        std::rotate(std::upper_bound(run.begin(), mark, *mark, comesBefore), mark, std::next(mark));
+    }
+}
 
 void sortMarks(Scalars& scalars) {
     const auto isStarter = [](utf8proc_int32_t scalar) { return combiningClass(scalar) == 0; };
     for (auto run = scalars.begin(); run != scalars.end();) {
         run = std::find_if_not(run, scalars.end(), isStarter);
         const auto end = std::find_if(run, scalars.end(), isStarter);
-        std::stable_sort(run, end, [](auto a, auto b) { return combiningClass(a) < combiningClass(b); });
+        sortRun({run, end});
         run = end;
     }
 }
 
-void appendComposed(std::string& text, std::span<utf8proc_int32_t> scalars) {
+void appendPairsComposed(std::string& text, std::span<utf8proc_int32_t> scalars) {
     const auto options = static_cast<utf8proc_option_t>(UTF8PROC_STABLE | UTF8PROC_COMPOSE);
     const auto count =
         utf8proc_normalize_utf32(scalars.data(), static_cast<utf8proc_ssize_t>(scalars.size()), options);
@@ -70,15 +81,13 @@ void appendComposed(std::string& text, std::span<utf8proc_int32_t> scalars) {
 
 // U+11A7 stands one before the final jamos and joins nothing, but utf8proc 2.8 drops it after a syllable
 // without a final. So it is kept out of what the library sees.
-std::string recomposed(std::span<utf8proc_int32_t> scalars) {
+void appendRecomposed(std::string& text, std::span<utf8proc_int32_t> scalars) {
     constexpr utf8proc_int32_t BEFORE_FINAL_JAMOS = 0x11A7;
-    std::string text;
-    text.reserve(scalars.size() * 2);
     while (true) {
         const auto found = std::find(scalars.begin(), scalars.end(), BEFORE_FINAL_JAMOS);
         const auto length = static_cast<std::size_t>(found - scalars.begin());
-        appendComposed(text, scalars.first(length));
-        if (found == scalars.end()) return text;
+        appendPairsComposed(text, scalars.first(length));
+        if (found == scalars.end()) return;
         appendScalar(text, BEFORE_FINAL_JAMOS);
         scalars = scalars.subspan(length + 1);
     }
@@ -87,11 +96,19 @@ std::string recomposed(std::span<utf8proc_int32_t> scalars) {
 }  // namespace
 
 std::string composed(std::string_view text) {
-    if (isPlainlyComposed(text)) return std::string(text);
-    auto scalars = decomposed(text);
-    if (!scalars) return std::string(text);
-    sortMarks(*scalars);
-    return recomposed(*scalars);
+    std::string composed;
+    Scalars scalars;
+    appendComposed(composed, text, scalars);
+    return composed;
+}
+
+void appendComposed(std::string& composed, std::string_view text, std::vector<std::int32_t>& scalars) {
+    if (isPlainlyComposed(text) || !decompose(scalars, text)) {
+        composed += text;
+        return;
+    }
+    sortMarks(scalars);
+    appendRecomposed(composed, scalars);
 }
 
 bool canonicallyEqual(std::string_view a, std::string_view b) {

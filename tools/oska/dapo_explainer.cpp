@@ -149,7 +149,9 @@ double DapoExplainer::thresholdOf(WardNames::Number ward) const {
 DapoExplainer::Strengths DapoExplainer::strengthsInWindow() const {
     Strengths strengths;
     for (const auto& sample : detection_.window().samples()) {
-        for (const auto& [ward, strength] : sample.readings) strengths[ward].push_back(strength);
+        for (const auto& [name, strength] : sample.rfs) {
+            if (const auto ward = detection_.names().find(name)) strengths[*ward].push_back(strength);
+        }
     }
     for (auto& [ward, ofWard] : strengths) std::sort(ofWard.begin(), ofWard.end(), std::greater<>());
     return strengths;

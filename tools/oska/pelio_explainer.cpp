@@ -197,9 +197,10 @@ PelioDecision PelioExplainer::decision() const {
 std::map<const PelioWardNode*, double> PelioExplainer::strongestOfWards() const {
     std::map<const PelioWardNode*, double> strongest;
     for (const auto& sample : selection_.window().samples()) {
-        for (const auto& [name, strength] : sample.readings) {
-            if (question().ward && name != asked_) continue;
-            for (const auto& ward : selection_.wardsOf(name)) {
+        for (const auto& [name, strength] : sample.rfs) {
+            const auto number = selection_.names().find(name);
+            if (!number || (question().ward && number != asked_)) continue;
+            for (const auto& ward : selection_.wardsOf(*number)) {
                 const auto known = strongest.try_emplace(&ward, strength).first;
                 known->second = std::max(known->second, strength);
             }
