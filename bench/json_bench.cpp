@@ -65,7 +65,7 @@ void appendBuilding(std::string& text, std::int64_t id) {
     text += R"({"id":)" + number(id) + R"(,"name":"Building","levels":[)";
     for (std::int64_t i = 0; i < LEVELS; ++i) {
         if (i > 0) text += ',';
-        text += *json::encode(levelOf(id * LEVELS + i));
+        text += *json::encode(levelOf(id * LEVELS + i), json::Slashes::plain);
     }
     text += "]}";
 }

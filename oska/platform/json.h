@@ -26,20 +26,23 @@ Result<Value, DecodeError> decode(std::string_view text) {
     return reader.takeError();
 }
 
-/// Appends `value` as JSON, in one line. On failure, which only NaN and infinities cause, `out` is as it was.
+/// Appends `value` as JSON, in one line, as the platform's encoder does by default: `/` is written `\/`,
+/// unless `slashes` (json_writer.h) says otherwise. On failure, which only NaN and infinities cause, `out` is
+/// as it was.
 template <class Value>
-[[nodiscard]] std::optional<EncodeError> append(std::string& out, const Value& value) {
+[[nodiscard]] std::optional<EncodeError> append(std::string& out, const Value& value,
+                                                Slashes slashes = Slashes::escaped) {
     const std::size_t before = out.size();
-    Writer writer(out);
+    Writer writer(out, slashes);
     if (write(writer, value)) return {};
     out.resize(before);
     return writer.error();
 }
 
 template <class Value>
-Result<std::string, EncodeError> encode(const Value& value) {
+Result<std::string, EncodeError> encode(const Value& value, Slashes slashes = Slashes::escaped) {
     std::string text;
-    if (auto error = append(text, value)) return *std::move(error);
+    if (auto error = append(text, value, slashes)) return *std::move(error);
     return text;
 }
 

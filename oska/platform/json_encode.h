@@ -27,13 +27,13 @@ inline bool write(Writer& writer, std::int64_t value) {
 inline bool write(Writer& writer, double value) { return writer.writeReal(value); }
 
 inline bool write(Writer& writer, const std::string& value) {
-    appendText(writer.text(), value);
+    writer.writeText(value);
     return true;
 }
 
 template <TextValue Value>
 bool write(Writer& writer, const Value& value) {
-    appendText(writer.text(), JsonText<Value>::print(value));
+    writer.writeText(JsonText<Value>::print(value));
     return true;
 }
 
@@ -74,7 +74,7 @@ public:
     bool member(std::string_view key, const Value& value) {
         if (!isFirst_) writer_.text() += ',';
         isFirst_ = false;
-        appendText(writer_.text(), key);
+        writer_.writeText(key);
         writer_.text() += ':';
         return write(writer_, value) || writer_.failedIn(key);
     }

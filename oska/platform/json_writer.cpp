@@ -18,34 +18,37 @@ constexpr double LARGEST_PLAIN = 9007199254740992.0;
 
 constexpr std::size_t LONGEST_NUMBER = 32;
 
-bool isPlain(char c) {
+// `third`: the character that is special beside quote and backslash; a quote when there is no such character.
+bool isPlain(char c, char third) {
     const auto byte = static_cast<unsigned char>(c);
-    return byte >= 0x20 && byte < 0x80 && byte != '"' && byte != '\\';
+    return byte >= 0x20 && byte < 0x80 && byte != '"' && byte != '\\' && c != third;
 }
 
 // Whether eight bytes at once are all plain, by the arithmetic of "Bit Twiddling Hacks" (a byte less than n,
 // a zero byte).
-bool areEightPlain(const char* bytes) {
+bool areEightPlain(const char* bytes, char third) {
     constexpr std::uint64_t ONES = 0x0101010101010101;
     constexpr std::uint64_t HIGH_BITS = 0x8080808080808080;
     std::uint64_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     const std::uint64_t quote = word ^ (ONES * '"');
     const std::uint64_t backslash = word ^ (ONES * '\\');
-    const std::uint64_t special = (word - ONES * 0x20) | (quote - ONES) | (backslash - ONES) | word;
+    const std::uint64_t other = word ^ (ONES * static_cast<unsigned char>(third));
+    const std::uint64_t special =
+        (word - ONES * 0x20) | (quote - ONES) | (backslash - ONES) | (other - ONES) | word;
     return (special & HIGH_BITS) == 0;
 }
 
-std::size_t plainLength(std::string_view text) {
+std::size_t plainLength(std::string_view text, char third) {
     std::size_t length = 0;
-    while (text.size() - length >= 8 && areEightPlain(text.data() + length)) length += 8;
-    while (length < text.size() && isPlain(text[length])) ++length;
+    while (text.size() - length >= 8 && areEightPlain(text.data() + length, third)) length += 8;
+    while (length < text.size() && isPlain(text[length], third)) ++length;
     return length;
 }
 
 void appendEscaped(std::string& out, char c) {
-    constexpr std::string_view ESCAPED = "\"\\\b\f\n\r\t";
-    constexpr std::string_view ESCAPES = "\"\\bfnrt";
+    constexpr std::string_view ESCAPED = "\"\\/\b\f\n\r\t";
+    constexpr std::string_view ESCAPES = "\"\\/bfnrt";
     const std::size_t known = ESCAPED.find(c);
     if (known == std::string_view::npos) {
         appendUnicodeEscape(out, c);
@@ -77,10 +80,11 @@ std::string_view nameOf(double value) {
 
 }  // namespace
 
-void appendText(std::string& out, std::string_view text) {
+void appendText(std::string& out, std::string_view text, Slashes slashes) {
+    const char third = slashes == Slashes::escaped ? '/' : '"';
     out += '"';
     while (!text.empty()) {
-        const std::size_t plain = plainLength(text);
+        const std::size_t plain = plainLength(text, third);
         out += text.substr(0, plain);
         text.remove_prefix(plain);
         if (!text.empty()) text.remove_prefix(appendSpecial(out, text));

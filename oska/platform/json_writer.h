@@ -9,10 +9,19 @@
 
 namespace oska::platform::json {
 
+/// How `/` is written; both forms read back alike. This is the one place that decides:
+/// - documents, which other programs may compare or sign, are written as the platform's encoder writes them
+///   by default: escaped. These are upload bodies and the records' own JSON form (`append`, `encode`).
+/// - lines that people read keep `/`: event lines, descriptions, quoted names. Their writers say `plain`.
+enum class Slashes {
+    escaped,  ///< `\/`
+    plain,
+};
+
 /// Appends `text` as a JSON string: `"`, `\` and control characters escaped (\b \f \n \r \t, else \u001f),
-/// everything else as it stands. Each byte that is no part of well-formed UTF-8 becomes U+FFFD, so that the
-/// result is always JSON.
-void appendText(std::string& out, std::string_view text);
+/// `/` as `slashes` says, everything else as it stands. Each byte that is no part of well-formed UTF-8
+/// becomes U+FFFD, so that the result is always JSON.
+void appendText(std::string& out, std::string_view text, Slashes slashes = Slashes::plain);
 
 void appendInteger(std::string& out, std::int64_t value);
 
@@ -23,9 +32,11 @@ void appendInteger(std::string& out, std::int64_t value);
 /// Where records are written to: a text under construction, and the error that ended it, if any.
 class Writer {
 public:
-    explicit Writer(std::string& text) : text_(text) {}
+    Writer(std::string& text, Slashes slashes) : text_(text), slashes_(slashes) {}
 
     [[nodiscard]] std::string& text() { return text_; }
+
+    void writeText(std::string_view value) { appendText(text_, value, slashes_); }
 
     /// False after a failure, which error() then describes.
     bool writeReal(double value);
@@ -39,6 +50,7 @@ public:
 
 private:
     std::string& text_;
+    Slashes slashes_;
     EncodeError error_;
 };
 

@@ -44,7 +44,8 @@ TEST(DapoRecords, HaveAJsonFormThatReadsBack) {
     EXPECT_EQ(
         encoded(ward()),
         R"({"id":7,"level_id":10,"name":"café","x":1.5,"y":-2,"rssi":-80,"detected_rssi":-61,"contents":[)"
-        R"({"id":1,"name":"menu","url":"https://site/menu"},{"id":2,"name":"menu","url":"https://site/menu"}]})");
+        R"({"id":1,"name":"menu","url":"https:\/\/site\/menu"},)"
+        R"({"id":2,"name":"menu","url":"https:\/\/site\/menu"}]})");
     const auto back = json::decode<DapoSectorInfo>(encoded(sector()));
     ASSERT_TRUE(back);
     EXPECT_EQ(*back, sector());

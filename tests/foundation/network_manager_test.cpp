@@ -97,9 +97,10 @@ TEST_F(NetworkManager, AsksForABundleWithTokenAndWithoutCachesWhenForced) {
 
 TEST_F(NetworkManager, PostsABatchAsOneArray) {
     world_.server().onRequest(virtual_world::always(reply(204, "")));
-    EXPECT_EQ(post("http://server/rfds", {{5, {{"b \"", -60.5}, {"a", -70}}}, {6, {}}}), (Answer{204, ""}));
+    EXPECT_EQ(post("http://server/rfds", {{5, {{"b/\"", -60.5}, {"a", -70}}}, {6, {}}}), (Answer{204, ""}));
     const auto request = lastRequest();
-    const std::string body = R"([{"mobile_time":5,"rfs":{"a":-70,"b \"":-60.5}},{"mobile_time":6,"rfs":{}}])";
+    const std::string body =
+        R"([{"mobile_time":5,"rfs":{"a":-70,"b\/\"":-60.5}},{"mobile_time":6,"rfs":{}}])";
     EXPECT_EQ(request.body, body);
     EXPECT_EQ(request.method, "POST");
     EXPECT_EQ(header(request, "Content-Length"), std::to_string(body.size()) + ";");

@@ -122,9 +122,13 @@ TEST(JsonEncoding, WritesTheShortestDigits) {
     for (const auto& [value, text] : cases) EXPECT_EQ(encodingOf(value), text);
 }
 
-TEST(JsonEncoding, EscapesNoMoreThanItMust) {
+TEST(JsonEncoding, EscapesControlCharactersAndSlashesUnlessToldOtherwise) {
+    const std::map<std::string, double, std::less<>> slashes{{"/12345678/", 1}};
+    EXPECT_EQ(encodingOf(slashes), R"({"\/12345678\/":1})");
+    EXPECT_EQ(*encode(slashes, Slashes::plain), R"({"/12345678/":1})");
+    EXPECT_EQ(describe(slashes), R"(["/12345678/": 1])");
     EXPECT_EQ(encodingOf(std::string("\"\\/\b\f\n\r\t\x01\x1f\x7f \u00e9\u2028\U0001F600", 21)),
-              "\"\\\"\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\x7f \u00e9\u2028\U0001F600\"");
+              "\"\\\"\\\\\\/\\b\\f\\n\\r\\t\\u0001\\u001f\x7f \u00e9\u2028\U0001F600\"");
     EXPECT_EQ(encodingOf(std::string("a\0b", 3)), R"("a\u0000b")");
     for (int c = 0; c < 0x80; ++c) {
         for (std::size_t position = 0; position < 20; ++position) {

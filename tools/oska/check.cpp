@@ -141,7 +141,7 @@ ExitStatus check(const Options& options) {
         if (!options.json) printForPeople(report);
         if (options.json) all.files.push_back(std::move(report));
     }
-    if (options.json) printLine(*platform::json::encode(all));
+    if (options.json) printLine(*platform::json::encode(all, platform::json::Slashes::plain));
     return status;
 }
 

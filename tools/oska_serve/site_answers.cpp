@@ -106,7 +106,7 @@ void SiteAnswers::answerBundle(const Request& request, Response& response) const
     const auto file = folder_.read(path);
     if (!file) return refuse(request, response, 404, "no such sector here: the site has no file " + path);
     const BundleOutput output{.url = *origin + "/" + path, .version_id = versionOf(file->content)};
-    send(response, {*platform::json::encode(output), file->type});
+    send(response, {*platform::json::encode(output, platform::json::Slashes::plain), file->type});
 }
 
 void SiteAnswers::answerFile(const Request& request, Response& response) const {

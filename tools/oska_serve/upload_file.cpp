@@ -42,7 +42,8 @@ UploadFile::~UploadFile() { close(file_); }
 std::optional<std::string> UploadFile::append(const std::vector<platform::ReceivedForce>& samples) {
     std::string lines;
     for (const auto& sample : samples) {
-        if (const auto problem = platform::json::append(lines, sample)) return problem->message();
+        const auto problem = platform::json::append(lines, sample, platform::json::Slashes::plain);
+        if (problem) return problem->message();
         lines += '\n';
     }
     const std::lock_guard lock(mutex_);
