@@ -10,7 +10,7 @@
 namespace oska {
 
 /// One value of a log line, already as text: integers in decimal, booleans as "true" or "false", text as it
-/// stands.
+/// stands; what a line must not carry is escaped when it is written.
 struct LogValue {
     LogValue(bool value) : text(value ? "true" : "false") {}
     template <std::integral Integer>
@@ -51,8 +51,8 @@ private:
     std::string_view tag_;
 };
 
-/// Writes a diagnostic line as it stands, whatever the log switch says; line breaks inside are escaped here,
-/// too.
+/// Writes a diagnostic line as it stands, whatever the log switch says; what could forge a line is escaped
+/// here, too.
 void writeDirectLine(std::string_view line);
 
 }  // namespace oska

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "oska/foundation/log_message.h"
+#include "oska/platform/one_line.h"
 
 namespace oska {
 namespace {
@@ -22,18 +23,6 @@ std::string_view levelTag(OskaLogLevel level) {
             return "[ERROR] ";
     }
     return "";
-}
-
-void appendOnOneLine(std::string& line, std::string_view text) {
-    for (const char c : text) {
-        if (c == '\n') {
-            line += "\\n";
-        } else if (c == '\r') {
-            line += "\\r";
-        } else {
-            line += c;
-        }
-    }
 }
 
 // One call, so that the C library's own lock keeps the line whole.
@@ -53,7 +42,7 @@ void OskaLogger::log(OskaLogLevel level, std::string_view tag, std::string_view 
     std::string line;
     line.reserve(message.size() + tag.size() + 16);
     line.append(levelTag(level)).append("[").append(tag).append("] ");
-    appendOnOneLine(line, message);
+    platform::appendOnOneLine(line, message);
     writeLine(std::move(line));
 }
 
@@ -90,11 +79,6 @@ void Log::error(std::string_view operation, std::string_view text,
     write(OskaLogLevel::ERROR, logMessage(operation, text, pairs));
 }
 
-void writeDirectLine(std::string_view line) {
-    std::string text;
-    text.reserve(line.size() + 1);
-    appendOnOneLine(text, line);
-    writeLine(std::move(text));
-}
+void writeDirectLine(std::string_view line) { writeLine(platform::onOneLine(line)); }
 
 }  // namespace oska

@@ -25,8 +25,9 @@ public:
     /// For callers whose message costs more to make than to write.
     [[nodiscard]] static bool isEnabled();
 
-    /// Writes one line when the switch is on. Line breaks inside `message` are written as `\n` and `\r`, so
-    /// that no text from a server or a file can start a line of its own.
+    /// Writes one line when the switch is on. Control characters and line separators inside `message` are
+    /// escaped (see platform/one_line.h), so that no text from a server or a file can start a line of its own
+    /// or steer a terminal.
     static void log(OskaLogLevel level, std::string_view tag, std::string_view message);
 };
 

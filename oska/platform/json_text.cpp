@@ -142,6 +142,15 @@ void appendUnicodeEscape(std::string& out, char c) {
     out += HEX_DIGITS[byte & 0xF];
 }
 
+void appendControlEscape(std::string& out, char c) {
+    constexpr std::string_view ESCAPED = "\b\f\n\r\t";
+    constexpr std::string_view ESCAPES = "bfnrt";
+    const std::size_t known = ESCAPED.find(c);
+    if (known == std::string_view::npos) return appendUnicodeEscape(out, c);
+    out += '\\';
+    out += ESCAPES[known];
+}
+
 std::optional<std::size_t> unescape(std::string_view escaped, std::string& out) {
     out.clear();
     std::size_t at = 0;

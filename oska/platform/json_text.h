@@ -18,6 +18,9 @@ std::size_t characterLength(std::string_view text);
 /// Appends \u00XX.
 void appendUnicodeEscape(std::string& out, char c);
 
+/// Appends the escape of a control character: \b \f \n \r \t, else \u00XX.
+void appendControlEscape(std::string& out, char c);
+
 /// Replaces `out` by the text that `escaped`, the inside of a string token, stands for. Fails at an unknown
 /// escape and at half a surrogate pair: answers where the bad escape begins.
 [[nodiscard]] std::optional<std::size_t> unescape(std::string_view escaped, std::string& out);

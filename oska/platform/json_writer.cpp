@@ -47,15 +47,9 @@ std::size_t plainLength(std::string_view text, char third) {
 }
 
 void appendEscaped(std::string& out, char c) {
-    constexpr std::string_view ESCAPED = "\"\\/\b\f\n\r\t";
-    constexpr std::string_view ESCAPES = "\"\\/bfnrt";
-    const std::size_t known = ESCAPED.find(c);
-    if (known == std::string_view::npos) {
-        appendUnicodeEscape(out, c);
-        return;
-    }
+    if (static_cast<unsigned char>(c) < 0x20) return appendControlEscape(out, c);
     out += '\\';
-    out += ESCAPES[known];
+    out += c;
 }
 
 // Appends the first character of `text`, which is not plain; answers its length in bytes.

@@ -1,0 +1,50 @@
+#include "oska/platform/one_line.h"
+
+#include <algorithm>
+
+#include "oska/platform/json_text.h"
+
+namespace oska::platform {
+namespace {
+
+bool isC1(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    return byte >= 0x80 && byte <= 0x9F;
+}
+
+// `character`: well-formed UTF-8 of one character, or one byte that is no part of any.
+void appendVisibly(std::string& line, std::string_view character) {
+    const char last = character.back();
+    const auto byte = static_cast<unsigned char>(last);
+    const bool isControl = character.size() == 1 && (byte < 0x20 || byte == 0x7F || isC1(last));
+    if (isControl) {
+        json::appendControlEscape(line, last);
+    } else if (character.size() == 2 && character.front() == '\xC2' && isC1(last)) {
+        json::appendControlEscape(line, last);  // the second byte is the number of the character
+    } else if (character == "\xE2\x80\xA8") {
+        line += "\\u2028";
+    } else if (character == "\xE2\x80\xA9") {
+        line += "\\u2029";
+    } else {
+        line += character;
+    }
+}
+
+}  // namespace
+
+void appendOnOneLine(std::string& line, std::string_view text) {
+    while (!text.empty()) {
+        const std::size_t length = std::max<std::size_t>(json::characterLength(text), 1);
+        appendVisibly(line, text.substr(0, length));
+        text.remove_prefix(length);
+    }
+}
+
+std::string onOneLine(std::string_view text) {
+    std::string line;
+    line.reserve(text.size());
+    appendOnOneLine(line, text);
+    return line;
+}
+
+}  // namespace oska::platform
