@@ -2,7 +2,9 @@
 
 #include <utility>
 
+#include "oska/foundation/http_send.h"
 #include "oska/foundation/log_message.h"
+#include "oska/foundation/once.h"
 #include "oska/foundation/server_trust.h"
 #include "oska/platform/json.h"
 #include "oska/platform/text.h"
@@ -100,11 +102,11 @@ OskaNetworkManager::SessionPool::SessionPool(platform::HttpSessionFactory& facto
                                              const std::shared_ptr<platform::HttpSessionDelegate>& delegate) {
     const platform::HttpSessionConfiguration configuration{.timeoutForRequest = SESSION_TIMEOUT,
                                                            .timeoutForResource = SESSION_TIMEOUT};
-    for (auto& session : sessions_) session = factory.makeSession(configuration, delegate);
+    for (auto& session : sessions_) session = makeHttpSession(factory, configuration, delegate);
 }
 
-platform::HttpSession& OskaNetworkManager::SessionPool::next() {
-    return *sessions_[count_.fetch_add(1) % sessions_.size()];
+platform::HttpSession* OskaNetworkManager::SessionPool::next() {
+    return sessions_[count_.fetch_add(1) % sessions_.size()].get();
 }
 
 OskaNetworkManager::OskaNetworkManager(const platform::Platform& platform)
@@ -122,13 +124,13 @@ OskaNetworkManager::Answer OskaNetworkManager::answerTo(
         std::function<void(int, std::string, Input)> completion;
         Input input;
     };
-    return [queue = mainQueue_,
-            caller = std::make_shared<Caller>(Caller{std::move(completion), std::move(input)})](
-               int statusCode, std::string message) {
+    return once(Answer([queue = mainQueue_,
+                        caller = std::make_shared<Caller>(Caller{std::move(completion), std::move(input)})](
+                           int statusCode, std::string message) {
         queue->async([caller, statusCode, message = std::move(message)]() mutable {
             caller->completion(statusCode, std::move(message), std::move(caller->input));
         });
-    };
+    }));
 }
 
 void OskaNetworkManager::getSectorBundle(std::string_view url, SectorIdOsInput input, bool forceUpdate,
@@ -139,13 +141,14 @@ void OskaNetworkManager::getSectorBundle(std::string_view url, SectorIdOsInput i
     const auto answer = answerTo<SectorIdOsInput>(std::move(completion), std::move(input));
     const auto parsed = Url::parse(text);
     if (!parsed) return answer(NOT_SENT_STATUS, std::string(GET_NOT_SENT));
-    makeAuthorizedRequest(
-        *parsed, "GET", std::nullopt,
-        [self = shared_from_this(), answer, forceUpdate](std::optional<HttpRequest> request) {
-            if (!request) return answer(NOT_SENT_STATUS, std::string(GET_NOT_SENT));
-            if (forceUpdate) ignoreCaches(*request);
-            self->commonSessions_.next().send(std::move(*request), answering(answer));
-        });
+    makeAuthorizedRequest(*parsed, "GET", std::nullopt,
+                          [weak = weak_from_this(), answer, forceUpdate](std::optional<HttpRequest> request) {
+                              const auto self = weak.lock();
+                              if (!self || !request)
+                                  return answer(NOT_SENT_STATUS, std::string(GET_NOT_SENT));
+                              if (forceUpdate) ignoreCaches(*request);
+                              sendHttp(self->commonSessions_.next(), std::move(*request), answering(answer));
+                          });
 }
 
 void OskaNetworkManager::postReceivedForces(std::string_view url, std::vector<platform::ReceivedForce> input,
@@ -160,20 +163,35 @@ void OskaNetworkManager::postReceivedForces(std::string_view url, std::vector<pl
     const auto parsed = Url::parse(url);
     if (!parsed) return answer(NOT_SENT_STATUS, std::string(POST_NOT_SENT));
     makeAuthorizedRequest(*parsed, "POST", *std::move(body),
-                          [self = shared_from_this(), answer](std::optional<HttpRequest> request) {
-                              if (!request) return answer(NOT_SENT_STATUS, std::string(POST_NOT_SENT));
-                              self->recSessions_.next().send(std::move(*request), answering(answer));
+                          [weak = weak_from_this(), answer](std::optional<HttpRequest> request) {
+                              const auto self = weak.lock();
+                              if (!self || !request)
+                                  return answer(NOT_SENT_STATUS, std::string(POST_NOT_SENT));
+                              sendHttp(self->recSessions_.next(), std::move(*request), answering(answer));
                           });
 }
 
 void OskaNetworkManager::makeAuthorizedRequest(Url url, std::string method, std::optional<std::string> body,
                                                RequestMaker completion) {
-    auth_->getAccessToken(true, [url = std::move(url), method = std::move(method), body = std::move(body),
-                                 completion = std::move(completion)](platform::TokenResult result) mutable {
-        const auto* token = std::get_if<std::string>(&result);
-        if (!token) return completion(std::nullopt);
-        completion(authorizedRequest(std::move(url), std::move(method), std::move(body), *token));
-    });
+    const bool isUpload = body.has_value();
+    const auto answer = once(
+        WaitingUploads::Answer([url = std::move(url), method = std::move(method), body = std::move(body),
+                                completion = std::move(completion)](platform::TokenResult result) mutable {
+            const auto* token = std::get_if<std::string>(&result);
+            if (!token) return completion(std::nullopt);
+            completion(authorizedRequest(std::move(url), std::move(method), std::move(body), *token));
+        }));
+    const auto ticket = isUpload ? waitingUploads_.enter(answer) : WaitingUploads::NO_TICKET;
+    const WaitingUploads::Answer provided = [self = shared_from_this(), answer,
+                                             ticket](platform::TokenResult result) {
+        self->waitingUploads_.leave(ticket);
+        answer(std::move(result));
+    };
+    try {
+        auth_->getAccessToken(true, provided);
+    } catch (...) {
+        provided(platform::TokenFailure{});
+    }
 }
 
 }  // namespace oska

@@ -10,6 +10,7 @@
 #include <string_view>
 #include <vector>
 
+#include "oska/foundation/waiting_uploads.h"
 #include "oska/platform/platform.h"
 #include "oska/resources/bundle.h"
 
@@ -21,6 +22,8 @@ namespace oska {
 ///
 /// Results: a status code and a text. The text is the reply's body for a status of 200 to 299 (empty when it
 /// is not UTF-8); without a usable reply the status is 500, without a URL or a token 406. Nothing is retried.
+/// The provider's first answer counts, and one that throws has none. While it does not answer, at most eight
+/// uploads wait; the older ones end with 406.
 /// Threads: operations on any thread; they return at once. Each completion is called once, later, on the main
 /// queue, with the caller's input. Lifetime: owned by a shared_ptr; waiting for a token keeps it alive, and
 /// destroying it cancels the requests that are under way.
@@ -48,7 +51,8 @@ private:
     public:
         SessionPool(platform::HttpSessionFactory& factory,
                     const std::shared_ptr<platform::HttpSessionDelegate>& delegate);
-        platform::HttpSession& next();
+        /// Null where the factory made none.
+        platform::HttpSession* next();
 
     private:
         std::array<std::unique_ptr<platform::HttpSession>, 3> sessions_;
@@ -58,11 +62,12 @@ private:
     using Answer = std::function<void(int statusCode, std::string message)>;
     using RequestMaker = std::function<void(std::optional<platform::HttpRequest>)>;
 
-    /// Makes the request with a fresh bearer token, or none when the provider has none. Any thread.
+    /// Makes the request with a fresh bearer token, or none when the provider has none; one with a body waits
+    /// among the uploads. `completion` is called once and must not keep the manager alive. Any thread.
     void makeAuthorizedRequest(platform::Url url, std::string method, std::optional<std::string> body,
                                RequestMaker completion);
-    /// Posts `completion` with the outcome and `input` to the main queue when the answer is called, which is
-    /// once.
+    /// Posts `completion` with the outcome and `input` to the main queue when the answer is called; its first
+    /// call counts.
     template <class Input>
     Answer answerTo(std::function<void(int, std::string, Input)> completion, Input input);
 
@@ -72,6 +77,7 @@ private:
     std::shared_ptr<platform::HttpSessionDelegate> trustDelegate_;
     SessionPool recSessions_;
     SessionPool commonSessions_;
+    WaitingUploads waitingUploads_;
 };
 
 }  // namespace oska

@@ -20,7 +20,8 @@ struct TokenFailure {
 using TokenResult = std::variant<std::string, TokenFailure>;
 
 /// Threads: `getAccessToken` on any thread; `completion` exactly once, on any thread, inside the call or
-/// later.
+/// later. The kit ignores a second answer and takes an exception for a failure. It keeps at most eight
+/// uploads waiting for an answer; older ones end as if the provider had failed.
 class QuenloAuthManager {
 public:
     virtual ~QuenloAuthManager() = default;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "oska/foundation/http_send.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/server_trust.h"
 #include "oska/platform/quenlo_resource.h"
@@ -149,10 +150,10 @@ void OskaResourceManager::load(std::int64_t sectorId, bool forceUpdate, LoadComp
 
 // ---- the download
 
-platform::HttpSession& OskaResourceManager::downloadSession() {
+platform::HttpSession* OskaResourceManager::downloadSession() {
     std::call_once(downloadSessionMade_,
-                   [this] { downloadSession_ = http_->makeSession({}, trustDelegate_); });
-    return *downloadSession_;
+                   [this] { downloadSession_ = makeHttpSession(*http_, {}, trustDelegate_); });
+    return downloadSession_.get();
 }
 
 void OskaResourceManager::downloadResourceData(std::string_view url, DownloadCompletion completion) {
@@ -161,12 +162,12 @@ void OskaResourceManager::downloadResourceData(std::string_view url, DownloadCom
         RESOURCE_LOG.error("downloadResourceData", "invalid url = " + std::string(url));
         return mainQueue_->async([completion = std::move(completion)] { completion(std::nullopt); });
     }
-    downloadSession().send(
-        {.url = *parsed}, [queue = mainQueue_, completion = std::move(completion)](HttpOutcome outcome) {
-            queue->async([completion, body = downloadedBody(std::move(outcome))]() mutable {
-                completion(std::move(body));
-            });
-        });
+    sendHttp(downloadSession(), {.url = *parsed},
+             [queue = mainQueue_, completion = std::move(completion)](HttpOutcome outcome) {
+                 queue->async([completion, body = downloadedBody(std::move(outcome))]() mutable {
+                     completion(std::move(body));
+                 });
+             });
 }
 
 }  // namespace oska

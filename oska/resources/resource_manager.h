@@ -61,7 +61,7 @@ private:
     void deliver(std::optional<BundleOutput> output, FetchCompletion completion);
     template <class Kind>
     void load(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
-    platform::HttpSession& downloadSession();
+    platform::HttpSession* downloadSession();  // null where the factory made none
 
     std::shared_ptr<platform::MainQueue> mainQueue_;
     std::shared_ptr<platform::HttpSessionFactory> http_;

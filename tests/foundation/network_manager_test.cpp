@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <thread>
 
 #include "adapters/virtual/virtual_platform.h"
 #include "oska/foundation/network_constants.h"
@@ -158,6 +159,65 @@ TEST_F(NetworkManager, UsesTheSessionsOfEachPoolInTurn) {
     const auto rec = sessions.at(4);
     EXPECT_EQ(sessions, (std::vector<std::size_t>{common, common + 1, common + 2, common, rec, common + 1}));
     EXPECT_TRUE(rec < common || rec > common + 2);
+}
+
+using TokenAnswer = std::function<void(platform::TokenResult)>;
+
+struct FaultyTokens : platform::QuenloAuthManager {
+    void getAccessToken(bool, TokenAnswer answer) override { behave(answer); }
+    std::function<void(const TokenAnswer&)> behave;
+};
+
+class FaultyTokenProvider : public NetworkManager {
+protected:
+    void useProvider(std::function<void(const TokenAnswer&)> behaviour) {
+        const auto provider = std::make_shared<FaultyTokens>();
+        provider->behave = std::move(behaviour);
+        auto platform = world_.platform();
+        platform.auth = provider;
+        manager_ = std::make_shared<OskaNetworkManager>(platform);
+        world_.server().onRequest(virtual_world::always(reply(200, "")));
+    }
+};
+
+TEST_F(FaultyTokenProvider, IsTakenAtItsFirstAnswer) {
+    const std::pair<std::function<void(const TokenAnswer&)>, int> table[] = {
+        {[](auto& answer) { answer("cached"), answer("fresh"); }, 200},
+        {[](auto& answer) { answer(platform::TokenFailure{}), answer("fresh"); }, 406},
+        {[](auto&) { throw 1; }, 406},
+        {[](auto& answer) { answer("cached"), throw 1; }, 200},
+        {[](auto& answer) { std::jthread other(answer, "cached"), another(answer, "cached"); }, 200},
+    };
+    for (const auto& [behaviour, status] : table) {
+        useProvider(behaviour);
+        const auto expected = world_.server().requests().size() + (status == 200 ? 2 : 0);
+        EXPECT_EQ(get().status, status);
+        EXPECT_EQ(post("http://server/", {{1, {}}}).status, status);
+        ASSERT_EQ(world_.server().requests().size(), expected);
+        EXPECT_EQ(header(lastRequest(), "Authorization"), "Bearer cached;");
+    }
+}
+
+TEST_F(FaultyTokenProvider, KeepsEightUploadsWaitingWhenItNeverAnswers) {
+    std::vector<TokenAnswer> kept;
+    std::vector<std::string> ended;
+    for (const bool keepsAnswers : {false, true}) {
+        useProvider([&](auto& answer) { kept.resize(kept.size() + keepsAnswers, answer); });
+        ended.clear();
+        for (std::int64_t i = 0; i < 10; ++i) {
+            manager_->postReceivedForces("http://server/", {{i, {}}}, [&](int status, auto, auto batch) {
+                ended.push_back(std::to_string(batch.at(0).mobile_time) + " " + std::to_string(status));
+            });
+        }
+        EXPECT_TRUE(ended.empty()) << "answered inside the call";
+        world_.time().advanceBy(std::chrono::minutes(5));
+        EXPECT_EQ(ended, (std::vector<std::string>{"0 406", "1 406"}));
+        manager_.reset();
+        for (const auto& answer : kept) answer("late");
+        world_.time().advanceBy(std::chrono::minutes(5));
+        ASSERT_EQ(ended.size(), 10u);
+        EXPECT_EQ(ended.back(), keepsAnswers ? "9 200" : "9 406");
+    }
 }
 
 TEST(ServerTrust, AcceptsTheConfiguredHostAloneAndSaysSo) {

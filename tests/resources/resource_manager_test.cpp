@@ -304,6 +304,38 @@ TEST_F(ResourceManager, AcceptsTheOnPremiseServersOwnCertificateForBothRequests)
     EXPECT_TRUE(success_);
 }
 
+struct FaultySessions : platform::HttpSessionFactory, platform::HttpSession {
+    enum class Fault { completesTwice, throws, isNone };
+    FaultySessions(std::shared_ptr<HttpSessionFactory> good, Fault kind)
+        : factory(std::move(good)), session(factory->makeSession({}, nullptr)), fault(kind) {}
+    std::unique_ptr<platform::HttpSession> makeSession(
+        const platform::HttpSessionConfiguration&, std::shared_ptr<platform::HttpSessionDelegate>) override {
+        return fault == Fault::isNone ? nullptr : std::make_unique<FaultySessions>(factory, fault);
+    }
+    void send(platform::HttpRequest request, Completion completion) override {
+        if (fault == Fault::throws) throw 1;
+        session->send(std::move(request), [completion](const platform::HttpOutcome& outcome) {
+            for (int i = 0; i < 2; ++i) completion(outcome);
+        });
+    }
+    std::shared_ptr<HttpSessionFactory> factory;
+    std::unique_ptr<platform::HttpSession> session;
+    Fault fault;
+};
+
+TEST_F(ResourceManager, EndsEachLoadOnceWhateverTheSessionsDo) {
+    site_.publish("v1", PELIO_DOCUMENT);
+    using enum FaultySessions::Fault;
+    for (const auto fault : {completesTwice, throws, isNone}) {
+        auto platform = world_.platform();
+        platform.http = std::make_shared<FaultySessions>(platform.http, fault);
+        if (fault == completesTwice) network_ = std::make_shared<OskaNetworkManager>(platform);
+        manager_ = std::make_shared<OskaResourceManager>(platform, network_);
+        load(Kind::pelio);
+        EXPECT_EQ(success_, fault == completesTwice);
+    }
+}
+
 TEST_F(ResourceManager, MayBeAskedOnAnyThread) {
     site_.publish("v1", PELIO_DOCUMENT);
     std::atomic<int> successes{0};
