@@ -17,6 +17,31 @@ void configure(platform::RFDGenerator& generator, const GeneratorRun::Start& sta
     });
 }
 
+// False when the generator threw; it has let go of the service all the same, if it could.
+bool halt(platform::RFDGenerator& generator) {
+    bool isQuiet = true;
+    try {
+        generator.stopRfdGeneration();
+    } catch (...) {
+        isQuiet = false;
+    }
+    try {
+        generator.setDelegate({});
+    } catch (...) {
+        isQuiet = false;
+    }
+    return isQuiet;
+}
+
+/// Null when none can be had; a factory that throws has none.
+std::shared_ptr<platform::RFDGenerator> made(const platform::RFDGeneratorFactory& make) {
+    try {
+        return make ? make() : nullptr;
+    } catch (...) {
+        return nullptr;
+    }
+}
+
 }  // namespace
 
 GeneratorRun::~GeneratorRun() {
@@ -47,7 +72,7 @@ GeneratorRun::Outcome GeneratorRun::start(Claim claim, const Start& start) {
 }
 
 std::shared_ptr<platform::RFDGenerator> GeneratorRun::make(Claim claim, const std::string& id) {
-    auto generator = platform::current().makeRFDGenerator();
+    auto generator = made(platform::current().makeRFDGenerator);
     if (!generator) {
         settings_.log.error("startGenerator", "failed because rfdGenerator is nil", {{"id", id}});
     }
@@ -57,9 +82,20 @@ std::shared_ptr<platform::RFDGenerator> GeneratorRun::make(Claim claim, const st
     return generator;
 }
 
-// An overtaken start asks nothing more of the generator, which might begin to deliver to a stopped service.
+// A generator that throws counts as one that does not start.
 bool GeneratorRun::run(platform::RFDGenerator& generator, Claim claim, const Start& start) const {
-    if (isOvertaken(claim)) return true;
+    try {
+        return isOvertaken(claim) || configureAndStart(generator, claim, start);
+    } catch (...) {
+        settings_.log.error("startGenerator", "the generator threw an exception", {{"id", start.id}});
+        halt(generator);
+        return false;
+    }
+}
+
+// An overtaken start asks nothing more of the generator, which might begin to deliver to a stopped service.
+bool GeneratorRun::configureAndStart(platform::RFDGenerator& generator, Claim claim,
+                                     const Start& start) const {
     if (const auto availability = generator.checkIsAvailableRfd(); !availability.available) {
         settings_.log.error("startGenerator", "RFD unavailable",
                             {{"id", start.id}, {"msg", availability.message}});
@@ -121,8 +157,7 @@ void GeneratorRun::end(platform::RFDGenerator* generator) const {
     if (!generator) {
         return settings_.log.warn(settings_.stopOperation, "skipped because rfdGenerator is nil");
     }
-    generator->stopRfdGeneration();
-    generator->setDelegate({});
+    if (!halt(*generator)) settings_.log.error(settings_.stopOperation, "the generator threw an exception");
 }
 
 // ---- state

@@ -79,6 +79,8 @@ private:
 
     [[nodiscard]] std::shared_ptr<platform::RFDGenerator> make(Claim claim, const std::string& id);
     [[nodiscard]] bool run(platform::RFDGenerator& generator, Claim claim, const Start& start) const;
+    [[nodiscard]] bool configureAndStart(platform::RFDGenerator& generator, Claim claim,
+                                         const Start& start) const;
     [[nodiscard]] bool isOvertaken(Claim claim) const;
     [[nodiscard]] bool settle(Claim claim, bool isRunning);
     void end(platform::RFDGenerator* generator) const;

@@ -9,6 +9,15 @@ bool isIdCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
 }
 
+// The platform may add states; one that cannot be read counts as one of those.
+platform::BluetoothAuthorizationState authorizationOf(const platform::BluetoothAuthorization& bluetooth) {
+    try {
+        return bluetooth.authorization();
+    } catch (...) {
+        return static_cast<platform::BluetoothAuthorizationState>(-1);
+    }
+}
+
 }  // namespace
 
 bool isValidServiceId(std::string_view id) {
@@ -16,7 +25,7 @@ bool isValidServiceId(std::string_view id) {
 }
 
 bool checkBLEAuthorized(const platform::BluetoothAuthorization& bluetooth, const Log& log) {
-    switch (bluetooth.authorization()) {
+    switch (authorizationOf(bluetooth)) {
         case platform::BluetoothAuthorizationState::notDetermined:
         case platform::BluetoothAuthorizationState::allowedAlways:
             return true;

@@ -8,7 +8,8 @@
 namespace oska {
 
 /// What both services check before they start, and what they log of it. Each logs with the service's own tag;
-/// none calls a delegate. Threads: that of the service's call; no state.
+/// none calls a delegate. Threads: that of the service's call; no state. Errors: a Bluetooth state that
+/// cannot be read, because the provider throws, counts as unknown.
 
 /// One or more ASCII letters, digits, underscores or hyphens, and nothing else.
 [[nodiscard]] bool isValidServiceId(std::string_view id);

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "adapters/virtual/virtual_platform.h"
+#include "oska/foundation/generator_run.h"
 #include "tests/fakes/output_capture.h"
 
 namespace oska {
@@ -37,6 +39,37 @@ TEST(BluetoothCheck, LetsThroughWhatIsAllowedOrNotYetAsked) {
         EXPECT_EQ(checkBLEAuthorized(Bluetooth(state), Log("DapoView")), authorized) << state;
         EXPECT_EQ(output.take(), line.empty() ? Lines{} : Lines{line});
     }
+}
+
+struct Thrower : platform::BluetoothAuthorization, platform::RFDGenerator {
+    platform::BluetoothAuthorizationState authorization() const override { throw 1; }
+    platform::RfdAvailability checkIsAvailableRfd() override { return {true, ""}; }
+    void setScanMode(platform::ScanMode) override {}
+    void setDelegate(std::weak_ptr<platform::RFDGeneratorDelegate>) override { ++delegatesSet; }
+    void setPressureProvider(std::function<float()>) override {}
+    void generateRfd(const platform::RfdOptions&) override { throw 1; }
+    void generateReplayRfd() override {}
+    void stopRfdGeneration() override { throw 1; }
+    int delegatesSet = 0;
+};
+
+TEST(SignalSource, TakesProvidersThatThrowForOnesThatCannot) {
+    const auto thrower = std::make_shared<Thrower>();
+    EXPECT_FALSE(checkBLEAuthorized(*thrower, Log("DapoView")));
+
+    virtual_world::VirtualPlatform world{platform::WallTime()};
+    auto platform = world.platform();
+    std::vector<platform::RFDGeneratorFactory> factories{
+        [] { return nullptr; }, []() -> std::shared_ptr<platform::RFDGenerator> { throw 1; },
+        [&] { return thrower; }};
+    platform.makeRFDGenerator = [&] { return factories.back()(); };
+    platform::install(platform);
+    GeneratorRun run({.log = Log("DapoView"), .stopOperation = "stopGenerator"});
+    for (; !factories.empty(); factories.pop_back()) {
+        EXPECT_EQ(run.start(*run.claim(), {.id = "id"}).failure, ServiceErrorCode::GENERATOR_FAIL);
+        EXPECT_TRUE(run.isIdle());
+    }
+    EXPECT_EQ(thrower->delegatesSet, 2) << "set at the start, let go of after it failed";
 }
 
 }  // namespace
