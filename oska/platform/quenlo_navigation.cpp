@@ -77,7 +77,11 @@ private:
 
 std::shared_ptr<NavigationManager> makeNavigationManager(const NavigationOptions& options) {
     const auto& make = current().makeNavigationManager;
-    auto made = make ? make(options) : nullptr;
+    std::shared_ptr<NavigationManager> made;
+    try {
+        if (make) made = make(options);
+    } catch (...) {  // as when there is none
+    }
     return made ? made : std::make_shared<MissingNavigationManager>();
 }
 

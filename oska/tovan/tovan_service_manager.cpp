@@ -34,8 +34,11 @@ TovanServiceManager::TovanServiceManager(const Options& options)
       delegate_(options.delegate) {}
 
 TovanServiceManager::~TovanServiceManager() {
-    serviceManager_->setDelegate({});
-    serviceManager_->stopService([](bool, const std::string&, const platform::TovanServiceResult&) {});
+    try {
+        serviceManager_->setDelegate({});
+        serviceManager_->stopService([](bool, const std::string&, const platform::TovanServiceResult&) {});
+    } catch (...) {  // out of a destructor it would end the process
+    }
 }
 
 void TovanServiceManager::setDelegate(std::weak_ptr<platform::NavigationManagerDelegate> delegate) {

@@ -37,6 +37,7 @@ protected:
         if (hasFramework) {
             parts.makeNavigationManager = [this](const platform::NavigationOptions& options) {
                 options_ = options;
+                if (!manager_) throw 1;
                 return manager_;
             };
         }
@@ -208,7 +209,7 @@ TEST_F(TovanService, ItsEndStopsTheNavigationServiceAndNothingReachesTheHost) {
 TEST_F(TovanService, TheLastReferenceMayGoInsideANotification) {
     auto service = create();
     EXPECT_CALL(*host_, isUserArrived()).WillOnce([&] { service.reset(); });
-    EXPECT_CALL(*manager_, stopService(_));
+    EXPECT_CALL(*manager_, stopService(_)).WillOnce(testing::Throw(1));
     manager_->notify([](auto& d) { d.isUserArrived(); });
     EXPECT_FALSE(manager_->notify([](auto& d) { d.isUserArrived(); }));
 }
@@ -245,7 +246,7 @@ TEST_F(TovanService, MayChangeItsDelegateAndEndWhileAnotherThreadNotifies) {
 
 auto namesTheFramework() { return Field(&TovanServiceResult::message, HasSubstr("QuenloTovan is missing")); }
 
-TEST_F(TovanService, AFactoryThatMakesNoneCountsAsNoFramework) {
+TEST_F(TovanService, AFactoryThatThrowsCountsAsNoFramework) {
     manager_.reset();
     EXPECT_CALL(*host_, onTovanSuccess(false, _, namesTheFramework()));
     create()->startService(platform::UserMode::PEDESTRIAN);
