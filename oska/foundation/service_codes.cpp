@@ -2,12 +2,12 @@
 
 namespace oska {
 
-std::optional<ServiceInitErrorCode> serviceInitErrorCode(int rawValue) {
+std::optional<ServiceInitErrorCode> serviceInitErrorCode(std::int64_t rawValue) {
     if (rawValue < -1 || rawValue > 1) return std::nullopt;
     return static_cast<ServiceInitErrorCode>(rawValue);
 }
 
-std::optional<ServiceErrorCode> serviceErrorCode(int rawValue) {
+std::optional<ServiceErrorCode> serviceErrorCode(std::int64_t rawValue) {
     if (rawValue < -1 || rawValue > 3) return std::nullopt;
     return static_cast<ServiceErrorCode>(rawValue);
 }

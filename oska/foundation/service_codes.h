@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string_view>
 
@@ -17,9 +18,9 @@ enum class ServiceErrorCode : int {
     GENERATOR_FAIL = 3,
 };
 
-/// The case with that raw value, or none.
-[[nodiscard]] std::optional<ServiceInitErrorCode> serviceInitErrorCode(int rawValue);
-[[nodiscard]] std::optional<ServiceErrorCode> serviceErrorCode(int rawValue);
+/// The case with that raw value, or none. The whole 64 bits count: 2^32 + 1 is not 1.
+[[nodiscard]] std::optional<ServiceInitErrorCode> serviceInitErrorCode(std::int64_t rawValue);
+[[nodiscard]] std::optional<ServiceErrorCode> serviceErrorCode(std::int64_t rawValue);
 
 /// The name of the case as it is spelt above.
 [[nodiscard]] std::string_view caseName(ServiceInitErrorCode code);

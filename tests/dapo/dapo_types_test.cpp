@@ -131,6 +131,8 @@ TEST(DapoCodes, ConvertFromRawValues) {
     EXPECT_FALSE(serviceErrorCode(4));
     EXPECT_EQ(serviceInitErrorCode(1), DapoInitErrorCode::RESOURCE_FAIL);
     EXPECT_FALSE(serviceInitErrorCode(3));
+    EXPECT_FALSE(serviceErrorCode((std::int64_t{1} << 32) + 1));
+    EXPECT_FALSE(serviceInitErrorCode((std::int64_t{1} << 32) + 1));
 }
 
 }  // namespace
