@@ -12,8 +12,10 @@ enum class Notification {
     willEnterForeground,  ///< the application is about to be on the screen again
 };
 
-/// One registration. Destroying it ends it: on the thread of a post, the observer is not called after that;
-/// on another thread it does not start afterwards, but may be running at that moment.
+/// One registration. Destroying it ends it and waits for nothing. On the thread of a post, the observer is
+/// not called after that. On another thread, a post under way may have decided on the call already: the
+/// observer may then be running or even start after the destructor has returned, once per such post. What it
+/// uses must live that long: capture a `std::weak_ptr`, or end the registration on the thread that posts.
 class Observation {
 public:
     virtual ~Observation() = default;
