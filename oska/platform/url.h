@@ -25,7 +25,7 @@ public:
     Url() = default;
 
     /// None when `text` is empty, is not UTF-8 or holds a host or port that cannot be. A host beyond ASCII
-    /// takes its IDNA form (UTS 46, non-transitional; symbols such as emoji are refused). Text before a colon
+    /// takes its IDNA form (UTS 46, non-transitional; symbols such as emoji may stand in it). Text before a colon
     /// that is no scheme makes a relative reference (`127.0.0.1:8080`), unless that first segment would have
     /// to be encoded.
     [[nodiscard]] static std::optional<Url> parse(std::string_view text);

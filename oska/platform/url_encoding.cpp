@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "oska/platform/text.h"
+#include "oska/platform/text_scalars.h"
 
 namespace oska::platform {
 namespace {
@@ -20,16 +20,46 @@ bool consistsOf(std::string_view text, const UrlCharacters& allowed) {
     return std::all_of(text.begin(), text.end(), [&](char c) { return allowed.contains(c); });
 }
 
+struct IdnaResult {
+    int code;
+    std::optional<std::string> form;
+};
+
+IdnaResult idnaForm(const std::string& host, int mode) {
+    char* converted = nullptr;
+    const int code = idn2_to_ascii_8z(host.c_str(), &converted, IDN2_NFC_INPUT | mode);
+    const std::unique_ptr<char, decltype(&idn2_free)> form(converted, &idn2_free);
+    if (code != IDN2_OK || !form) return {code, std::nullopt};
+    return {code, form.get()};
+}
+
+bool isWrittenRightToLeft(utf8proc_int32_t scalar) {
+    const auto direction = utf8proc_get_property(scalar)->bidi_class;
+    return direction == UTF8PROC_BIDI_CLASS_R || direction == UTF8PROC_BIDI_CLASS_AL ||
+           direction == UTF8PROC_BIDI_CLASS_AN;
+}
+
+// Transitional mode makes other names of sharp s, final sigma and the joiners, and checks no directions.
+bool needsStrictMode(std::string_view host) {
+    constexpr std::array<utf8proc_int32_t, 4> DEVIATIONS{0xDF, 0x3C2, 0x200C, 0x200D};
+    while (!host.empty()) {
+        const auto [scalar, length] = text::firstScalar(host);
+        if (std::find(DEVIATIONS.begin(), DEVIATIONS.end(), scalar) != DEVIATIONS.end()) return true;
+        if (isWrittenRightToLeft(scalar)) return true;
+        host.remove_prefix(length);
+    }
+    return false;
+}
+
 std::optional<std::string> idnaForm(std::string_view host) {
     // No name longer than 255 bytes can be looked up, and the work grows with the square of a label's length.
     constexpr std::size_t LONGEST_CONVERTED = 1024;
     if (host.size() > LONGEST_CONVERTED) return std::nullopt;
-    char* converted = nullptr;
-    const int result =
-        idn2_to_ascii_8z(std::string(host).c_str(), &converted, IDN2_NFC_INPUT | IDN2_NONTRANSITIONAL);
-    const std::unique_ptr<char, decltype(&idn2_free)> form(converted, &idn2_free);
-    if (result != IDN2_OK || !form) return std::nullopt;
-    return std::string(form.get());
+    const std::string text(host);
+    auto strict = idnaForm(text, IDN2_NONTRANSITIONAL);
+    // libidn2 takes symbols, which may stand in names, in its other mode only.
+    const bool mayBeSymbol = strict.code == IDN2_DISALLOWED && !needsStrictMode(text);
+    return mayBeSymbol ? idnaForm(text, IDN2_TRANSITIONAL).form : std::move(strict.form);
 }
 
 std::optional<std::string> encodedName(std::string_view host) {

@@ -130,11 +130,18 @@ TEST(Url, AHostBeyondAsciiTakesItsIdnaForm) {
         {"https://한글.kr/", "xn--bj0bj06e.kr"},
         {"https://stra\u00DFe.de", "xn--strae-oqa.de"},
         {"//\uFF45x\uFF0Ecom/", "ex.com"},
-        {"https://a\u2100b/", NO_URL},  // "a/c" within
-        {"https://a\uFF20b/", NO_URL},  // "@" within
-        {"https://\u00AD/", NO_URL},    // nothing left
-        {"https://\u05D0a/", NO_URL},   // both directions in one label
-        {"https://a\u200Cb/", NO_URL},  // joiner where none belongs
+        {"https://i\u2764\uFE0Ftacos.ws", "xn--itacos-i50d.ws"},
+        {"https://\U0001F4A9.la", "xn--ls8h.la"},
+        {"https://\u2764\u00DF.de", NO_URL},  // a symbol, but "ss" would be another name
+        {"https://\u2764\u200D.de", NO_URL},
+        {"https://\u05D0\u2764a/", NO_URL},  // as below, with a symbol
+        {"https://\u2764\uE000/", NO_URL},   // private use
+        {"https://\u2764\u0378/", NO_URL},   // unassigned
+        {"https://a\u2100b/", NO_URL},       // "a/c" within
+        {"https://a\uFF20b/", NO_URL},       // "@" within
+        {"https://\u00AD/", NO_URL},         // nothing left
+        {"https://\u05D0a/", NO_URL},        // both directions in one label
+        {"https://a\u200Cb/", NO_URL},       // joiner where none belongs
         {"https://\u00E9%20.com/", NO_URL},
         {"https://\u00E9 .com/", NO_URL},
     };
