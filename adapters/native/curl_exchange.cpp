@@ -82,7 +82,7 @@ std::optional<HttpError> CurlExchange::start(CurlMulti& multi) {
 std::optional<HttpError> CurlExchange::setUrl() {
     const auto result = url_.set(CURLUPART_URL, request_.url.absoluteString(), CURLU_PATH_AS_IS);
     if (result != CURLUE_OK) return unsupported(request_, curl_url_strerror(result));
-    if (!isSameHost(url_.part(CURLUPART_HOST), address_.host)) {
+    if (!isSameHost(url_.part(CURLUPART_HOST), request_.url.encodedHost().value_or(""))) {
         return unsupported(request_, "the host is not written as a plain name or address");
     }
     easy_.set(CURLOPT_CURLU, url_.get());

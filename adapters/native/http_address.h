@@ -10,7 +10,7 @@ namespace oska::native {
 /// Where an http or https URL leads: what a connection is made to, and what an origin is told by.
 struct HttpAddress {
     bool isSecure = false;
-    std::string host;  ///< as the URL spells it: a name, or an address without brackets
+    std::string host;  ///< as `Url::host` reads it: a name, or an address without brackets
     int port = 0;      ///< the scheme's own when the URL names none
 
     /// None unless the URL is http or https and has a host.

@@ -48,7 +48,7 @@ public:
     /// Answers the requests whose URL has this path ("/a/b", as sent: no query, escapes as they stand).
     void onPath(std::string path, RequestHandler handler);
 
-    /// No authority vouches for the certificate of this host, given as it stands in the URLs.
+    /// No authority vouches for the certificate of this host, given as `Url::host` reads it.
     void setUntrusted(std::string host);
 
     /// Whether `requests` fills (it does from the start); a long run would collect without end.

@@ -90,6 +90,13 @@ std::optional<std::string> Url::scheme() const {
 }
 
 std::optional<std::string> Url::host() const {
+    const auto written = encodedHost();
+    if (!written) return std::nullopt;
+    auto host = percentDecoded(*written);
+    return text::isUtf8(host) ? std::move(host) : written;
+}
+
+std::optional<std::string> Url::encodedHost() const {
     const auto authority = splitAuthority(splitUrl(text_, EmptyScheme::COUNTS).authority.value_or(""));
     if (!authority || authority->host.empty()) return std::nullopt;
     const bool bracketed = authority->host.front() == '[';

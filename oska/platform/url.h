@@ -25,9 +25,9 @@ public:
     Url() = default;
 
     /// None when `text` is empty, is not UTF-8 or holds a host or port that cannot be. A host beyond ASCII
-    /// takes its IDNA form (UTS 46, non-transitional; symbols such as emoji may stand in it). Text before a colon
-    /// that is no scheme makes a relative reference (`127.0.0.1:8080`), unless that first segment would have
-    /// to be encoded.
+    /// takes its IDNA form (UTS 46, non-transitional; symbols such as emoji may stand in it). Text before a
+    /// colon that is no scheme makes a relative reference (`127.0.0.1:8080`), unless that first segment would
+    /// have to be encoded.
     [[nodiscard]] static std::optional<Url> parse(std::string_view text);
 
     [[nodiscard]] const std::string& absoluteString() const { return text_; }
@@ -35,9 +35,13 @@ public:
     /// As written, so possibly upper case; "" when the text starts with a colon.
     [[nodiscard]] std::optional<std::string> scheme() const;
 
-    /// As written, escapes included, without the brackets of an address; none when it is empty or there is
-    /// none.
+    /// Without the brackets of an address and with escapes decoded, that before a zone included
+    /// (`fe80::1%en0`). `%00` stays, and so do all escapes of a host that would not be UTF-8. A host beyond
+    /// ASCII reads as its IDNA form. None when it is empty or there is none.
     [[nodiscard]] std::optional<std::string> host() const;
+
+    /// As `host`, but as written: escapes stay.
+    [[nodiscard]] std::optional<std::string> encodedHost() const;
 
     /// None when there is none or no `int` holds it. The default port of a scheme is not filled in.
     [[nodiscard]] std::optional<int> port() const;

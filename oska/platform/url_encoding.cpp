@@ -12,6 +12,9 @@ namespace {
 
 constexpr bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
+// REQUIRES: a hex digit.
+constexpr int hexValue(char c) { return isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10; }
+
 bool startsWithEscape(std::string_view text) {
     return text.size() >= 3 && text[0] == '%' && isHexDigit(text[1]) && isHexDigit(text[2]);
 }
@@ -114,6 +117,18 @@ std::string percentEncoded(std::string_view text, const UrlCharacters& allowed) 
         encoded += {'%', DIGITS[byte >> 4U], DIGITS[byte & 0xFU]};
     }
     return encoded;
+}
+
+std::string percentDecoded(std::string_view text) {
+    constexpr std::string_view ESCAPED_NUL = "%00";
+    std::string decoded;
+    decoded.reserve(text.size());
+    while (!text.empty()) {
+        const bool escape = startsWithEscape(text) && !text.starts_with(ESCAPED_NUL);
+        decoded += escape ? static_cast<char>(hexValue(text[1]) << 4 | hexValue(text[2])) : text.front();
+        text.remove_prefix(escape ? 3 : 1);
+    }
+    return decoded;
 }
 
 std::string encodedWhereNeeded(std::string_view text, const UrlCharacters& allowed) {

@@ -47,6 +47,9 @@ inline constexpr UrlCharacters QUERY_ITEM_CHARACTERS{
 /// `text` as it is when it `isEncoded`, else the whole of it percent-encoded.
 [[nodiscard]] std::string encodedWhereNeeded(std::string_view text, const UrlCharacters& allowed);
 
+/// `text` with its escapes as the bytes that they stand for, but `%00` as it is.
+[[nodiscard]] std::string percentDecoded(std::string_view text);
+
 /// A host as it may stand in a URL: a name, its IDNA form when it is not ASCII, or an address in brackets,
 /// whose zone is then introduced by "%25". None when it cannot be a host.
 [[nodiscard]] std::optional<std::string> encodedHost(std::string_view host);

@@ -155,7 +155,7 @@ TEST(Url, AHostBeyondAsciiTakesItsIdnaForm) {
     EXPECT_EQ(parsedText(std::string_view("http://\u00E9\0.evil/", 16)), std::nullopt);
 }
 
-TEST(Url, PartsAreReadAsWritten) {
+TEST(Url, PartsAreReadAsWrittenAndHostsDecoded) {
     struct Case {
         const char* text;
         std::optional<std::string> scheme;
@@ -172,6 +172,10 @@ TEST(Url, PartsAreReadAsWritten) {
         {"http://[::1]:80/", "http", "::1", 80},
         {"http://[::1]", "http", "::1", std::nullopt},
         {"http://a%00b/", "http", "a%00b", std::nullopt},
+        {"http://a%20%41%c3%A9/", "http", "a A\u00E9", std::nullopt},
+        {"http://a%41%FF/", "http", "a%41%FF", std::nullopt},
+        {"http://[fe80::1%25en0]:80/", "http", "fe80::1%en0", 80},
+        {"http://[fe80::1%en%20]", "http", "fe80::1%en ", std::nullopt},
         {"http://", "http", std::nullopt, std::nullopt},
         {"http:///x", "http", std::nullopt, std::nullopt},
         {"http://u@:80", "http", std::nullopt, 80},
