@@ -24,6 +24,8 @@ constexpr std::string_view GET_NOT_SENT = "Invalid URL or failed to get token";
 constexpr std::string_view POST_NOT_SENT = "Invalid URL or failed to encode JSON";
 constexpr std::chrono::seconds REQUEST_TIMEOUT{60};
 constexpr std::chrono::seconds SESSION_TIMEOUT{5};
+constexpr std::size_t MAXIMUM_REPLY_BYTES = std::size_t{1}
+                                            << 20;  // of a descriptor; bundles do not come here
 
 struct Result {
     int statusCode;
@@ -101,7 +103,8 @@ const std::shared_ptr<OskaNetworkManager>& OskaNetworkManager::shared() {
 OskaNetworkManager::SessionPool::SessionPool(platform::HttpSessionFactory& factory,
                                              const std::shared_ptr<platform::HttpSessionDelegate>& delegate) {
     const platform::HttpSessionConfiguration configuration{.timeoutForRequest = SESSION_TIMEOUT,
-                                                           .timeoutForResource = SESSION_TIMEOUT};
+                                                           .timeoutForResource = SESSION_TIMEOUT,
+                                                           .maximumReplyBytes = MAXIMUM_REPLY_BYTES};
     for (auto& session : sessions_) session = makeHttpSession(factory, configuration, delegate);
 }
 

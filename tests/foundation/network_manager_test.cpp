@@ -134,6 +134,8 @@ TEST_F(NetworkManager, TurnsEveryOutcomeIntoAStatusAndAText) {
         {virtual_world::silence(), {500, "Timed out"}},
         {virtual_world::failureAfter(200, HttpErrorKind::timedOut, "late"), {200, "Timed out"}},
         {virtual_world::failureAfter(200, HttpErrorKind::connectionLost, "cut off"), {200, "cut off"}},
+        {reply(200, std::string(1 << 20, 'x')), {200, std::string(1 << 20, 'x')}},
+        {reply(200, std::string((1 << 20) + 1, 'x')), {200, "The reply is larger than the session allows."}},
         {virtual_world::failure(HttpErrorKind::cannotConnect, "refused"), {500, "refused"}},
         {virtual_world::nothing(), {500, "Request failed"}},
         {virtual_world::replyBeyondHttp("x"), {500, "Request failed"}},
