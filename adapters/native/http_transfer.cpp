@@ -45,6 +45,10 @@ std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& auth
         return failed(HttpErrorKind::unsupportedUrl, "Unsupported URL \"" + request_.url.absoluteString() +
                                                          "\": http or https and a host are needed.");
     }
+    if (platform::isGetWithBody(request_)) {
+        return failed(HttpErrorKind::bodyNotAllowed,
+                      "The request to " + address->text() + " was not sent: a GET cannot have a body.");
+    }
     exchange_ = std::make_unique<CurlExchange>(request_, *address, limitsOf(request_, *session_),
                                                session_->delegate.get(), authorities, this);
     if (auto error = exchange_->start(multi)) return HttpOutcome{.error = std::move(*error)};

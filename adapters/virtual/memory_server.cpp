@@ -131,6 +131,9 @@ private:
         const auto& url = transfer.request.url;
         if (isShutDown()) return {.outcome = cancelled()};
         if (!isSupported(url)) return failure(HttpErrorKind::unsupportedUrl, "unsupported URL");
+        if (platform::isGetWithBody(transfer.request)) {
+            return failure(HttpErrorKind::bodyNotAllowed, "A GET cannot have a body.");
+        }
         const auto host = *url.host();
         if (hasScheme(url, "https") && isUntrusted(host) && !isAccepted(*transfer.session, host)) {
             return failure(HttpErrorKind::untrustedCertificate,

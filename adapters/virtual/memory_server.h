@@ -25,7 +25,8 @@ struct SeenRequest {
 /// in a job, too, when the answer's delay has passed. It fails as `timedOut` when the answer takes longer
 /// than its idle time-out (its own, else the session's) or than the session allows in all, and as
 /// `replyTooLarge` beyond the session's limit.
-/// A request that is neither http nor https or has no host fails as `unsupportedUrl`; one over https to a
+/// A request that is neither http nor https or has no host fails as `unsupportedUrl`, a GET with a body as
+/// `bodyNotAllowed`; one over https to a
 /// host that nobody vouches for is put to the session's delegate, each time. Neither is seen by the server
 /// unless accepted.
 /// Ends: requests under way complete as `cancelled` in a job when their session is destroyed, inside

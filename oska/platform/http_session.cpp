@@ -36,6 +36,10 @@ constexpr std::array<std::pair<int, std::string_view>, 23> REASONS{{
 
 }  // namespace
 
+bool isGetWithBody(const HttpRequest& request) {
+    return request.method == "GET" && request.body && !request.body->empty();
+}
+
 std::string describe(const HttpReply& reply) {
     if (!reply.status) return "not an HTTP reply";
     auto text = "HTTP status " + std::to_string(*reply.status);

@@ -44,6 +44,7 @@ enum class HttpErrorKind {
     secureConnectionFailed,  ///< TLS could not be set up
     untrustedCertificate,    ///< nobody vouches for the server's certificate, or it belongs to another host
     replyTooLarge,           ///< the body exceeds the session's `maximumReplyBytes`
+    bodyNotAllowed,          ///< a GET with a body; nothing was sent, nor connected to
     unknown,
 };
 
@@ -107,6 +108,9 @@ public:
     virtual ~HttpSession() = default;
     virtual void send(HttpRequest request, Completion completion) = 0;
 };
+
+/// Whether the request is one that no session sends: it fails as `bodyNotAllowed`. An empty body is none.
+[[nodiscard]] bool isGetWithBody(const HttpRequest& request);
 
 /// Makes sessions. The session keeps `delegate`, which may be null, alive. Threads: any.
 class HttpSessionFactory {

@@ -197,6 +197,15 @@ TYPED_TEST_P(HttpSessionContract, RefusesWhatIsNotHttpOrHasNoHost) {
     }
 }
 
+TYPED_TEST_P(HttpSessionContract, SendsNoGetWithABody) {
+    auto request = this->get(this->driver_.url("/"));
+    request.body = "x";
+    EXPECT_EQ(kindOf(this->outcomeOf(request)), HttpErrorKind::bodyNotAllowed);
+    EXPECT_TRUE(this->driver_.requests().empty());
+    request.body = "";
+    EXPECT_EQ(statusOf(this->outcomeOf(request)), 404);
+}
+
 TYPED_TEST_P(HttpSessionContract, SaysThatNobodyListens) {
     const auto outcome = this->outcomeOf(this->get(this->driver_.refusedUrl()));
     EXPECT_EQ(kindOf(outcome), HttpErrorKind::cannotConnect);
@@ -306,7 +315,7 @@ TYPED_TEST_P(HttpSessionContract, TheDelegateDecidesAnewOnEachConnectionToAServe
 REGISTER_TYPED_TEST_SUITE_P(HttpSessionContract, CarriesARequestThereAndItsReplyBack,
                             AnyStatusIsAReplyAndAMissingBodyIsAnEmptyOne,
                             CompletesLaterAndOnceAndNeverInsideSend, RefusesWhatIsNotHttpOrHasNoHost,
-                            SaysThatNobodyListens,
+                            SendsNoGetWithABody, SaysThatNobodyListens,
                             TheRequestsOwnTimeoutTakesThePlaceOfTheSessionsAndTheResourcesHoldsForBoth,
                             BoundsTheReply, ASessionsEndCancelsItsRequestsAndNoOthers,
                             ShuttingDownCancelsWhatIsUnderWayAndWhatComesLater,
