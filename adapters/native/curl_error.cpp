@@ -62,6 +62,7 @@ HttpError httpError(const CurlFailure& failure) {
         case CURLE_PARTIAL_FILE:
         case CURLE_RECV_ERROR:
         case CURLE_SEND_ERROR:
+        case CURLE_SEND_FAIL_REWIND:  // a body that must not be sent twice met a dead connection
         case CURLE_HTTP2_STREAM:
             return lost(failure);
         default:

@@ -45,12 +45,12 @@ bool isSameHost(std::string_view curlHost, std::string_view host) {
 }  // namespace
 
 CurlExchange::CurlExchange(const HttpRequest& request, const HttpAddress& address,
-                           const ExchangeLimits& limits, platform::HttpSessionDelegate* delegate,
-                           TrustStore& authorities, void* owner)
+                           const ExchangeLimits& limits, ServerTrust trust, void* owner)
     : request_(request),
       address_(address),
       collector_(address.text(), limits.replyBytes),
-      trust_(address.host, delegate, authorities) {
+      trust_(address.host, trust),
+      hasOwnConnections_(trust.connections != nullptr) {
     setConnection(limits);
     setCallbacks(owner);
     trust_.attachTo(easy_);
@@ -93,18 +93,39 @@ void CurlExchange::setRequest() {
     headers_ = curlHeaders(request_);
     easy_.set(CURLOPT_HTTPHEADER, headers_.get());
     const bool isPost = request_.method == "POST";
-    if (request_.body || isPost) {
-        const auto& body = request_.body;
-        easy_.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body ? body->size() : 0))
-            .set(CURLOPT_POSTFIELDS, body ? body->c_str() : "");
-    }
+    if (request_.body || isPost) setBody();
     if (request_.method == "HEAD") {
         easy_.set(CURLOPT_NOBODY, 1L);
     } else if (!isPost) {
         easy_.set(CURLOPT_CUSTOMREQUEST, request_.method.c_str());
     }
-    if (mayBeSentTwice(request_.method)) return;
-    easy_.set(CURLOPT_FRESH_CONNECT, 1L).set(CURLOPT_FORBID_REUSE, 1L);
+    if (!mayBeSentTwice(request_.method)) sendOnlyOnce();
+}
+
+void CurlExchange::setBody() {
+    const auto& body = request_.body;
+    easy_.set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(body ? body->size() : 0))
+        .set(CURLOPT_POSTFIELDS, body ? body->c_str() : "");
+}
+
+/// libcurl would send it again over a new connection when one kept alive turns out to be dead. Where a new
+/// connection asks the delegate anew, one kept alive is used all the same, with a body that libcurl can read
+/// once only: with a part of it gone, libcurl gives up. Without a body nothing would hold it back.
+void CurlExchange::sendOnlyOnce() {
+    if (!hasOwnConnections_ || !request_.body || request_.body->empty()) {
+        easy_.set(CURLOPT_FRESH_CONNECT, 1L).set(CURLOPT_FORBID_REUSE, 1L);
+        return;
+    }
+    const curl_read_callback onRead = [](char* into, std::size_t, std::size_t size, void* self) noexcept {
+        auto& exchange = *static_cast<CurlExchange*>(self);
+        const auto taken = exchange.request_.body->copy(into, size, exchange.bodyBytesTaken_);
+        exchange.bodyBytesTaken_ += taken;
+        return taken == 0 ? std::size_t{CURL_READFUNC_ABORT} : taken;
+    };
+    easy_.set(CURLOPT_POSTFIELDS, nullptr)
+        .set(CURLOPT_POST, 1L)
+        .set(CURLOPT_READFUNCTION, onRead)
+        .set(CURLOPT_READDATA, static_cast<void*>(this));
 }
 
 void CurlExchange::setConnection(const ExchangeLimits& limits) {

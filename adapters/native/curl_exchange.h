@@ -27,8 +27,7 @@ class CurlExchange {
 public:
     /// Requires: `address` is that of the request's URL. `owner` is what `ownerOf` answers.
     CurlExchange(const platform::HttpRequest& request, const HttpAddress& address,
-                 const ExchangeLimits& limits, platform::HttpSessionDelegate* delegate,
-                 TrustStore& authorities, void* owner);
+                 const ExchangeLimits& limits, ServerTrust trust, void* owner);
     ~CurlExchange();
     CurlExchange(const CurlExchange&) = delete;
     CurlExchange& operator=(const CurlExchange&) = delete;
@@ -51,6 +50,8 @@ public:
 private:
     [[nodiscard]] std::optional<platform::HttpError> setUrl();
     void setRequest();
+    void setBody();
+    void sendOnlyOnce();
     void setConnection(const ExchangeLimits& limits);
     void setCallbacks(void* owner);
     [[nodiscard]] platform::HttpError failure(CURLcode code) const;
@@ -58,8 +59,10 @@ private:
     const platform::HttpRequest& request_;
     const HttpAddress address_;
     CurlMulti* multi_ = nullptr;  // while under way
+    std::size_t bodyBytesTaken_ = 0;
     ReplyCollector collector_;
     ServerTrustCheck trust_;
+    const bool hasOwnConnections_;
     CurlUrl url_;
     CurlList headers_;
     std::array<char, CURL_ERROR_SIZE> errorText_{};

@@ -3,6 +3,7 @@
 #include <curl/curl.h>
 
 #include <memory>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -49,6 +50,24 @@ private:
     };
     std::unique_ptr<CURL, Free> handle_;
     CURLcode result_;
+};
+
+/// Connections kept alive for those transfers only that name the pool. Lifetime: longer than its transfers.
+class CurlPool {
+public:
+    /// Throws `std::bad_alloc`.
+    CurlPool() : handle_(curl_share_init()) {
+        const bool isPool = handle_ && curl_share_setopt(handle_.get(), CURLSHOPT_SHARE,
+                                                         CURL_LOCK_DATA_CONNECT) == CURLSHE_OK;
+        if (!isPool) throw std::bad_alloc();
+    }
+    [[nodiscard]] CURLSH* get() const { return handle_.get(); }
+
+private:
+    struct Free {
+        void operator()(CURLSH* handle) const { curl_share_cleanup(handle); }
+    };
+    std::unique_ptr<CURLSH, Free> handle_;
 };
 
 /// A URL taken apart.

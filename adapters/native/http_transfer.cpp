@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "adapters/native/http_redirect.h"
+#include "oska/platform/text.h"
 
 namespace oska::native {
 
@@ -39,18 +40,28 @@ HttpTransfer::HttpTransfer(std::shared_ptr<const SessionState> session, HttpRequ
       deadlines_(idleTimeout(request_, *session_), session_->configuration.timeoutForResource, Clock::now()) {
 }
 
-std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& authorities) {
-    const auto address = HttpAddress::of(request_.url);
-    if (!address) {
+std::optional<HttpOutcome> HttpTransfer::prepare() {
+    address_ = HttpAddress::of(request_.url);
+    if (!address_) {
         return failed(HttpErrorKind::unsupportedUrl, "Unsupported URL \"" + request_.url.absoluteString() +
                                                          "\": http or https and a host are needed.");
     }
     if (platform::isGetWithBody(request_)) {
         return failed(HttpErrorKind::bodyNotAllowed,
-                      "The request to " + address->text() + " was not sent: a GET cannot have a body.");
+                      "The request to " + address_->text() + " was not sent: a GET cannot have a body.");
     }
-    exchange_ = std::make_unique<CurlExchange>(request_, *address, limitsOf(request_, *session_),
-                                               session_->delegate.get(), authorities, this);
+    return std::nullopt;
+}
+
+std::pair<const void*, std::string> HttpTransfer::connectionKey() const {
+    return {session_.get(), platform::text::lowercased(address_->text())};
+}
+
+std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& authorities,
+                                              PrivateConnections& connections) {
+    exchange_ = std::make_unique<CurlExchange>(
+        request_, *address_, limitsOf(request_, *session_),
+        ServerTrust{session_->delegate.get(), authorities, connections.poolFor(session_, *address_)}, this);
     if (auto error = exchange_->start(multi)) return HttpOutcome{.error = std::move(*error)};
     return std::nullopt;
 }

@@ -3,9 +3,12 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "adapters/native/curl_exchange.h"
+#include "adapters/native/http_address.h"
+#include "adapters/native/private_connections.h"
 #include "adapters/native/request_deadlines.h"
 #include "oska/platform/http_session.h"
 
@@ -36,11 +39,18 @@ public:
         return *static_cast<HttpTransfer*>(CurlExchange::ownerOf(handle));
     }
 
-    /// Sends the request, or the one that a redirect has led to. An outcome when that fails.
-    [[nodiscard]] std::optional<platform::HttpOutcome> send(CurlMulti& multi, TrustStore& authorities);
+    /// Looks at the request, or at the one that a redirect has led to. An outcome when it cannot be sent.
+    [[nodiscard]] std::optional<platform::HttpOutcome> prepare();
+
+    /// Session, host and port: what connections are counted by. Requires: prepared.
+    [[nodiscard]] std::pair<const void*, std::string> connectionKey() const;
+
+    /// Sends what was prepared. An outcome when that fails.
+    [[nodiscard]] std::optional<platform::HttpOutcome> send(CurlMulti& multi, TrustStore& authorities,
+                                                            PrivateConnections& connections);
 
     /// To be called when the exchange has ended. None when that was not the end, but a redirect or a
-    /// connection that was dead already: `send` again.
+    /// connection that was dead already: `prepare` and `send` again.
     [[nodiscard]] std::optional<platform::HttpOutcome> take(CURLcode code);
 
     [[nodiscard]] bool isCancelled() const { return session_->hasEnded; }
@@ -60,6 +70,7 @@ private:
     platform::HttpRequest request_;
     platform::HttpSession::Completion completion_;
     RequestDeadlines deadlines_;
+    std::optional<HttpAddress> address_;  // once prepared
     int redirects_ = 0;
     bool hasBeenRepeated_ = false;
     std::unique_ptr<CurlExchange> exchange_;

@@ -9,27 +9,45 @@ void NetworkLoop::begin(HttpTransfers transfers) {
     for (auto& transfer : transfers) {
         auto& kept = *transfer;
         transfers_.emplace(&kept, std::move(transfer));
-        send(kept);
+        enter(kept);
+    }
+    startNext();
+}
+
+void NetworkLoop::enter(HttpTransfer& transfer) {
+    if (auto refusal = transfer.prepare()) {
+        end(transfer, std::move(*refusal));
+    } else {
+        slots_.enter(transfer);
     }
 }
 
-void NetworkLoop::send(HttpTransfer& transfer) {
-    if (auto failure = transfer.send(multi_, authorities_)) end(transfer, std::move(*failure));
+void NetworkLoop::startNext() {
+    while (auto* transfer = slots_.next()) {
+        auto failure = transfer->send(multi_, authorities_, connections_);
+        if (failure) end(*transfer, std::move(*failure));
+    }
 }
 
 void NetworkLoop::turn(int wakeDescriptor) {
     multi_.wait(nextDeadline(), wakeDescriptor,
                 [](CURL* handle) { HttpTransfer::of(handle).noteActivity(HttpTransfer::Clock::now()); });
-    multi_.collectEnded([this](CURL* handle, CURLcode code) {
-        auto& transfer = HttpTransfer::of(handle);
-        auto outcome = transfer.take(code);
-        outcome ? end(transfer, std::move(*outcome)) : send(transfer);
-    });
+    multi_.collectEnded([this](CURL* handle, CURLcode code) { take(HttpTransfer::of(handle), code); });
     endOverdue();
+    connections_.forgetEnded();
+    startNext();
+}
+
+void NetworkLoop::take(HttpTransfer& transfer, CURLcode code) {
+    auto outcome = transfer.take(code);
+    if (outcome) return end(transfer, std::move(*outcome));
+    slots_.leave(transfer);
+    enter(transfer);
 }
 
 void NetworkLoop::end(HttpTransfer& transfer, platform::HttpOutcome outcome) {
     const auto node = transfers_.extract(&transfer);
+    slots_.leave(transfer);
     transfer.complete(std::move(outcome));
 }
 
@@ -40,6 +58,7 @@ void NetworkLoop::endOverdue() {
         const bool isCancelled = current->second->isCancelled();
         if (!isCancelled && current->second->deadline() > now) continue;
         const auto node = transfers_.extract(current);
+        slots_.leave(*node.mapped());
         isCancelled ? node.mapped()->cancel() : node.mapped()->timeOut();
     }
 }
@@ -47,6 +66,7 @@ void NetworkLoop::endOverdue() {
 void NetworkLoop::cancelAll() {
     while (!transfers_.empty()) {
         const auto node = transfers_.extract(transfers_.begin());
+        slots_.leave(*node.mapped());
         node.mapped()->cancel();
     }
 }

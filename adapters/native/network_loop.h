@@ -5,8 +5,10 @@
 #include <unordered_map>
 #include <vector>
 
+#include "adapters/native/connection_slots.h"
 #include "adapters/native/curl_multi.h"
 #include "adapters/native/http_transfer.h"
+#include "adapters/native/private_connections.h"
 #include "adapters/native/trust_store.h"
 
 namespace oska::native {
@@ -25,13 +27,17 @@ public:
     void cancelAll();
 
 private:
-    void send(HttpTransfer& transfer);
+    void enter(HttpTransfer& transfer);
+    void startNext();
+    void take(HttpTransfer& transfer, CURLcode code);
     void end(HttpTransfer& transfer, platform::HttpOutcome outcome);
     void endOverdue();
     [[nodiscard]] CurlMulti::Clock::time_point nextDeadline() const;
 
     TrustStore authorities_;
+    PrivateConnections connections_;
     CurlMulti multi_;
+    ConnectionSlots slots_;
     std::unordered_map<HttpTransfer*, std::unique_ptr<HttpTransfer>> transfers_;
 };
 

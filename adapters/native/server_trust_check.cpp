@@ -44,6 +44,7 @@ int errorIn(X509_STORE_CTX* chain, X509_STORE* authorities, const std::string& h
 
 void ServerTrustCheck::attachTo(CurlEasy& easy) {
     easy_ = easy.get();
+    if (by_.connections) easy.set(CURLOPT_SHARE, by_.connections->get());
     const curl_ssl_ctx_callback onContext = [](CURL*, void* context, void* self) noexcept {
         static_cast<ServerTrustCheck*>(self)->prepare(static_cast<SSL_CTX*>(context));
         return CURLE_OK;
@@ -74,7 +75,7 @@ void ServerTrustCheck::prepare(SSL_CTX* context) {
 
 bool ServerTrustCheck::judge(X509_STORE_CTX* chain) {
     if (isAcceptedByDelegate()) {
-        curl_easy_setopt(easy_, CURLOPT_FORBID_REUSE, 1L);
+        if (!by_.connections) curl_easy_setopt(easy_, CURLOPT_FORBID_REUSE, 1L);
         X509_STORE_CTX_set_error(chain, X509_V_OK);
         return true;
     }
@@ -82,14 +83,15 @@ bool ServerTrustCheck::judge(X509_STORE_CTX* chain) {
 }
 
 bool ServerTrustCheck::isAcceptedByDelegate() const {
-    if (!delegate_) return false;
-    return delegate_->didReceiveChallenge({.host = host_}) == platform::ChallengeDisposition::useCredential;
+    if (!by_.delegate) return false;
+    return by_.delegate->didReceiveChallenge({.host = host_}) ==
+           platform::ChallengeDisposition::useCredential;
 }
 
 bool ServerTrustCheck::passesFullCheck(X509_STORE_CTX* chain) {
-    auto* authorities = authorities_.get();
+    auto* authorities = by_.authorities.get();
     if (!authorities) {
-        fault_ = authorities_.fault();
+        fault_ = by_.authorities.fault();
         X509_STORE_CTX_set_error(chain, X509_V_ERR_APPLICATION_VERIFICATION);
         return false;
     }

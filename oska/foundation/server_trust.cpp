@@ -1,5 +1,9 @@
 #include "oska/foundation/server_trust.h"
 
+#include <optional>
+#include <string>
+#include <utility>
+
 #include "oska/foundation/log_message.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/platform/url.h"
@@ -7,10 +11,12 @@
 namespace oska {
 namespace {
 
-bool isOnPremiseHost(const std::string& host) {
-    if (!OskaOnPremiseNetworkConstants::isEnabled()) return false;
-    const auto url = platform::Url::parse(OskaOnPremiseNetworkConstants::baseURL());
-    return url && url->host() && *url->host() == host;
+/// None unless it is that of `host`.
+std::optional<std::string> onPremiseBaseUrl(const std::string& host) {
+    if (!OskaOnPremiseNetworkConstants::isEnabled()) return std::nullopt;
+    auto text = OskaOnPremiseNetworkConstants::baseURL();
+    const auto url = platform::Url::parse(text);
+    return url && url->host() == host ? std::optional(std::move(text)) : std::nullopt;
 }
 
 }  // namespace
@@ -20,10 +26,14 @@ platform::ChallengeDisposition OskaOnPremiseServerTrustDelegate::didReceiveChall
     using enum platform::ChallengeDisposition;
     if (challenge.method != platform::AuthenticationChallenge::Method::serverTrust)
         return performDefaultHandling;
-    if (!challenge.hasServerTrust || !isOnPremiseHost(challenge.host)) return performDefaultHandling;
+    if (!challenge.hasServerTrust || !onPremiseBaseUrl(challenge.host)) return performDefaultHandling;
     writeDirectLine("(OskaOnPremiseServerTrustDelegate) accepting server trust for on-premise host= " +
                     challenge.host);
     return useCredential;
+}
+
+std::optional<std::string> OskaOnPremiseServerTrustDelegate::trustBasis(const std::string& host) const {
+    return onPremiseBaseUrl(host);
 }
 
 }  // namespace oska

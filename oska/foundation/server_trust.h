@@ -11,6 +11,9 @@ class OskaOnPremiseServerTrustDelegate : public platform::HttpSessionDelegate {
 public:
     platform::ChallengeDisposition didReceiveChallenge(
         const platform::AuthenticationChallenge& challenge) override;
+
+    /// The base URL, for its own host.
+    [[nodiscard]] std::optional<std::string> trustBasis(const std::string& host) const override;
 };
 
 }  // namespace oska

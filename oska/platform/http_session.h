@@ -79,11 +79,21 @@ enum class ChallengeDisposition {
 };
 
 /// Decides on servers' certificates for a session. Asked once for each new TLS connection, before the default
-/// check. Threads: the platform's network thread. Must not block.
+/// check; the answer holds for all requests of the session over that connection.
+/// Threads: the platform's network thread. Must not block.
 class HttpSessionDelegate {
 public:
     virtual ~HttpSessionDelegate() = default;
     virtual ChallengeDisposition didReceiveChallenge(const AuthenticationChallenge& challenge) = 0;
+
+    /// What an acceptance of `host` rests on at present, in any text: asked before each request over https. A
+    /// connection made on another basis is not used any more, so that the request is decided anew. None: the
+    /// delegate accepts no certificate of this host. As it stands here, an acceptance cannot be withdrawn: a
+    /// delegate whose answers change says so by this.
+    [[nodiscard]] virtual std::optional<std::string> trustBasis(const std::string& host) const {
+        (void)host;
+        return "";
+    }
 };
 
 struct HttpSessionConfiguration {

@@ -35,14 +35,18 @@ inline HttpRequest post(const std::string& url, std::string body) {
     return request;
 }
 
-/// Sends by a session of its own and waits for the end.
+/// Sends and waits for the end.
+inline HttpOutcome fetch(platform::HttpSession& session, HttpRequest request) {
+    std::promise<HttpOutcome> promise;
+    session.send(std::move(request), [&](HttpOutcome outcome) { promise.set_value(std::move(outcome)); });
+    return promise.get_future().get();
+}
+
+/// By a session of its own.
 inline HttpOutcome fetch(CurlHttpSessionFactory& factory, HttpRequest request,
                          const HttpSessionConfiguration& configuration = {},
                          std::shared_ptr<platform::HttpSessionDelegate> delegate = nullptr) {
-    std::promise<HttpOutcome> promise;
-    const auto session = factory.makeSession(configuration, std::move(delegate));
-    session->send(std::move(request), [&](HttpOutcome outcome) { promise.set_value(std::move(outcome)); });
-    return promise.get_future().get();
+    return fetch(*factory.makeSession(configuration, std::move(delegate)), std::move(request));
 }
 
 class NativeHttp : public testing::Test {

@@ -85,6 +85,35 @@ TEST_F(NativeHttp, KeepsConnectionsAliveForAllSessions) {
     EXPECT_EQ(server.connections(), 1U);
 }
 
+TEST_F(NativeHttp, HasSixConnectionsASessionAndHostAndLetsTheRestWait) {
+    std::promise<void> hold;
+    const auto held = hold.get_future().share();
+    LoopbackServer server([&](const WireRequest& request) {
+        if (request.target == "/held") held.wait();
+        return wireReply(200, "ok");
+    });
+    const auto session = factory_.makeSession({}, nullptr);
+    platform::Outcomes outcomes;
+    for (int i = 0; i < 8; ++i) session->send(get(server.url("/held")), outcomes.next());
+    auto impatient = get(server.url("/held"));
+    impatient.timeout = 20ms;
+    session->send(impatient, outcomes.next());
+    auto refused = get(server.url("/"));
+    refused.body = "x";
+    session->send(refused, outcomes.next());
+    while (outcomes.count() < 2) std::this_thread::yield();
+    EXPECT_EQ(kindOf(outcomes.all()[0]), HttpErrorKind::bodyNotAllowed);
+    EXPECT_EQ(kindOf(outcomes.all()[1]), HttpErrorKind::timedOut);
+
+    // Connections are accepted in the order in which they were made: one more would have been counted.
+    EXPECT_EQ(fetch(server.url("/")).body, "ok");
+    EXPECT_EQ(server.connections(), 7U);
+    hold.set_value();
+    while (outcomes.count() < 10) std::this_thread::yield();
+    for (std::size_t i = 2; i < 10; ++i) EXPECT_EQ(outcomes.all()[i].body, "ok");
+    EXPECT_EQ(server.connections(), 7U);
+}
+
 /// A server that closes each connection on its second request.
 void closeOnSecond(WireConnection& connection) {
     if (connection.receive()) connection.send(wireReply(200, "ok"));

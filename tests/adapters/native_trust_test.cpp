@@ -86,13 +86,84 @@ TEST_F(NativeTrust, TheDelegateOverrulesWhateverIsWrongAndHearsTheHostAsTheUrlSp
     EXPECT_EQ(fetch(trusted.url("/", "[::1]")).body, "ok");
 }
 
-TEST_F(NativeTrust, AsksOncePerConnectionAndSharesOnlyWhatPassedTheFullCheck) {
+/// A delegate that says what its acceptance rests on.
+class BasisDelegate final : public ContractDelegate {
+public:
+    std::optional<std::string> trustBasis(const std::string&) const override { return basis; }
+    std::optional<std::string> basis = "";  // set while no request is under way
+};
+
+TEST_F(NativeTrust, ASessionKeepsWhatItsDelegateAcceptedWhileTheBasisStaysAndSharesItWithNone) {
+    const TestIdentity selfSigned({.names = "DNS:localhost"});
+    LoopbackServer server([](const WireRequest& request) { return wireReply(200, request.body); },
+                          &selfSigned);
+    const auto request = get(server.url("/", "localhost"));
+    const std::string body(3'000'000, 'b');
+    const auto delegate = std::make_shared<BasisDelegate>();
+    delegate->answer(ChallengeDisposition::useCredential);
+    const auto asked = [&](const std::shared_ptr<platform::HttpSession>& by) {
+        for (int i = 0; i < 2; ++i) {
+            EXPECT_EQ(native::fetch(*by, request).body, "");
+            EXPECT_EQ(native::fetch(*by, post(server.url("/", "localhost"), body)).body, body);
+        }
+        EXPECT_EQ(server.connections(), delegate->hosts().size());
+        return delegate->hosts().size();
+    };
+    const std::shared_ptr<platform::HttpSession> one = factory_.makeSession({}, delegate);
+    EXPECT_EQ(asked(one), 1U);
+    EXPECT_EQ(asked(factory_.makeSession({}, delegate)), 2U);
+    EXPECT_EQ(asked(one), 2U);
+    delegate->basis = "another";
+    EXPECT_EQ(asked(one), 3U);
+    delegate->basis.reset();  // it should accept nothing: what it accepts all the same is not kept
+    EXPECT_EQ(asked(one), 7U);
+    delegate->basis = "withdrawn";
+    delegate->answer(ChallengeDisposition::performDefaultHandling);
+    EXPECT_EQ(kindOf(native::fetch(*one, request)), HttpErrorKind::untrustedCertificate);
+    EXPECT_EQ(kindOf(fetch(server.url("/", "localhost"))), HttpErrorKind::untrustedCertificate);
+}
+
+TEST_F(NativeTrust, SendsNoPostTwiceOverAConnectionThatWasKept) {
+    const TestIdentity selfSigned({.names = "DNS:localhost"});
+    LoopbackServer server(
+        [](WireConnection& connection) {
+            if (connection.receive()) connection.send(wireReply(200, "ok"));
+            (void)connection.receive();
+        },
+        &selfSigned);
+    delegate_->answer(ChallengeDisposition::useCredential);
+    const auto session = factory_.makeSession({}, delegate_);
+    EXPECT_EQ(native::fetch(*session, get(server.url("/", "localhost"))).body, "ok");
+    EXPECT_EQ(kindOf(native::fetch(*session, post(server.url("/", "localhost"), "x"))),
+              HttpErrorKind::connectionLost);
+    EXPECT_EQ(server.requests().size(), 2U);
+    EXPECT_EQ(native::fetch(*session, get(server.url("/", "localhost"))).body, "ok");
+}
+
+TEST_F(NativeTrust, ClosesWhatASessionHasKeptWhenItEnds) {
+    const TestIdentity selfSigned({.names = "DNS:localhost"});
+    std::promise<void> closed;
+    LoopbackServer server(
+        [&](WireConnection& connection) {
+            if (connection.receive()) connection.send(wireReply(200, "ok"));
+            connection.awaitHangUp();
+            closed.set_value();
+        },
+        &selfSigned);
+    delegate_->answer(ChallengeDisposition::useCredential);
+    EXPECT_EQ(fetch(server.url("/", "localhost"), delegate_).body, "ok");
+    closed.get_future().wait();
+}
+
+TEST_F(NativeTrust, AsksOncePerConnectionAndSharesWhatNoDelegateCouldHaveAccepted) {
     const auto identity = issued("DNS:localhost");
     LoopbackServer server(ok, &identity);
     const auto url = server.url("/", "localhost");
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(fetch(url, delegate_).body, "ok");
+    const auto delegate = std::make_shared<BasisDelegate>();
+    delegate->basis.reset();
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(fetch(url, delegate).body, "ok");
     EXPECT_EQ(fetch(url).body, "ok");
-    EXPECT_EQ(delegate_->hosts().size(), 1U);
+    EXPECT_EQ(delegate->hosts().size(), 1U);
     EXPECT_EQ(server.connections(), 1U);
 }
 

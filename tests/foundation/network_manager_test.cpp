@@ -229,6 +229,8 @@ TEST(ServerTrust, AcceptsTheConfiguredHostAloneAndSaysSo) {
     OskaOnPremiseServerTrustDelegate delegate;
     EXPECT_EQ(delegate.didReceiveChallenge({.host = "localhost"}), performDefaultHandling) << "not enabled";
     OskaOnPremiseNetworkConstants::setBaseURL("https://10.0.0.2:8443");
+    EXPECT_EQ(delegate.trustBasis("10.0.0.2"), "https://10.0.0.2:8443");
+    EXPECT_EQ(delegate.trustBasis("10.0.0.3"), std::nullopt);
     EXPECT_EQ(delegate.didReceiveChallenge({.host = "10.0.0.3"}), performDefaultHandling);
     EXPECT_EQ(delegate.didReceiveChallenge({.method = Challenge::Method::other, .host = "10.0.0.2"}),
               performDefaultHandling);
