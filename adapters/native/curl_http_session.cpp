@@ -4,6 +4,7 @@
 #include <openssl/x509.h>
 
 #include <mutex>
+#include <new>
 #include <utility>
 
 #include "adapters/native/curl_network.h"
@@ -41,7 +42,13 @@ public:
     CurlHttpSession& operator=(const CurlHttpSession&) = delete;
 
     void send(platform::HttpRequest request, Completion completion) override {
-        network_->send(std::make_unique<HttpTransfer>(state_, std::move(request), std::move(completion)));
+        std::unique_ptr<HttpTransfer> transfer;
+        try {
+            transfer = std::make_unique<HttpTransfer>(state_, std::move(request), std::move(completion));
+        } catch (const std::bad_alloc&) {
+            return completion(outOfResources());  // nothing has been moved yet
+        }
+        network_->send(std::move(transfer));
     }
 
 private:

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <new>
 
 namespace oska::native {
 namespace {
@@ -22,6 +23,7 @@ int curlEvents(const pollfd& ready) {
 }  // namespace
 
 CurlMulti::CurlMulti() : handle_(curl_multi_init()) {
+    if (!handle_) throw std::bad_alloc();
     curl_multi_setopt(handle_.get(), CURLMOPT_PIPELINING, CURLPIPE_NOTHING);
     curl_multi_setopt(handle_.get(), CURLMOPT_SOCKETFUNCTION, &CurlMulti::onSocket);
     curl_multi_setopt(handle_.get(), CURLMOPT_SOCKETDATA, this);
@@ -34,13 +36,18 @@ CURLMcode CurlMulti::add(CURL* transfer) { return curl_multi_add_handle(handle_.
 void CurlMulti::remove(CURL* transfer) { curl_multi_remove_handle(handle_.get(), transfer); }
 
 int CurlMulti::onSocket(CURL* transfer, curl_socket_t socket, int what, void* self, void*) noexcept {
-    auto& watches = static_cast<CurlMulti*>(self)->watches_;
+    auto& multi = *static_cast<CurlMulti*>(self);
     if (what == CURL_POLL_REMOVE) {
-        watches.erase(socket);
-    } else {
-        watches.insert_or_assign(socket, Watch{transfer, pollEvents(what)});
+        multi.watches_.erase(socket);
+        return 0;
     }
-    return 0;
+    try {
+        multi.watches_.insert_or_assign(socket, Watch{transfer, pollEvents(what)});
+        return 0;
+    } catch (const std::bad_alloc&) {
+        multi.isBroken_ = true;
+        return -1;  // libcurl takes nothing more from here on
+    }
 }
 
 int CurlMulti::onTimer(CURLM*, long milliseconds, void* self) noexcept {
@@ -58,6 +65,7 @@ void CurlMulti::wait(Clock::time_point deadline, int wakeDescriptor, const OnAct
         if (polled_[i].revents != 0) advance(polled_[i], onActivity);
     }
     advanceTimer();
+    if (isBroken_) throw std::bad_alloc();
 }
 
 /// Rounded up: a deadline that is almost there must not be polled for. A far one is polled for in two steps,

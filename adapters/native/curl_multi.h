@@ -25,6 +25,7 @@ public:
     using OnActivity = std::function<void(CURL*)>;
     using OnEnd = std::function<void(CURL*, CURLcode)>;
 
+    /// Throws `std::bad_alloc`.
     CurlMulti();
     CurlMulti(const CurlMulti&) = delete;
     CurlMulti& operator=(const CurlMulti&) = delete;
@@ -35,6 +36,7 @@ public:
 
     /// Waits until a socket or `wakeDescriptor` is ready or `deadline` has come, and moves the transfers on.
     /// `onActivity` is told of each transfer whose bytes came or went.
+    /// Throws `std::bad_alloc`, and is of no use any more then.
     void wait(Clock::time_point deadline, int wakeDescriptor, const OnActivity& onActivity);
 
     /// Tells of each transfer that has ended since, once; it may be removed then.
@@ -57,6 +59,7 @@ private:
 
     std::unordered_map<curl_socket_t, Watch> watches_;
     std::optional<Clock::time_point> timer_;
+    bool isBroken_ = false;  // for want of memory
     std::vector<pollfd> polled_;
     std::unique_ptr<CURLM, Free> handle_;  // last: when its connections close, the watches hear of it
 };

@@ -1,6 +1,8 @@
 #include "adapters/native/curl_network.h"
 
 #include <csignal>
+#include <new>
+#include <system_error>
 #include <utility>
 
 namespace oska::native {
@@ -28,12 +30,22 @@ CurlNetwork::~CurlNetwork() {
 void CurlNetwork::send(std::unique_ptr<HttpTransfer> transfer) {
     // The completion may run, and destroy the last session, before this returns.
     const auto self = shared_from_this();
-    {
-        const std::lock_guard lock(mutex_);
+    if (tryHandOver(transfer)) return wake();
+    transfer->complete(outOfResources());
+}
+
+bool CurlNetwork::tryHandOver(std::unique_ptr<HttpTransfer>& transfer) {
+    const std::lock_guard lock(mutex_);
+    try {
+        sent_.reserve(sent_.size() + 1);
+        if (!isRunning_) startThread();
+        isRunning_ = true;
         sent_.push_back(std::move(transfer));
-        if (!std::exchange(isRunning_, true)) startThread();
+        return true;
+    } catch (const std::bad_alloc&) {
+    } catch (const std::system_error&) {  // no thread
     }
-    wake();
+    return false;
 }
 
 void CurlNetwork::startThread() {
@@ -54,17 +66,25 @@ void CurlNetwork::shutDown() {
 
 void CurlNetwork::run() {
     blockSignals();
+    do {
+        try {
+            serve();
+        } catch (const std::bad_alloc&) {
+            takeOrders();  // what was sent since goes the way of what was under way
+        }
+    } while (!tryEnd());
+}
+
+void CurlNetwork::serve() {
     NetworkLoop loop(caFile_);
     for (;;) {
         auto [sent, isShutDown] = takeOrders();
         if (isShutDown) {
             loop.cancelAll();
-            cancel(sent);
-            if (tryEnd()) return;
-        } else {
-            loop.begin(std::move(sent));
-            loop.turn(wakePipe_.descriptor());
+            return cancel(sent);
         }
+        loop.begin(std::move(sent));
+        loop.turn(wakePipe_.descriptor());
     }
 }
 

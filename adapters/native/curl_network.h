@@ -13,9 +13,9 @@ namespace oska::native {
 /// The network thread: it starts with the first request, and serves the sessions of all.
 ///
 /// Life: `shutDown` ends what is under way as cancelled, and the thread with it. A request that comes later
-/// is completed as cancelled by a thread that lives for just that.
-/// Threads: operations on any; completions on the network thread with no lock held.
-/// Lifetime: the thread keeps the network alive, so that somebody must shut it down: see
+/// is completed as cancelled by a thread that lives for just that. Where memory runs out the thread ends,
+/// too, and the next request starts one. Threads: operations on any; completions on the network thread with
+/// no lock held. Lifetime: the thread keeps the network alive, so that somebody must shut it down: see
 /// `CurlHttpSessionFactory`.
 class CurlNetwork : public std::enable_shared_from_this<CurlNetwork> {
 public:
@@ -25,6 +25,7 @@ public:
     CurlNetwork(const CurlNetwork&) = delete;
     CurlNetwork& operator=(const CurlNetwork&) = delete;
 
+    /// Completes as out of resources, inside the call, when there is no memory or no thread for it.
     void send(std::unique_ptr<HttpTransfer> transfer);
 
     /// Makes the thread look for transfers that are cancelled.
@@ -39,9 +40,12 @@ private:
         bool isShutDown = false;
     };
 
+    [[nodiscard]] bool tryHandOver(std::unique_ptr<HttpTransfer>& transfer);
     void startThread();
     void run();
-    [[nodiscard]] Orders takeOrders();
+    /// Until it is shut down. Throws `std::bad_alloc`; what was under way has completed then.
+    void serve();
+    Orders takeOrders();
     /// True, and the thread does not run any more for those who send, unless somebody has sent since.
     [[nodiscard]] bool tryEnd();
 

@@ -1,6 +1,7 @@
 #include "adapters/native/http_transfer.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "adapters/native/http_redirect.h"
@@ -32,12 +33,24 @@ ExchangeLimits limitsOf(const HttpRequest& request, const SessionState& session)
 
 }  // namespace
 
+HttpOutcome outOfResources() {
+    return {.error = HttpError{HttpErrorKind::outOfResources, "out of memory"}};  // short: see the header
+}
+
 HttpTransfer::HttpTransfer(std::shared_ptr<const SessionState> session, HttpRequest request,
                            platform::HttpSession::Completion completion)
     : session_(std::move(session)),
       request_(std::move(request)),
       completion_(std::move(completion)),
       deadlines_(idleTimeout(request_, *session_), session_->configuration.timeoutForResource, Clock::now()) {
+}
+
+HttpTransfer::~HttpTransfer() {
+    if (!completion_) return;
+    try {
+        complete(outOfResources());
+    } catch (const std::bad_alloc&) {  // the caller's: it has been called
+    }
 }
 
 std::optional<HttpOutcome> HttpTransfer::prepare() {

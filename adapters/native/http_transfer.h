@@ -25,6 +25,9 @@ struct SessionState {
     std::atomic<bool> hasEnded{false};
 };
 
+/// What becomes of a request for which there is no memory or no thread. Takes no memory itself.
+[[nodiscard]] platform::HttpOutcome outOfResources();
+
 /// One request of a session on its way to an outcome, over as many exchanges as the redirects ask for.
 /// Threads: made on any; everything else on the network thread.
 class HttpTransfer {
@@ -33,6 +36,11 @@ public:
 
     HttpTransfer(std::shared_ptr<const SessionState> session, platform::HttpRequest request,
                  platform::HttpSession::Completion completion);
+
+    /// Completes as out of resources, unless it has completed.
+    ~HttpTransfer();
+    HttpTransfer(const HttpTransfer&) = delete;
+    HttpTransfer& operator=(const HttpTransfer&) = delete;
 
     /// The transfer that a handle of libcurl's works for.
     [[nodiscard]] static HttpTransfer& of(CURL* handle) {

@@ -1,9 +1,25 @@
 #include "adapters/native/network_loop.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 namespace oska::native {
+
+namespace {
+
+using Outcome = std::optional<platform::HttpOutcome>;
+
+template <class Step>
+Outcome withinMemory(Step step) {
+    try {
+        return step();
+    } catch (const std::bad_alloc&) {
+        return outOfResources();
+    }
+}
+
+}  // namespace
 
 void NetworkLoop::begin(HttpTransfers transfers) {
     for (auto& transfer : transfers) {
@@ -15,7 +31,7 @@ void NetworkLoop::begin(HttpTransfers transfers) {
 }
 
 void NetworkLoop::enter(HttpTransfer& transfer) {
-    if (auto refusal = transfer.prepare()) {
+    if (auto refusal = withinMemory([&] { return transfer.prepare(); })) {
         end(transfer, std::move(*refusal));
     } else {
         slots_.enter(transfer);
@@ -24,7 +40,7 @@ void NetworkLoop::enter(HttpTransfer& transfer) {
 
 void NetworkLoop::startNext() {
     while (auto* transfer = slots_.next()) {
-        auto failure = transfer->send(multi_, authorities_, connections_);
+        auto failure = withinMemory([&] { return transfer->send(multi_, authorities_, connections_); });
         if (failure) end(*transfer, std::move(*failure));
     }
 }
@@ -39,7 +55,7 @@ void NetworkLoop::turn(int wakeDescriptor) {
 }
 
 void NetworkLoop::take(HttpTransfer& transfer, CURLcode code) {
-    auto outcome = transfer.take(code);
+    auto outcome = withinMemory([&] { return transfer.take(code); });
     if (outcome) return end(transfer, std::move(*outcome));
     slots_.leave(transfer);
     enter(transfer);

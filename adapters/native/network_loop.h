@@ -20,7 +20,9 @@ class NetworkLoop {
 public:
     explicit NetworkLoop(std::string caFile) : authorities_(std::move(caFile)) {}
 
-    /// Completions are called from here on, inside each of these.
+    // Completions are called from here on, inside each of these. What one transfer has no memory for ends
+    // that transfer. Where there is none for the loop itself `std::bad_alloc` is thrown; the transfers then
+    // end with the loop.
     void begin(HttpTransfers transfers);
     /// Waits for something to happen, or for `wakeDescriptor` to be readable, and ends what is to end.
     void turn(int wakeDescriptor);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <new>
 #include <utility>
 
 #include "adapters/native/http_address.h"
@@ -54,7 +55,24 @@ std::optional<ContentDecoder::Coding> codingNamed(std::string_view name) {
 
 }  // namespace
 
+template <class Step>
+bool ReplyCollector::withinMemory(Step step) {
+    try {
+        return step();
+    } catch (const std::bad_alloc&) {
+        return refuse(HttpErrorKind::outOfResources, "out of memory");  // short enough to need none
+    }
+}
+
 bool ReplyCollector::addHeaderLine(std::string_view line) {
+    return withinMemory([&] { return collectHeaderLine(line); });
+}
+
+bool ReplyCollector::addBody(std::string_view piece) {
+    return withinMemory([&] { return collectBody(piece); });
+}
+
+bool ReplyCollector::collectHeaderLine(std::string_view line) {
     headerBytes_ += line.size();
     if (headerBytes_ > MAXIMUM_HEADER_BYTES) {
         return refuse(HttpErrorKind::badServerReply, server_ + " sent more than 256 KiB of headers.");
@@ -93,7 +111,7 @@ void ReplyCollector::endHeaders() {
     reply_ = std::move(complete);
 }
 
-bool ReplyCollector::addBody(std::string_view piece) {
+bool ReplyCollector::collectBody(std::string_view piece) {
     if (redirects_ || piece.empty()) return true;
     if (!std::exchange(hasBody_, true) && !beginBody()) return false;
     if (!decoder_) return keep(piece);
@@ -136,7 +154,7 @@ bool ReplyCollector::finish() {
 
 bool ReplyCollector::refuse(HttpErrorKind kind, std::string description) {
     if (!refusal_) refusal_ = {kind, std::move(description)};
-    body_.clear();
+    std::string().swap(body_);
     return false;
 }
 

@@ -13,9 +13,9 @@ namespace oska::native {
 
 /// Puts one reply together from the header lines and the pieces of body that libcurl hands over.
 ///
-/// Bounds: the decoded body by `maximumBytes`, the headers by 256 KiB. What is refused is refused for good;
-/// `refusal` tells why. The body of a redirect is read past and neither kept nor judged.
-/// Threads: one at a time.
+/// Bounds: the decoded body by `maximumBytes`, the headers by 256 KiB, both by the memory there is. What is
+/// refused is refused for good; `refusal` tells why. The body of a redirect is read past and neither kept nor
+/// judged. Threads: one at a time.
 class ReplyCollector {
 public:
     ReplyCollector(std::string server, std::size_t maximumBytes)
@@ -37,12 +37,17 @@ public:
     [[nodiscard]] std::string takeBody() { return std::move(body_); }
 
 private:
+    [[nodiscard]] bool collectHeaderLine(std::string_view line);
+    [[nodiscard]] bool collectBody(std::string_view piece);
     void beginHeaders(std::string_view statusLine);
     void addHeader(std::string_view line);
     void endHeaders();
     [[nodiscard]] bool beginBody();
     [[nodiscard]] bool keep(std::string_view plain);
     bool refuse(platform::HttpErrorKind kind, std::string description);
+    /// What `step` answers; refused when there is no memory for it.
+    template <class Step>
+    [[nodiscard]] bool withinMemory(Step step);
 
     const std::string server_;  // "host:port", for error texts
     const std::size_t maximumBytes_;

@@ -45,6 +45,7 @@ enum class HttpErrorKind {
     untrustedCertificate,    ///< nobody vouches for the server's certificate, or it belongs to another host
     replyTooLarge,           ///< the body exceeds the session's `maximumReplyBytes`
     bodyNotAllowed,          ///< a GET with a body; nothing was sent, nor connected to
+    outOfResources,          ///< no memory for the request or its reply, or no thread to carry it
     unknown,
 };
 
@@ -109,7 +110,9 @@ struct HttpSessionConfiguration {
 /// Life of a request: `send` returns at once; `completion` is called exactly once, later, never inside
 /// `send`, on the platform's network thread (in a virtual world: on the only thread). It should hand over to
 /// the main queue and return. Destroying the session, or shutting the platform down, ends its requests: each
-/// completes as `cancelled`. Requests cannot be cancelled one by one. Threads: `send` and the destructor on
+/// completes as `cancelled`. Requests cannot be cancelled one by one. One exception: a request for which
+/// there is not even a thread completes as `outOfResources` inside `send`, because there is nowhere else.
+/// Threads: `send` and the destructor on
 /// any thread, inside a completion, too. Errors: outcomes; nothing throws.
 class HttpSession {
 public:

@@ -1,0 +1,61 @@
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+#include "tests/adapters/native_http_fixture.h"
+
+namespace {
+
+constexpr auto NO_LIMIT = std::numeric_limits<std::size_t>::max();
+std::atomic<std::size_t> largestAllocation{NO_LIMIT};
+
+}  // namespace
+
+// Of the whole program; without a limit they are what they replace.
+void* operator new(std::size_t size) {
+    auto* memory = size < largestAllocation ? std::malloc(size) : nullptr;
+    if (!memory) throw std::bad_alloc();
+    return memory;
+}
+void operator delete(void* memory) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+
+namespace oska::native {
+namespace {
+
+TEST_F(NativeHttp, EndsOnlyTheRequestForWhoseReplyThereIsNoMemory) {
+    const auto small = wireReply(200, "ok");
+    const auto large = "HTTP/1.1 200 OK\r\n\r\n" + std::string(4'000'000, 'x');
+    LoopbackServer server([&](WireConnection& connection) {
+        const auto request = connection.receive();
+        connection.send(std::string_view(request->target == "/" ? small : large));
+    });
+    largestAllocation = 1'000'000;
+    const auto outcome = fetch(server.url("/large"));
+    EXPECT_EQ(fetch(server.url("/")).body, "ok");
+    largestAllocation = NO_LIMIT;
+    EXPECT_EQ(kindOf(outcome), HttpErrorKind::outOfResources);
+    EXPECT_FALSE(outcome.body);
+    EXPECT_EQ(fetch(server.url("/large")).body->size(), 4'000'000U);
+}
+
+TEST_F(NativeHttp, EndsTheRequestForWhichThereIsNoThread) {
+    LoopbackServer server([](const WireRequest&) { return wireReply(200, "ok"); });
+    const auto url = server.url("/");
+    pthread_attr_t usual;
+    pthread_getattr_default_np(&usual);
+    pthread_attr_t impossible;
+    pthread_attr_init(&impossible);
+    pthread_attr_setstacksize(&impossible, std::size_t{1} << 46U);
+    pthread_setattr_default_np(&impossible);
+    const auto outcome = fetch(url);
+    pthread_setattr_default_np(&usual);
+    EXPECT_EQ(kindOf(outcome), HttpErrorKind::outOfResources);
+    EXPECT_EQ(fetch(url).body, "ok");
+}
+
+}  // namespace
+}  // namespace oska::native
