@@ -20,7 +20,6 @@ namespace {
 // What idle clients may cost when the server stops.
 constexpr int KEEP_ALIVE_SECONDS = 1;
 constexpr std::size_t REQUESTS_PER_CONNECTION = 1000;
-constexpr std::size_t MAXIMUM_UPLOAD_BYTES = std::size_t{64} << 20;
 
 /// Why OpenSSL's last call failed.
 std::string opensslProblem() {
@@ -65,7 +64,6 @@ void configure(httplib::Server& server) {
     server.set_tcp_nodelay(true);
     server.set_keep_alive_timeout(KEEP_ALIVE_SECONDS);
     server.set_keep_alive_max_count(REQUESTS_PER_CONNECTION);
-    server.set_payload_max_length(MAXIMUM_UPLOAD_BYTES);
     // The library's own choice would share a port with whoever has it.
     server.set_socket_options([](int socket) {
         const int yes = 1;

@@ -21,9 +21,10 @@ struct NotServing {
 ///     POST /v2/recordings/rfds           a JSON array of samples, which go to the file of uploads
 ///
 /// Everything is read when it is asked for. What cannot be answered gets a status and its reason in a line of
-/// text. Threads: made and destroyed on any; it answers on threads
-/// of its own, which take no signals. It makes the process ignore SIGPIPE. Lifetime: destroying it stops it,
-/// within a second of what is being answered.
+/// text; the header Range is answered. A body is taken up to 64 MiB, unpacked. A request for which memory
+/// runs out gets status 500. Threads: made and destroyed on any; it answers on threads of its own, which take
+/// no signals. It makes the process ignore SIGPIPE. Lifetime: destroying it stops it, within a second of what
+/// is being answered.
 class SiteServer {
 public:
     struct Options {

@@ -1,0 +1,101 @@
+// What a client may ask for or send that the server must not do.
+#include <gtest/gtest.h>
+#include <httplib.h>
+
+#include "tests/fakes/test_identity.h"
+#include "tests/tools/oska_program.h"
+#include "tools/oska_serve/site_server.h"
+
+namespace oska::tool_tests {
+namespace {
+
+using tool::SiteServer;
+
+TEST(ServeLimits, RangesEndWithTheContent) {
+    const Folder folder;
+    folder.file("map.png", "0123456789");
+    folder.file("none.png", "");
+    const fakes::TestIdentity identity({.names = "IP:127.0.0.1"});
+    const auto certificate = folder.file("cert.pem", identity.pem());
+    const auto key = folder.file("key.pem", identity.keyPem());
+    const std::string line = "--oska-part-9f1c27d04be86a35";
+    const std::string type = "\r\nContent-Type: image/png\r\nContent-Range: bytes ";
+    struct Case {
+        std::string path;
+        std::string range;
+        int status;
+        std::string place;  // as the header Content-Range has it
+        std::string body;   // not looked at when it is empty
+    };
+    const std::vector<Case> cases{
+        {"/map.png", "bytes=2-4", 206, "bytes 2-4/10", "234"},
+        {"/map.png", "bytes=8-5000", 206, "bytes 8-9/10", "89"},
+        {"/map.png", "bytes=8-9223372036854775807", 206, "bytes 8-9/10", "89"},
+        {"/map.png", "bytes=8-99999999999999999999", 416, "", ""},
+        {"/map.png", "bytes=9223372036854775807-", 416, "bytes */10", ""},
+        {"/map.png", "bytes=10-5000", 416, "bytes */10", ""},
+        {"/map.png", "bytes=4-2", 416, "", ""},
+        {"/map.png", "bytes=-3", 206, "bytes 7-9/10", "789"},
+        {"/map.png", "bytes=-5000", 206, "bytes 0-9/10", "0123456789"},
+        {"/map.png", "bytes=-0", 416, "bytes */10", ""},
+        {"/map.png", "bytes=1-2,-1", 206, "",
+         line + type + "1-2/10\r\n\r\n12\r\n" + line + type + "9-9/10\r\n\r\n9\r\n" + line + "--\r\n"},
+        {"/map.png", "bytes=1-2,5000-6000", 206, "bytes 1-2/10", "12"},
+        {"/map.png", "bytes=6000-,5000-6000", 416, "bytes */10", ""},
+        {"/map.png", "bytes=0-,0-,-5", 200, "", "0123456789"},
+        {"/none.png", "bytes=0-0", 416, "bytes */0", ""},
+        {"/v2/pelio/sectors/12/bundle", "bytes=0-0", 401, "", ""},
+        {"/absent", "bytes=3-5000", 404, "", "nothing is served at \"/absent\"\n"},
+        {"/absent", "bytes=5000-", 404, "", "nothing is served at \"/absent\"\n"},
+    };
+    const SiteServer::Options plain{.folder = folder.path(), .requiredToken = "x"};
+    auto tls = plain;
+    tls.tlsCertificate = certificate;
+    tls.tlsKey = key;
+    for (const auto& options : {plain, tls}) {
+        const auto server = SiteServer::start(options);
+        ASSERT_TRUE(server) << server.error().problem;
+        httplib::Client client((*server)->url());
+        client.enable_server_certificate_verification(false);
+        for (const auto& [path, range, status, place, body] : cases) {
+            const auto reply = client.Get(path, {{"Range", range}});
+            ASSERT_TRUE(reply) << (*server)->url() << path << range;
+            EXPECT_EQ(reply->status, status) << path << range;
+            EXPECT_EQ(reply->get_header_value("Content-Range"), place) << path << range;
+            EXPECT_EQ(reply->body, body.empty() ? reply->body : body) << path << range;
+        }
+    }
+}
+
+TEST(ServeLimits, ABodyCountsByWhatItUnpacksTo) {
+    const Folder folder;
+    const auto server = SiteServer::start({.folder = folder.path(), .requiredToken = "secret"});
+    ASSERT_TRUE(server) << server.error().problem;
+    const std::string limit(std::size_t{64} << 20, ' ');
+    const std::string uploads = "/v2/recordings/rfds";
+    const httplib::Headers token{{"Authorization", "Bearer secret"}};
+    const httplib::Headers isPacked{{"Content-Encoding", "gzip"}};
+    const httplib::Headers both{*token.begin(), *isPacked.begin()};
+    struct Case {
+        std::string path;
+        httplib::Headers headers;
+        std::string body;
+        bool packs;
+        int status;
+    };
+    for (const auto& [path, headers, body, packs, status] :
+         {Case{uploads, token, "[]", true, 200}, Case{uploads, token, "[]" + limit.substr(2), true, 200},
+          Case{uploads, token, limit + " ", true, 413}, Case{uploads, token, limit + " ", false, 413},
+          // What is refused anyway is not unpacked: nobody sees that it cannot be.
+          Case{uploads, both, "no gzip", false, 400}, Case{uploads, isPacked, "no gzip", false, 401},
+          Case{"/elsewhere", isPacked, "no gzip", false, 404}}) {
+        httplib::Client client((*server)->url());
+        client.set_compress(packs);
+        const auto reply = client.Post(path, headers, body, "application/json");
+        ASSERT_TRUE(reply) << path << status;
+        EXPECT_EQ(reply->status, status) << reply->body;
+    }
+}
+
+}  // namespace
+}  // namespace oska::tool_tests
