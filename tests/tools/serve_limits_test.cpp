@@ -2,8 +2,13 @@
 #include <gtest/gtest.h>
 #include <httplib.h>
 
+#include <new>
+#include <thread>
+
 #include "tests/fakes/test_identity.h"
 #include "tests/tools/oska_program.h"
+#include "tools/oska_serve/request_threads.h"
+#include "tools/oska_serve/site_answers.h"
 #include "tools/oska_serve/site_server.h"
 
 namespace oska::tool_tests {
@@ -95,6 +100,27 @@ TEST(ServeLimits, ABodyCountsByWhatItUnpacksTo) {
         ASSERT_TRUE(reply) << path << status;
         EXPECT_EQ(reply->status, status) << reply->body;
     }
+}
+
+TEST(ServeLimits, MemoryThatRunsOutEndsNothingButTheRequest) {
+    const Folder folder;
+    tool::SiteAnswers answers(*tool::SiteFolder::open(folder.path()), nullptr, std::nullopt, "http");
+    httplib::Server library;
+    library.Get("/handler", [](const auto&, auto&) { throw std::bad_alloc(); });
+    answers.installIn(library, false);
+    library.set_logger([](const auto& request, const auto&) {
+        if (request.path == "/reply") throw std::bad_alloc();  // where the library catches nothing
+    });
+    library.new_task_queue = [] { return new tool::RequestThreads(1); };
+    const int port = library.bind_to_any_port("127.0.0.1");
+    std::thread listening([&] { library.listen_after_bind(); });
+    EXPECT_EQ(httplib::Client("127.0.0.1", port).Get("/reply")->status, 404);
+    const auto reply = httplib::Client("127.0.0.1", port).Get("/handler");
+    library.stop();
+    listening.join();
+    ASSERT_TRUE(reply);
+    EXPECT_EQ(reply->status, 500);
+    EXPECT_EQ(reply->body, "there is not enough memory to answer this\n");
 }
 
 }  // namespace

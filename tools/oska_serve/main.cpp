@@ -1,6 +1,8 @@
 // The program behind `oska serve`. It is one of its own because loading the server's library takes longer
 // than many a command of oska's runs.
 #include <CLI/CLI.hpp>
+#include <cstdio>
+#include <exception>
 #include <memory>
 #include <string>
 
@@ -90,4 +92,11 @@ ExitStatus run(int argc, char** argv) {
 
 }  // namespace
 
-int main(int argc, char** argv) { return static_cast<int>(run(argc, argv)); }
+int main(int argc, char** argv) {
+    try {
+        return static_cast<int>(run(argc, argv));
+    } catch (const std::exception& thrown) {  // no memory, for example
+        std::fprintf(stderr, "oska: %s\n", thrown.what());
+        return static_cast<int>(ExitStatus::badInput);
+    }
+}

@@ -12,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "tools/oska_serve/request_threads.h"
 #include "tools/oska_serve/site_answers.h"
 
 namespace oska::tool {
@@ -96,11 +97,21 @@ platform::Result<int, NotServing> bindTo(httplib::Server& server, const std::str
                       std::generic_category().message(errno)};
 }
 
-void blockSignals() {
-    sigset_t all;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, nullptr);
-}
+/// While it is there; threads that are started meanwhile take none for as long as they live.
+class NoSignals {
+public:
+    NoSignals() {
+        sigset_t all;
+        sigfillset(&all);
+        pthread_sigmask(SIG_BLOCK, &all, &before_);
+    }
+    ~NoSignals() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    NoSignals(const NoSignals&) = delete;
+    NoSignals& operator=(const NoSignals&) = delete;
+
+private:
+    sigset_t before_ = {};
+};
 
 platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(
     const std::optional<std::string>& path) {
@@ -112,20 +123,20 @@ platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(
 
 class SiteServer::Running {
 public:
-    /// Requires: `server` is bound, and `answers` are installed in it.
+    /// Requires: `server` is bound, and `answers` are installed in it. Throws std::system_error when its
+    /// threads cannot be started.
     Running(std::unique_ptr<SiteAnswers> answers, std::unique_ptr<httplib::Server> server)
         : answers_(std::move(answers)), server_(std::move(server)) {
+        const NoSignals whileStarting;
+        auto threads = std::make_unique<RequestThreads>(CPPHTTPLIB_THREAD_POOL_COUNT);
         std::promise<void> accepting;
         // Asked for when the server has begun; before, it could not be stopped.
-        server_->new_task_queue = [&accepting] {
-            auto* const threads = new httplib::ThreadPool(CPPHTTPLIB_THREAD_POOL_COUNT);
+        server_->new_task_queue = [&] {
+            auto* const given = threads.release();
             accepting.set_value();
-            return threads;
+            return given;
         };
-        thread_ = std::thread([this] {
-            blockSignals();
-            server_->listen_after_bind();
-        });
+        thread_ = std::thread([this] { server_->listen_after_bind(); });
         accepting.get_future().wait();
     }
     ~Running() {
@@ -155,9 +166,13 @@ platform::Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(cons
     auto answers =
         std::make_unique<SiteAnswers>(*std::move(folder), *std::move(uploads), options.requiredToken, scheme);
     answers->installIn(**server, options.reportsAnswers);
-    auto running = std::make_unique<Running>(std::move(answers), *std::move(server));
-    return std::unique_ptr<SiteServer>(
-        new SiteServer(std::move(running), *port, scheme + "://" + authority(options.address, *port)));
+    try {
+        auto running = std::make_unique<Running>(std::move(answers), *std::move(server));
+        return std::unique_ptr<SiteServer>(
+            new SiteServer(std::move(running), *port, scheme + "://" + authority(options.address, *port)));
+    } catch (const std::system_error& failed) {
+        return NotServing{"cannot start a thread: " + failed.code().message()};
+    }
 }
 
 SiteServer::SiteServer(std::unique_ptr<Running> running, int port, std::string url)
