@@ -168,6 +168,12 @@ TEST_F(Serve, WhatCannotBeServedIsNamed) {
     const fakes::TestIdentity other({.names = "DNS:localhost"});
     const auto certificate = folder.file("cert.pem", one.pem());
     const auto key = folder.file("key.pem", other.keyPem());
+    const auto ownKey = folder.file("own.pem", one.keyPem());
+    const auto bundle = folder.file("12/pelio.json", "{}");
+    const auto linked = folder.path() + "/walk.jsonl";
+    const auto leading = folder.path() + "/leading.jsonl";
+    std::filesystem::create_hard_link(bundle, linked);
+    std::filesystem::create_symlink("12/new.json", leading);
     struct Case {
         std::vector<std::string> arguments;
         std::string reason;
@@ -185,6 +191,12 @@ TEST_F(Serve, WhatCannotBeServedIsNamed) {
           Case{{folder.path(), "--tls-cert", certificate, "--tls-key", key},
                "key.pem: cannot be used as the key of "},
           Case{{folder.path(), "--port", "0", "--uploads", folder.path()}, ": Is a directory\n"},
+          Case{{folder.path(), "--port", "0", "--uploads", bundle}, "pelio.json, which is served\n"},
+          Case{{folder.path(), "--port", "0", "--uploads", linked}, "pelio.json, which is served\n"},
+          Case{{folder.path(), "--port", "0", "--uploads", leading}, "new.json, which is served\n"},
+          Case{{folder.path(), "--port", "0", "--tls-cert", certificate, "--tls-key", ownKey, "--uploads",
+                ownKey},
+               "own.pem, which TLS needs\n"},
           Case{{}, "SITE_FOLDER"}}) {
         auto arguments = more;
         arguments.insert(arguments.begin(), "serve");
@@ -193,6 +205,9 @@ TEST_F(Serve, WhatCannotBeServedIsNamed) {
         EXPECT_EQ(ended.out, "");
         EXPECT_THAT(ended.err, HasSubstr(reason));
     }
+    EXPECT_EQ(contentOf(bundle), "{}");
+    EXPECT_EQ(contentOf(ownKey), one.keyPem());
+    EXPECT_FALSE(std::filesystem::exists(leading));
 }
 
 }  // namespace

@@ -65,7 +65,8 @@ void addOptions(CLI::App& command, SiteServer::Options& options) {
     command
         .add_option(
             "--uploads", options.uploads,
-            "Append uploaded samples to this file; left out, they are dropped.\n  --uploads walk.jsonl")
+            "Append uploaded samples to this file; left out, they are dropped. It must not be one that the "
+            "server reads.\n  --uploads walk.jsonl")
         ->type_name("FILE");
 }
 

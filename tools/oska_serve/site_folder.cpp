@@ -63,6 +63,20 @@ std::optional<SiteFile> SiteFolder::read(std::string_view path) const {
     return SiteFile{*std::move(content), *type};
 }
 
+std::optional<std::string> SiteFolder::find(const FileIdentity& wanted) const {
+    std::error_code error;
+    std::error_code unknown;
+    fs::recursive_directory_iterator entries(root_, fs::directory_options::skip_permission_denied, error);
+    // A link is passed over: what it leads to is served from its own place below the folder, or not at all.
+    for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
+        const auto& file = entries->path();
+        const bool isServed =
+            entries->symlink_status(unknown).type() == fs::file_type::regular && typeOf(file);
+        if (isServed && identityOf(file.string()) == wanted) return file.string();
+    }
+    return std::nullopt;
+}
+
 std::string versionOf(std::string_view content) {
     constexpr std::size_t KEPT = 8;  // bytes; files of one site, not a world of them
     constexpr std::string_view DIGITS = "0123456789abcdef";

@@ -7,6 +7,7 @@
 
 #include "oska/platform/result.h"
 #include "tools/oska/input_file.h"
+#include "tools/oska_serve/file_identity.h"
 
 namespace oska::tool {
 
@@ -27,6 +28,9 @@ public:
     /// The file at `path`, relative to the folder and with "/" between its parts. None: nothing to serve
     /// there.
     [[nodiscard]] std::optional<SiteFile> read(std::string_view path) const;
+
+    /// The path of the file, if it is one that is served.
+    [[nodiscard]] std::optional<std::string> find(const FileIdentity& wanted) const;
 
 private:
     explicit SiteFolder(std::filesystem::path root) : root_(std::move(root)) {}

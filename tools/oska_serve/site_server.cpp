@@ -113,10 +113,24 @@ private:
     sigset_t before_ = {};
 };
 
-platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(
-    const std::optional<std::string>& path) {
-    if (!path) return std::unique_ptr<UploadFile>();
-    return UploadFile::open(*path);
+/// What the server reads the file for, if it does.
+std::optional<std::string> useOf(const FileIdentity& file, const SiteServer::Options& options,
+                                 const SiteFolder& folder) {
+    if (const auto served = folder.find(file)) return *served + ", which is served";
+    for (const auto& pem : {options.tlsCertificate, options.tlsKey}) {
+        if (!pem.empty() && identityOf(pem) == file) return pem + ", which TLS needs";
+    }
+    return std::nullopt;
+}
+
+platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(const SiteServer::Options& options,
+                                                                      const SiteFolder& folder) {
+    if (!options.uploads) return std::unique_ptr<UploadFile>();
+    return UploadFile::open(*options.uploads, [&](const FileIdentity& file) -> std::optional<std::string> {
+        const auto use = useOf(file, options, folder);
+        if (!use) return std::nullopt;
+        return "uploads cannot go there: it is the file " + *use;
+    });
 }
 
 }  // namespace
@@ -160,7 +174,7 @@ platform::Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(cons
     configure(**server);
     const auto port = bindTo(**server, options.address, options.port);
     if (!port) return port.error();
-    auto uploads = openUploads(options.uploads);
+    auto uploads = openUploads(options, *folder);
     if (!uploads) return NotServing{uploads.error().problem};
     const std::string scheme = options.tlsCertificate.empty() ? "http" : "https";
     auto answers =

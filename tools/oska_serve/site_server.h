@@ -36,7 +36,7 @@ public:
         std::string tlsKey = {};
         /// What bundle requests and uploads must bring as their bearer token; files need none.
         std::optional<std::string> requiredToken = {};
-        /// Where uploaded samples go, as a recording; none: nowhere.
+        /// Where uploaded samples go, as a recording; none: nowhere. A file that the server reads is refused.
         std::optional<std::string> uploads = {};
         /// Whether a request that was answered is a line on standard error; one that was refused always is.
         bool reportsAnswers = true;

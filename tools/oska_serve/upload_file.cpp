@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <system_error>
 
 #include "oska/platform/json.h"
@@ -27,12 +28,27 @@ bool endsInsideALine(int file) {
     return size > 0 && pread(file, &last, 1, size - 1) == 1 && last != '\n';
 }
 
+void removeTarget(const std::string& path) {
+    std::error_code error;
+    const auto target = std::filesystem::canonical(path, error);
+    if (!error) std::filesystem::remove(target, error);
+}
+
 }  // namespace
 
-platform::Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::string& path) {
-    const int file = ::open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, 0644);
+platform::Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::string& path,
+                                                                           const Objection& objection) {
+    constexpr int FLAGS = O_RDWR | O_APPEND | O_CLOEXEC;
+    int file = ::open(path.c_str(), FLAGS);
+    const bool isNew = file < 0 && errno == ENOENT;
+    if (isNew) file = ::open(path.c_str(), FLAGS | O_CREAT, 0644);
     if (file < 0) return Unreadable{problemWith(path)};
     std::unique_ptr<UploadFile> opened(new UploadFile(path, file));
+    // Only when it is there is it known which file it is: its name may be a link that led nowhere.
+    if (const auto problem = objection(*identityOf(file))) {
+        if (isNew) removeTarget(path);
+        return Unreadable{path + ": " + *problem};
+    }
     if (endsInsideALine(file) && !opened->write("\n")) return Unreadable{problemWith(path)};
     return opened;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -9,6 +10,7 @@
 #include "oska/platform/quenlo_common.h"
 #include "oska/platform/result.h"
 #include "tools/oska/input_file.h"
+#include "tools/oska_serve/file_identity.h"
 
 namespace oska::tool {
 
@@ -16,8 +18,12 @@ namespace oska::tool {
 /// that is there already is continued, on a line of its own. Threads: any; batches do not mix.
 class UploadFile {
 public:
+    /// Why a file must not be written to; none: it may be.
+    using Objection = std::function<std::optional<std::string>(const FileIdentity&)>;
+
+    /// `objection` is asked before anything is written, and a file that is refused is as it was.
     [[nodiscard]] static platform::Result<std::unique_ptr<UploadFile>, Unreadable> open(
-        const std::string& path);
+        const std::string& path, const Objection& objection);
     ~UploadFile();
     UploadFile(const UploadFile&) = delete;
     UploadFile& operator=(const UploadFile&) = delete;
