@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <thread>
 
@@ -14,8 +15,9 @@ namespace oska::virtual_world {
 /// Time: `advanceTo` and `advanceBy` run every job due up to and including their instant, in the order of the
 /// deadlines and, at one deadline, in the order of scheduling; each job finds the clock at its own deadline.
 /// The clock never goes back: an earlier target means now. A timer is never late here, so no ticks are
-/// merged: a jump over months costs every tick on the way. Any 64-bit millisecond is a valid instant; what
-/// would come due beyond the last one never does.
+/// merged: a jump over months costs every tick on the way, unless the caller of `advanceTo` can tell that
+/// they do nothing. Any 64-bit millisecond is a valid instant; what would come due beyond the last one never
+/// does.
 /// Threads: the thread that makes the queue is its main thread, and it alone moves time, never from inside a
 /// job; anything else is a programming error. `stop`, `now` and the operations of `MainQueue` may be called
 /// on any thread. What other threads submit is due at the instant at which the clock then stands, and runs
@@ -29,6 +31,13 @@ public:
     VirtualMainQueue& operator=(const VirtualMainQueue&) = delete;
 
     void advanceTo(platform::WallTime target);
+
+    /// Likewise, without running the ticks that do nothing. `ticksAreIdle` is asked when a tick is due and a
+    /// repeating timer is the only job that waits. True promises that the tick changes nothing, nor do those
+    /// that follow it, as long as no other job runs. All of them up to the target are then passed over in one
+    /// step; the next one keeps its place on the grid and in the order. `ticksAreIdle` must not move time.
+    void advanceTo(platform::WallTime target, const std::function<bool()>& ticksAreIdle);
+
     void advanceBy(std::chrono::nanoseconds span);
 
     /// Runs what is due now, and what these jobs schedule for now.
@@ -50,6 +59,8 @@ public:
     [[nodiscard]] bool sync(platform::Task task) override;
 
 private:
+    void beginMoving();
+
     const std::thread::id mainThread_ = std::this_thread::get_id();
     bool isRunningJobs_ = false;
     const std::shared_ptr<class Schedule> schedule_;  // shared with the handles

@@ -96,6 +96,37 @@ TEST_F(VirtualTime, AJumpOverMonthsRunsEveryTick) {
     EXPECT_EQ(ticks, MONTHS / 10s + 1);
 }
 
+// The tick after the ones passed over keeps its instant, and its turn before what is scheduled later.
+TEST_F(VirtualTime, IdleTicksAreLeftOutAndNothingElseChanges) {
+    const auto play = [](nanoseconds interval, nanoseconds way, bool skips) {
+        VirtualMainQueue time(START);
+        std::vector<std::pair<std::string, WallTime>> seen;
+        const auto note = [&](const char* name) {
+            return [&, name] { seen.emplace_back(name, time.now()); };
+        };
+        const auto late = time.after(3s, note("once"));
+        int ticks = 0;
+        const auto tick = time.every(interval, [&] {
+            ++ticks;
+            if (time.now() > START + way) note("tick")();
+        });
+        time.advanceTo(START + way, [&] { return skips; });
+        const auto rest = interval - way % interval;  // until the first tick behind the way
+        const auto alike = time.after(rest, note("with the tick"));
+        time.advanceBy(2 * interval);
+        EXPECT_TRUE(!skips || ticks <= 3s / interval + 4) << ticks;
+        return seen;
+    };
+    for (const nanoseconds interval : {nanoseconds(333'333'333), nanoseconds(7ms), nanoseconds(20s)}) {
+        for (const nanoseconds way : {nanoseconds(2999ms), nanoseconds(20s), nanoseconds(1h) + 1ns}) {
+            EXPECT_EQ(play(interval, way, true), play(interval, way, false)) << interval.count();
+        }
+    }
+    const auto tick = time_.every(1s, [] {});
+    time_.advanceTo({LAST_MILLISECOND, 0}, [] { return true; });  // would take for ever otherwise
+    EXPECT_EQ(time_.now(), (WallTime{LAST_MILLISECOND, 0}));
+}
+
 TEST(VirtualTimeRange, AnyMillisecondIsAnInstant) {
     VirtualMainQueue time({FIRST_MILLISECOND, 0});
     bool hasRun = false;

@@ -88,6 +88,25 @@ TEST_F(Replay, DoesWhatTheHostDid) {
                             images(4), init(4), start(6), result(7, 7)));
 }
 
+TEST_F(Replay, PassesOverYearsInWhichNothingHappens) {
+    std::string walk;
+    for (int i = 0; i < 6; ++i)
+        walk += R"({"mobile_time":)" + std::to_string(i * 100) + R"(,"rfs":{"lobby-a":-60}})" + "\n";
+    walk += R"({"mobile_time":9000000000000000000,"rfs":{}})";
+    const auto ended =
+        runOska({"replay", "dapo", "--bundle", folder.file("dapo.json", fakes::DAPO_DOCUMENT), "--recording",
+                 "-", "--output-interval", "0.001", "--unchanged-delivery-interval", "3"},
+                walk);
+    std::vector<std::string> events;
+    for (const auto& event : ended.events()) {
+        if (event.find("dapo") != std::string::npos || event.find("visi") != std::string::npos)
+            events.push_back(event.substr(0, event.find(",\"event") + 14));
+    }
+    EXPECT_EQ(ended.status, 0) << ended.err;
+    EXPECT_THAT(events, ElementsAre(R"({"at":500,"event":"visi)", R"({"at":501,"event":"onDa)",
+                                    R"({"at":3501,"event":"onDa)", R"({"at":5500,"event":"visi)"));
+}
+
 TEST_F(Replay, InitialisesAndStartsForAnEmptyRecordingToo) {
     const auto ended = replay("\n");
     EXPECT_EQ(ended.status, 0);

@@ -50,6 +50,8 @@ public:
 
     void stop() override { view_->stopService(); }
 
+    [[nodiscard]] bool isIdle() const override { return view_->getCurrentDapoWards().empty(); }
+
     void onInitSuccess(DapoView&, bool success, std::optional<DapoInitErrorCode> code) override {
         events_.printOutcome("onInitSuccess", success, code);
         noteInitialization(success);

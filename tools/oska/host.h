@@ -32,6 +32,10 @@ public:
         }
     }
 
+    /// No ward is selected, and only a sample can change that: a tick of the service's own timer does
+    /// nothing.
+    [[nodiscard]] virtual bool isIdle() const { return true; }
+
     /// Of the first initialisation; none until it has reported.
     [[nodiscard]] std::optional<bool> firstInitialization() const { return firstInitialization_; }
 

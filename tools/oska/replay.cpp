@@ -125,18 +125,10 @@ public:
     }
 
 private:
-    /// In steps, so that an interruption ends a way of years, too. They grow while nothing happens on it.
+    /// Only the ticks of a selection and its hold are run, so a way of years is no longer than one of
+    /// seconds.
     void advanceTo(platform::WallTime target) {
-        constexpr auto BUSY = std::chrono::milliseconds(20);
-        constexpr std::chrono::nanoseconds CENTURY = std::chrono::hours(24) * 36'525;
-        std::chrono::nanoseconds step = std::chrono::hours(24);
-        auto& time = site_.time();
-        while (time.now() < target && !Interruption::requested()) {
-            const auto begin = std::chrono::steady_clock::now();
-            time.advanceTo(std::min(target, time.now() + step));
-            if (std::chrono::steady_clock::now() - begin < BUSY) step = std::min(step * 2, CENTURY);
-        }
-        time.runDue();
+        site_.time().advanceTo(target, [this] { return host_->isIdle(); });
     }
 
     void printUpload(const std::vector<platform::ReceivedForce>& batch) const {
