@@ -270,6 +270,7 @@ void addReplay(CLI::App& program, ExitStatus& status) {
     addOptions(*command, *options);
     command->callback([command, options, &status] {
         refuseSharedInput(*command, "--bundle", "--recording");
+        refuseForeignOptions(*command, options->service);
         if (options->svg == "-")
             throw CLI::ValidationError("--svg needs a file: events go to standard output");
         OskaLogger::setDebugOption(options->log);

@@ -1,10 +1,23 @@
 #include "tools/oska/service_options.h"
 
+#include <array>
+#include <string>
+#include <utility>
+
 #include "tools/oska/common_options.h"
 #include "tools/oska/dapo_host.h"
 #include "tools/oska/pelio_host.h"
 
 namespace oska::tool {
+namespace {
+
+constexpr std::array<std::pair<const char*, OskaService>, 3> OPTIONS_OF_ONE_SERVICE{{
+    {"--output-interval", OskaService::dapo},
+    {"--unchanged-delivery-interval", OskaService::dapo},
+    {"--region", OskaService::pelio},
+}};
+
+}  // namespace
 
 void addServiceOptions(CLI::App& command, ServiceOptions& options) {
     addServiceName(command, options.service);
@@ -17,6 +30,15 @@ void addServiceOptions(CLI::App& command, ServiceOptions& options) {
                     "Dapo: seconds after which an unchanged selection is delivered again (never).\n"
                     "  --unchanged-delivery-interval 3")
         ->type_name("SECONDS");
+}
+
+void refuseForeignOptions(const CLI::App& command, const ServiceOptions& options) {
+    for (const auto& [name, owner] : OPTIONS_OF_ONE_SERVICE) {
+        const auto* const option = command.get_option_no_throw(name);
+        if (option == nullptr || option->count() == 0 || owner == options.kind()) continue;
+        throw CLI::ValidationError(std::string(name) + " is an option of " + std::string(rawValue(owner)) +
+                                   ", not of " + options.service);
+    }
 }
 
 std::shared_ptr<Host> makeHost(const ServiceOptions& options, const Events& events) {

@@ -30,6 +30,10 @@ struct ServiceOptions {
 /// SERVICE and the options that only Dapo has; what both services need differs from command to command.
 void addServiceOptions(CLI::App& command, ServiceOptions& options);
 
+/// Throws CLI::ValidationError when the command was given an option that its service does not have. For the
+/// command's own callback.
+void refuseForeignOptions(const CLI::App& command, const ServiceOptions& options);
+
 /// `events` must outlive the host.
 [[nodiscard]] std::shared_ptr<Host> makeHost(const ServiceOptions& options, const Events& events);
 
