@@ -112,23 +112,49 @@ TEST_F(RunCommand, HandlesLinesAsTheyComeAndReusesAnUnchangedBundle) {
 }
 
 TEST_F(RunCommand, WithoutARecordingInitializesAndSaysHowThatEnded) {
-    serve({.requiredToken = TOKEN});
-    struct Case {
-        std::vector<std::string> arguments;
-        int status;
-        std::string outcome;
+    serve({.requiredToken = "oska"});
+    folder.file("13/pelio.json", "{\n\"id\":\"1\u0085\"}");
+    const auto endpoint = [this](int sector) {
+        return server->url() + "/v2/pelio/sectors/" + std::to_string(sector) +
+               "/bundle?operating_system=iOS: ";
     };
-    for (const auto& [arguments, status, outcome] :
-         {Case{{"--token", TOKEN}, 0, R"("success":true})"},
-          Case{{"--token", "wrong"}, 1, R"("success":false,"code":"RESOURCE_FAIL"})"},
-          Case{{}, 1, R"("success":false,"code":"RESOURCE_FAIL"})"}}) {
-        const auto ended = run(arguments);
-        EXPECT_EQ(ended.status, status);
+    const struct {
+        int sector;
+        std::vector<std::string> arguments;
+        std::string reason;  // empty: all is well
+    } cases[] = {
+        {12, {}, ""},
+        {12,
+         {"--token", "wrong"},
+         endpoint(12) + "HTTP status 401 (Unauthorized); the server does not take this token (--token)"},
+        {12,
+         {"--quiet", "--no-token"},
+         "there is no token, as when no user is signed in (--token gives one)"},
+        {9, {"--quiet"}, endpoint(9) + "HTTP status 404 (Not Found); does the server have sector 9?"},
+        {13, {}, server->url() + "/13/pelio.json:2: id: expected an integer, found \"1\\u0085\""},
+        {12,
+         {"--base-url", "http://127.0.0.1:1"},
+         "http://127.0.0.1:1/v2/pelio/sectors/12/bundle?operating_system=iOS: Could not connect to "
+         "127.0.0.1:1: Connection refused; does a server listen there?"},
+        {12,
+         {"--base-url", "localhost:5050"},
+         "the base URL \"localhost:5050\" has no scheme; \"http://localhost:5050\" may be meant"},
+    };
+    for (const auto& [sector, more, reason] : cases) {
+        std::vector<std::string> all{"run",        "pelio",      "--sector", std::to_string(sector),
+                                     "--base-url", server->url()};
+        if (!more.empty() && more.front() == "--base-url") all.resize(4);
+        all.insert(all.end(), more.begin(), more.end());
+        const auto ended = runOska(all);
+        EXPECT_EQ(ended.status, reason.empty() ? 0 : 1);
         ASSERT_THAT(ended.events(), Not(IsEmpty()));
-        EXPECT_THAT(ended.events().back(), EndsWith(outcome));
-        EXPECT_EQ(ended.err, "");
+        EXPECT_THAT(ended.events().back(),
+                    EndsWith(reason.empty() ? R"("success":true})" : R"("code":"RESOURCE_FAIL"})"));
+        EXPECT_EQ(ended.err, reason.empty() ? ""
+                                            : "oska: cannot load sector " + std::to_string(sector) + ": " +
+                                                  reason + "\n");
     }
-    const auto refused = run({"--token", TOKEN, "--id", "a b\n"});
+    const auto refused = run({"--id", "a b\n"});
     EXPECT_EQ(refused.status, 1);
     EXPECT_THAT(refused.events(), IsEmpty());
     EXPECT_EQ(refused.err, "oska: the service refuses the id \"a b\\n\"\n");
@@ -200,16 +226,19 @@ TEST_P(RunUsage, IsRefusedOnStandardError) {
     EXPECT_NE(ended.err, "");
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, RunUsage,
-                         testing::Values(std::vector<std::string>{}, std::vector<std::string>{"pelio"},
-                                         std::vector<std::string>{"tovan", "--sector", "1"},
-                                         std::vector<std::string>{"pelio", "--sector", "1x"},
-                                         std::vector<std::string>{"pelio", "--sector", "9223372036854775808"},
-                                         std::vector<std::string>{"pelio", "--sector", "1", "--speed", "0"},
-                                         std::vector<std::string>{"pelio", "--sector", "1", "--speed", "inf"},
-                                         std::vector<std::string>{"pelio", "--sector", "1", "--tail", "-1"},
-                                         std::vector<std::string>{"pelio", "--sector", "1", "--bundle",
-                                                                  "b"}));
+INSTANTIATE_TEST_SUITE_P(
+    Of, RunUsage,
+    testing::Values(std::vector<std::string>{}, std::vector<std::string>{"pelio"},
+                    std::vector<std::string>{"tovan", "--sector", "1"},
+                    std::vector<std::string>{"pelio", "--sector", "1x"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--output-interval", "1"},
+                    std::vector<std::string>{"dapo", "--sector", "1", "--region", "KOREA"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--token", "a", "--no-token"},
+                    std::vector<std::string>{"pelio", "--sector", "9223372036854775808"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--speed", "0"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--speed", "inf"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--tail", "-1"},
+                    std::vector<std::string>{"pelio", "--sector", "1", "--bundle", "b"}));
 
 }  // namespace
 }  // namespace oska::tool_tests

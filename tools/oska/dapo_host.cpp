@@ -54,7 +54,7 @@ public:
 
     void onInitSuccess(DapoView&, bool success, std::optional<DapoInitErrorCode> code) override {
         events_.printOutcome("onInitSuccess", success, code);
-        noteInitialization(success);
+        noteInitialization(success, code);
     }
 
     void onDapoSuccess(DapoView&, bool success, std::optional<DapoErrorCode> code) override {

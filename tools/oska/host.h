@@ -1,7 +1,10 @@
 #pragma once
 
+#include <functional>
 #include <optional>
+#include <utility>
 
+#include "oska/foundation/service_codes.h"
 #include "tools/oska/recording_line.h"
 
 namespace oska::tool {
@@ -39,11 +42,19 @@ public:
     /// Of the first initialisation; none until it has reported.
     [[nodiscard]] std::optional<bool> firstInitialization() const { return firstInitialization_; }
 
+    /// `tell` is called when a load has ended, with whether it brought a bundle, behind the event that says
+    /// so.
+    void onLoadEnd(std::function<void(bool success)> tell) { tellLoadEnd_ = std::move(tell); }
+
     /// Of the first start; none until it has reported.
     [[nodiscard]] std::optional<bool> firstStart() const { return firstStart_; }
 
 protected:
-    void noteInitialization(bool success) { note(firstInitialization_, success); }
+    /// An id that was refused has loaded nothing.
+    void noteInitialization(bool success, std::optional<ServiceInitErrorCode> code) {
+        note(firstInitialization_, success);
+        if (tellLoadEnd_ && code != ServiceInitErrorCode::INVALID_ID) tellLoadEnd_(success);
+    }
     void noteStart(bool success) { note(firstStart_, success); }
 
 private:
@@ -52,6 +63,7 @@ private:
 
     static void note(std::optional<bool>& first, bool success) { first = first.value_or(success); }
 
+    std::function<void(bool success)> tellLoadEnd_;
     std::optional<bool> firstInitialization_;
     std::optional<bool> firstStart_;
 };

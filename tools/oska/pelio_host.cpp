@@ -26,7 +26,7 @@ public:
 
     void onInitSuccess(PelioServiceManager&, bool success, std::optional<PelioInitErrorCode> code) override {
         events_.printOutcome("onInitSuccess", success, code);
-        noteInitialization(success);
+        noteInitialization(success, code);
     }
 
     void onPelioSuccess(PelioServiceManager&, bool success, std::optional<PelioErrorCode> code) override {

@@ -20,6 +20,7 @@
 #include "tools/oska/events.h"
 #include "tools/oska/interruption.h"
 #include "tools/oska/live_loop.h"
+#include "tools/oska/load_witness.h"
 #include "tools/oska/option_values.h"
 #include "tools/oska/pending_requests.h"
 #include "tools/oska/recording.h"
@@ -39,6 +40,8 @@ Without --recording: initialises, prints the outcome and exits. With it: starts 
 whatever it reported, feeds the recording at its own pace, waits for --tail seconds, stops, and exits when all requests
 have ended. A line stamped earlier than one before it is handled at once. `oska replay --help` tells what a recording is.
 
+When a bundle cannot be loaded, standard error says why.
+
 Ctrl-C stops the service in order; what it has to upload then is still uploaded.
 
 Examples: oska serve site &
@@ -49,7 +52,8 @@ struct Options {
     ServiceOptions service{.service = {}, .id = "oska"};
     std::optional<std::string> baseUrl;
     bool forceUpdate = false;
-    std::optional<std::string> token;
+    std::string token = "oska";
+    bool noToken = false;
     std::optional<std::string> recording;
     double speed = 1;
     double tailSeconds = 0;
@@ -67,9 +71,9 @@ private:
     const LiveLoop::Clock::time_point begin_ = LiveLoop::Clock::now();
 };
 
-/// Without a token nobody is signed in, as the platform has it by itself.
-std::shared_ptr<platform::QuenloAuthManager> tokens(const std::optional<std::string>& token) {
-    return token ? std::make_shared<virtual_world::FixedToken>(*token) : nullptr;
+/// Without a provider nobody is signed in, as the platform has it by itself.
+std::shared_ptr<platform::QuenloAuthManager> tokens(const Options& options) {
+    return options.noToken ? nullptr : std::make_shared<virtual_world::FixedToken>(options.token);
 }
 
 /// `seconds` may be as long as a double can say; a loop waits for a year at most.
@@ -104,16 +108,18 @@ class Run {
 public:
     explicit Run(const Options& options)
         : options_(options),
-          loop_({.auth = tokens(options.token), .makeRFDGenerator = source_.factory()}),
+          witness_(options.service.kind(), options.service.sectorId),
+          loop_({.auth = tokens(options), .makeRFDGenerator = source_.factory()}),
           events_(std::make_shared<Stopwatch>()) {
         auto platform = loop_.platform();
-        platform.http = requests_.countIn(platform.http, platform.mainQueue);
+        platform.http = requests_.countIn(witness_.watch(platform.http), platform.mainQueue);
         platform::install(std::move(platform));
         if (options.recording) {
             recording_.emplace(*options.recording, options.service.kind(),
                                [this](int file) { return loop_.runUntilReadable(file); });
         }
         host_ = makeHost(options.service, events_);
+        host_->onLoadEnd([this](bool success) { noteLoadEnd(success); });
     }
 
     ExitStatus run() {
@@ -165,6 +171,14 @@ private:
     /// Nothing of what the service has begun is under way.
     [[nodiscard]] bool isQuiet() const { return requests_.count() == 0 && !loop_.isBusy(); }
 
+    void noteLoadEnd(bool success) {
+        if (!success) {
+            complain("oska: cannot load sector " + std::to_string(options_.service.sectorId) + ": " +
+                     witness_.reason());
+        }
+        witness_.forget();
+    }
+
     [[nodiscard]] bool hasBadInput() const {
         return recording_ && recording_->ending() == LineReader::Ending::failed;
     }
@@ -184,6 +198,7 @@ private:
     const Options& options_;
     virtual_world::ReplaySource source_;
     PendingRequests requests_;
+    LoadWitness witness_;
     LiveLoop loop_;
     Events events_;
     std::optional<Recording> recording_;
@@ -212,12 +227,14 @@ void addOptions(CLI::App& command, Options& options) {
         ->type_name("NAME");
     command.add_flag("--force-update", options.forceUpdate,
                      "Download the bundle even when its version is unchanged.\n  --force-update");
+    auto* const token =
+        command
+            .add_option("--token", options.token, "What the token provider answers (oska).\n  --token secret")
+            ->type_name("TEXT");
     command
-        .add_option("--token", options.token,
-                    "What the token provider answers; without it there is no token, as when no user is "
-                    "signed in, and\n"
-                    "nothing can be loaded.\n  --token secret")
-        ->type_name("TEXT");
+        .add_flag("--no-token", options.noToken,
+                  "There is no token, as when no user is signed in, and nothing can be loaded.\n  --no-token")
+        ->excludes(token);
 }
 
 void addRecordingOptions(CLI::App& command, Options& options) {
@@ -252,7 +269,8 @@ void addRun(CLI::App& program, ExitStatus& status) {
     command->footer(MORE);
     addOptions(*command, *options);
     addRecordingOptions(*command, *options);
-    command->callback([options, &status] {
+    command->callback([command, options, &status] {
+        refuseForeignOptions(*command, options->service);
         options->service.baseUrl = options->baseUrl.value_or("");
         status = run(*options);
     });
