@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska_program.h"
@@ -178,6 +181,28 @@ TEST_F(Replay, HandlesLinesAsTheyArriveUntilInterrupted) {
     program.interrupt();
     EXPECT_EQ(program.readLine(), "");
     EXPECT_EQ(program.waitForStatus(), 130);
+}
+
+// A named pipe that is opened tells when the program has come to its wait.
+TEST(Interrupted, EveryCommandThatWaitsForInputEnds) {
+    const Folder folder;
+    const auto site = folder.file("site.json", PELIO_DOCUMENT);
+    const auto pipe = folder.path() + "/pipe";
+    ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+    for (const std::vector<std::string>& waiting : std::vector<std::vector<std::string>>{
+             {"simulate", "--bundle", pipe, "--route", site},
+             {"simulate", "--bundle", site, "--route", pipe},
+             {"check", site, pipe, site},
+             {"explain", "dapo", "--bundle", pipe, "--recording", site},
+             {"replay", "pelio", "--bundle", pipe, "--recording", site},
+             {"replay", "pelio", "--bundle", site, "--recording", pipe},
+         }) {
+        RunningOska program(waiting);
+        const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
+        program.interrupt();
+        EXPECT_EQ(program.waitForStatus(), 130) << testing::PrintToString(waiting);
+        close(writer);
+    }
 }
 
 TEST(Usage, IsExplainedAndItsMistakesHaveAStatus) {

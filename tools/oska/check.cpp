@@ -13,6 +13,7 @@
 #include "tools/oska/commands.h"
 #include "tools/oska/complaint.h"
 #include "tools/oska/input_file.h"
+#include "tools/oska/interruption.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {
@@ -106,7 +107,7 @@ FileReport check(const std::string& file, const std::string& kind) {
     if (!document) {
         report.error =
             Fault{.line = {}, .path = {}, .expected = {}, .found = {}, .message = document.error().problem};
-        complain(document.error().problem);
+        complainOf(document.error());
         return report;
     }
     report.kind = kind.empty() ? std::string(rawValue(bundleKind(*document))) : kind;
@@ -137,6 +138,7 @@ ExitStatus check(const Options& options) {
     auto status = ExitStatus::done;
     for (const auto& file : options.files) {
         auto report = check(file, options.kind);
+        if (Interruption::requested()) return ExitStatus::interrupted;
         if (!report.decodes) status = ExitStatus::badInput;
         if (!options.json) printForPeople(report);
         if (options.json) all.files.push_back(std::move(report));
@@ -163,7 +165,10 @@ void addCheck(CLI::App& program, ExitStatus& status) {
     command->add_flag(
         "--json", options->json,
         "Print one JSON object: {\"files\": [{file, kind, decodes, error, findings}]}.\n  --json");
-    command->callback([options, &status] { status = check(*options); });
+    command->callback([options, &status] {
+        Interruption::listen();
+        status = check(*options);
+    });
 }
 
 }  // namespace oska::tool

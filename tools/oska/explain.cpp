@@ -99,12 +99,9 @@ ExitStatus explain(const Options& options, OskaService service, const std::strin
 }
 
 ExitStatus explain(const Options& options) {
-    const auto document = readInput(options.bundle);
-    if (!document) {
-        complain(document.error().problem);
-        return ExitStatus::badInput;
-    }
     Interruption::listen();
+    const auto document = readInput(options.bundle);
+    if (!document) return complainOf(document.error());
     return options.service == rawValue(OskaService::dapo)
                ? explain<DapoBundle, DapoExplainer>(options, OskaService::dapo, *document)
                : explain<PelioBundle, PelioExplainer>(options, OskaService::pelio, *document);

@@ -1,12 +1,13 @@
 #include "tools/oska/line_reader.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <system_error>
 #include <utility>
+
+#include "tools/oska/input_file.h"
 
 namespace oska::tool {
 namespace {
@@ -21,8 +22,7 @@ bool isFolder(int file) {
 }  // namespace
 
 LineReader::LineReader(const std::string& path, AwaitInput awaitInput)
-    : file_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)),
-      awaitInput_(std::move(awaitInput)) {
+    : file_(openInput(path)), awaitInput_(std::move(awaitInput)) {
     if (file_ < 0) {
         fail(errno);
     } else if (isFolder(file_)) {

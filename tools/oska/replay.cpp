@@ -224,16 +224,13 @@ ExitStatus replayAndDraw(const Options& options, std::int64_t sector, std::strin
 }
 
 ExitStatus replay(const Options& options) {
+    Interruption::listen();
     auto bundle = readInput(options.bundle);
-    if (!bundle) {
-        complain(bundle.error().problem);
-        return ExitStatus::badInput;
-    }
+    if (!bundle) return complainOf(bundle.error());
     const bool isDapo = options.service.kind() == OskaService::dapo;
     const auto sector =
         isDapo ? chooseSector<DapoBundle>(options, *bundle) : chooseSector<PelioBundle>(options, *bundle);
     if (!sector) return ExitStatus::badInput;
-    Interruption::listen();
     if (!options.svg.empty()) return replayAndDraw(options, *sector, *std::move(bundle));
     return Replay(options, *sector, *std::move(bundle), nullptr).run();
 }

@@ -143,9 +143,7 @@ ExitStatus simulate(const Options& options) {
     const auto document = readInput(options.bundle);
     const auto routeDocument = readInput(options.route);
     for (const auto* const input : {&document, &routeDocument}) {
-        if (*input) continue;
-        complain(input->error().problem);
-        return ExitStatus::badInput;
+        if (!*input) return complainOf(input->error());
     }
     const auto site = parseSite(options.bundle, *document, bundleKind(*document));
     const auto route = parseRoute(options.route, *routeDocument);
