@@ -122,8 +122,7 @@ void addOptions(CLI::App& command, Options& options) {
                     "is what is not below the first line's. Between two samples the decision is that of the "
                     "earlier one.\n"
                     "  --at 12500")
-        ->transform(decimalInteger())
-        ->check(CLI::Validator(CLI::NonNegativeNumber).description(""))
+        ->transform(instant())
         ->type_name("MS");
     command.add_flag("--json", options.json, "Print the answer as one JSON object, for programs.\n  --json");
 }

@@ -25,6 +25,11 @@ std::string checkInteger(std::string& text) {
     return {};
 }
 
+std::string checkInstant(std::string& text) {
+    const auto problem = text + " is not an instant; it takes whole milliseconds, from 0 on";
+    return checkInteger(text).empty() && !text.starts_with('-') ? std::string() : problem;
+}
+
 std::optional<double> finite(const std::string& text) {
     const auto value = parsed<double>(text);
     return value && std::isfinite(*value) ? value : std::nullopt;
@@ -41,6 +46,8 @@ std::string checkFactor(const std::string& text) {
 }  // namespace
 
 CLI::Validator decimalInteger() { return CLI::Validator(checkInteger, ""); }
+
+CLI::Validator instant() { return CLI::Validator(checkInstant, ""); }
 
 CLI::Validator seconds() {
     return CLI::Validator([](std::string& text) { return checkSeconds(text); }, "");

@@ -10,6 +10,9 @@ namespace oska::tool {
 /// A decimal integer.
 [[nodiscard]] CLI::Validator decimalInteger();
 
+/// An instant of a recording: a decimal integer from zero on.
+[[nodiscard]] CLI::Validator instant();
+
 /// A finite number that is not negative.
 [[nodiscard]] CLI::Validator seconds();
 
