@@ -240,14 +240,20 @@ TEST(Usage, WhatNobodyKnowsIsNamedBeforeWhatIsMissing) {
         std::string complaint;
     } cases[] = {
         {{"--bogus"}, "Not expected: --bogus\n"},
+        {{"repaly"}, "oska: there is no command repaly; did you mean replay? oska --help lists them\n"},
+        {{"fly\t"}, "oska: there is no command fly\\u0009; oska --help lists them\n"},
+        {{"explain", "dapo", "--bundle", "b", "--recording", "r", "--at", "-1"},
+         "--at: -1 is not an instant; it takes whole milliseconds, from 0 on\n"},
         {{"check", "--kind", "pelio", "--bogus"}, "Not expected: --bogus\n"},
         {{"explain", "--bogus"}, "Not expected: --bogus\n"},
-        {{"replay", "pelio", "--bundel", "b", "--recording", "r"}, "Not expected: --bundel b\n"},
+        {{"replay", "pelio", "--bundel", "b", "--recording", "r"},
+         "Not expected: --bundel b; did you mean --bundle?\n"},
         {{"run", "pelio", "--bogus"}, "Not expected: --bogus\n"},
         {{"run", "pelio", "one", "--two", "--sector", "1"}, "Not expected: one --two\n"},
         {{"run", "pelio"}, "--sector is required\n"},
         {{"serve", "--bogus"}, "Not expected: --bogus\n"},
-        {{"serve", "site", "--tls-cert", "c", "--tls-kye", "k"}, "Not expected: --tls-kye k\n"},
+        {{"serve", "site", "--tls-cert", "c", "--tls-kye", "k"},
+         "Not expected: --tls-kye k; did you mean --tls-key?\n"},
         {{"--bogus", "serve", "--port", "0"}, "Not expected: --bogus\n"},
         {{"simulate", "--bogus"}, "Not expected: --bogus\n"},
     };
@@ -258,6 +264,7 @@ TEST(Usage, WhatNobodyKnowsIsNamedBeforeWhatIsMissing) {
         EXPECT_THAT(ended.err, StartsWith(complaint));
     }
     EXPECT_EQ(runOska({"run", "--bogus", "--help"}).status, 0);
+    EXPECT_EQ(runOska({"--version"}).out, "oska " OSKA_VERSION "\n");
 }
 
 }  // namespace

@@ -55,6 +55,7 @@ bool isCommand(const CLI::App& program, const std::string& name) {
 ExitStatus run(int argc, char** argv) {
     CLI::App program(ABOUT, "oska");
     program.footer(MORE);
+    program.set_version_flag("--version", "oska " OSKA_VERSION, "Print the kit's version and exit.");
     program.require_subcommand(1);
     auto status = ExitStatus::done;
     oska::tool::addCheck(program, status);
@@ -64,8 +65,9 @@ ExitStatus run(int argc, char** argv) {
     oska::tool::addServe(program, status);
     oska::tool::addSimulate(program, status);
     if (argc > 1 && argv[1][0] != '-' && !isCommand(program, argv[1])) {
+        const auto meant = oska::tool::nearestCommand(program, argv[1]);
         oska::tool::complain(std::string("oska: there is no command ") + argv[1] +
-                             "; oska --help lists them");
+                             (meant ? "; did you mean " + *meant + "? " : "; ") + "oska --help lists them");
         return ExitStatus::badInput;
     }
     return oska::tool::parseCommandLine(program, argc, argv).value_or(status);
