@@ -4,8 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <new>
+#include <stdexcept>
+#include <thread>
+
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska_program.h"
+#include "tools/oska/memory_guard.h"
 
 namespace oska::tool_tests {
 namespace {
@@ -203,6 +208,17 @@ TEST(Interrupted, EveryCommandThatWaitsForInputEnds) {
         EXPECT_EQ(program.waitForStatus(), 130) << testing::PrintToString(waiting);
         close(writer);
     }
+}
+
+TEST(MemoryGuard, TurnsAWantOfMemoryIntoAnErrorOnAnyThread) {
+    const auto wantsTooMuch = []() -> tool::ExitStatus { throw std::bad_alloc(); };
+    EXPECT_EXIT(std::exit(static_cast<int>(tool::runGuarded(wantsTooMuch))), testing::ExitedWithCode(2),
+                "^oska: out of memory\n$");
+    const auto onAThread = [] {
+        std::thread([] { throw std::length_error("too long"); }).join();
+        return tool::ExitStatus::done;
+    };
+    EXPECT_EXIT((void)tool::runGuarded(onAThread), testing::ExitedWithCode(2), "^oska: out of memory\n$");
 }
 
 TEST(Usage, IsExplainedAndItsMistakesHaveAStatus) {

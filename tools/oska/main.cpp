@@ -10,6 +10,7 @@
 #include "tools/oska/command_line.h"
 #include "tools/oska/commands.h"
 #include "tools/oska/complaint.h"
+#include "tools/oska/memory_guard.h"
 
 using oska::tool::ExitStatus;
 
@@ -79,5 +80,5 @@ int main(int argc, char** argv) {
     fillClosedStreams();
     // The commands flush before they wait; until then lines are cheap.
     std::setvbuf(stdout, nullptr, _IOFBF, STANDARD_OUTPUT_BUFFER);
-    return static_cast<int>(flushed(run(argc, argv)));
+    return static_cast<int>(oska::tool::runGuarded([&] { return flushed(run(argc, argv)); }));
 }
