@@ -26,7 +26,8 @@ constexpr auto MORE =
 that normalise alike, wards without coordinates, thresholds that no sample can reach (outside -100 to -40 dBm),
 content links that are dropped, level ids used twice, levels with scale 0.
 
-One line a finding: the file, the place in it, what is the matter. Standard error names what does not decode, too.
+One line a finding: the file, the place in it, what is the matter. Where and why one does not decode stands on standard
+error; with --json in the report instead.
 Exit status 0 when all bundles decode, with or without findings; 2 when one does not.
 
 Example: oska check --kind dapo site/12/dapo.json site/13/dapo.json)";
@@ -97,7 +98,6 @@ void examine(FileReport& report, const std::string& document) {
         report.findings = findingsIn(*bundle);
     } else {
         report.error = faultOf(bundle.error());
-        complain(faultLine(report.file, bundle.error()));
     }
 }
 
@@ -107,7 +107,6 @@ FileReport check(const std::string& file, const std::string& kind) {
     if (!document) {
         report.error =
             Fault{.line = {}, .path = {}, .expected = {}, .found = {}, .message = document.error().problem};
-        complainOf(document.error());
         return report;
     }
     report.kind = kind.empty() ? std::string(rawValue(bundleKind(*document))) : kind;
@@ -121,13 +120,18 @@ FileReport check(const std::string& file, const std::string& kind) {
 
 void printLine(const std::string& line) { std::fwrite((line + '\n').data(), 1, line.size() + 1, stdout); }
 
-// The report is whole in itself, so a fault that standard error has named stands here, too.
+/// Where and why; a fault that has no line tells its file itself.
+std::string errorLine(const FileReport& report) {
+    const auto& error = *report.error;
+    return error.line ? report.file + ":" + std::to_string(*error.line) + ": " + error.message
+                      : error.message;
+}
+
 void printForPeople(const FileReport& report) {
+    if (report.error) complain(errorLine(report));
     if (!report.kind) return;
-    printLine(
-        report.file + ": " + (report.decodes ? "decodes as a " : "does not decode as a ") + *report.kind +
-        " bundle" +
-        (report.error ? ": line " + std::to_string(*report.error->line) + ": " + report.error->message : ""));
+    printLine(report.file + ": " + (report.decodes ? "decodes as a " : "does not decode as a ") +
+              *report.kind + " bundle");
     for (const auto& finding : report.findings) {
         printLine(report.file + ": " + finding.path + ": " + finding.message);
     }
