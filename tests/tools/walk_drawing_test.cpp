@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include <fstream>
 #include <sstream>
 
@@ -109,6 +111,25 @@ TEST(ReplaySvg, DrawsTheWalkAndPrintsTheEventsAllTheSame) {
     const auto failed = runOska(arguments);
     EXPECT_EQ(failed.status, 2);
     EXPECT_EQ(failed.err, drawing + "/none.svg: Not a directory\n");
+}
+
+TEST(ReplaySvg, NeverDrawsOverItsInput) {
+    const Folder folder;
+    const auto site = folder.file("site.json", contentOf(OSKA_EXAMPLES "/corner_shop/pelio.json"));
+    const auto walk = folder.file("walk.jsonl", R"({"mobile_time":1,"rfs":{}})");
+    const auto symlink = folder.path() + "/symlink";
+    const auto hardlink = folder.path() + "/hardlink";
+    std::filesystem::create_symlink(walk, symlink);
+    std::filesystem::create_hard_link(site, hardlink);
+    for (const auto& output : {site, folder.path() + "/./walk.jsonl", symlink, hardlink}) {
+        const auto before = contentOf(output);
+        const auto ended =
+            runOska({"replay", "pelio", "--bundle", site, "--recording", walk, "--svg", output});
+        EXPECT_EQ(ended.status, 2) << output;
+        EXPECT_EQ(ended.out, "");
+        EXPECT_THAT(ended.err, HasSubstr("--svg " + output + " is the file of --"));
+        EXPECT_EQ(contentOf(output), before);
+    }
 }
 
 }  // namespace

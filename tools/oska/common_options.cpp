@@ -1,5 +1,7 @@
 #include "tools/oska/common_options.h"
 
+#include "tools/oska/output_file.h"
+
 namespace oska::tool {
 namespace {
 
@@ -37,6 +39,20 @@ void refuseSharedInput(const CLI::App& command, const std::string& a, const std:
     };
     if (!isStandardInput(a) || !isStandardInput(b)) return;
     throw CLI::ValidationError("standard input cannot be both " + a + " and " + b);
+}
+
+void refuseOutputOverInput(const CLI::App& command, const std::string& output,
+                           const std::vector<std::string>& inputs) {
+    if (command.count(output) == 0) return;
+    const auto path = command.get_option(output)->as<std::string>();
+    for (const auto& input : inputs) {
+        if (command.count(input) == 0) continue;
+        for (const auto& read : command.get_option(input)->as<std::vector<std::string>>()) {
+            if (!isSameFile(path, read)) continue;
+            throw CLI::ValidationError(output + " " + path + " is the file of " + input +
+                                       ", which would be lost");
+        }
+    }
 }
 
 }  // namespace oska::tool

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace oska::tool {
 
@@ -21,5 +22,10 @@ void addRecording(CLI::App& command, std::optional<std::string>& path);
 /// Throws CLI::ValidationError when options `a` and `b` of the command are both standard input, which can be
 /// read only once. For the command's own callback.
 void refuseSharedInput(const CLI::App& command, const std::string& a, const std::string& b);
+
+/// Throws CLI::ValidationError when the file of option `output`, if it was given, is that of one of `inputs`:
+/// it would be lost. For the command's own callback, before anything is written.
+void refuseOutputOverInput(const CLI::App& command, const std::string& output,
+                           const std::vector<std::string>& inputs);
 
 }  // namespace oska::tool

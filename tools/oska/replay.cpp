@@ -270,6 +270,7 @@ void addReplay(CLI::App& program, ExitStatus& status) {
         refuseForeignOptions(*command, options->service);
         if (options->svg == "-")
             throw CLI::ValidationError("--svg needs a file: events go to standard output");
+        refuseOutputOverInput(*command, "--svg", {"--bundle", "--recording"});
         OskaLogger::setDebugOption(options->log);
         platform::TovanReplayer::shared().setReplayMode(true);
         status = replay(*options);
