@@ -172,7 +172,7 @@ TEST_F(Replay, KeepsForeignTextInItsLine) {
     bundle = folder.file("lines.json", document);
     const auto ended = replay(heard(1));
     EXPECT_THAT(ended.events(), SizeIs(4));
-    EXPECT_THAT(ended.out, HasSubstr(R"("level_name":"B\n{1\r)"));
+    EXPECT_THAT(ended.out, HasSubstr(R"("level_name":"B\n{1\r\u2028)"));
 }
 
 TEST_F(Replay, HandlesLinesAsTheyArriveUntilInterrupted) {
@@ -257,7 +257,7 @@ TEST(Usage, WhatNobodyKnowsIsNamedBeforeWhatIsMissing) {
     } cases[] = {
         {{"--bogus"}, "Not expected: --bogus\n"},
         {{"repaly"}, "oska: there is no command repaly; did you mean replay? oska --help lists them\n"},
-        {{"fly\t"}, "oska: there is no command fly\\u0009; oska --help lists them\n"},
+        {{"fly\t"}, "oska: there is no command fly\\t; oska --help lists them\n"},
         {{"explain", "dapo", "--bundle", "b", "--recording", "r", "--at", "-1"},
          "--at: -1 is not an instant; it takes whole milliseconds, from 0 on\n"},
         {{"check", "--kind", "pelio", "--bogus"}, "Not expected: --bogus\n"},

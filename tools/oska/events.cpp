@@ -2,6 +2,7 @@
 
 #include <cstdio>
 
+#include "oska/platform/one_line.h"
 #include "tools/oska/complaint.h"
 
 namespace oska::tool {
@@ -16,8 +17,10 @@ std::string Events::beginLine(std::string_view event) const {
 }
 
 // One call, so that the C library's own lock keeps the line whole.
+// JSON leaves DEL, C1 and the two line separators as they are; some readers of lines and terminals act on
+// them.
 void Events::writeLine(std::string line) const {
-    line += "}\n";
+    line = platform::onOneLine(line) + "}\n";
     std::fwrite(line.data(), 1, line.size(), stdout);
     if (listener_) listener_(std::string_view(line).substr(0, line.size() - 1));
 }
