@@ -1,8 +1,6 @@
 // The program behind `oska serve`. It is one of its own because loading the server's library takes longer
 // than many a command of oska's runs.
 #include <CLI/CLI.hpp>
-#include <cstdio>
-#include <exception>
 #include <memory>
 #include <string>
 
@@ -10,6 +8,7 @@
 #include "tools/oska/complaint.h"
 #include "tools/oska/exit_status.h"
 #include "tools/oska/interruption.h"
+#include "tools/oska/memory_guard.h"
 #include "tools/oska/option_values.h"
 #include "tools/oska_serve/site_server.h"
 
@@ -94,10 +93,5 @@ ExitStatus run(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    try {
-        return static_cast<int>(run(argc, argv));
-    } catch (const std::exception& thrown) {  // no memory, for example
-        std::fprintf(stderr, "oska: %s\n", thrown.what());
-        return static_cast<int>(ExitStatus::badInput);
-    }
+    return static_cast<int>(oska::tool::runGuarded([&] { return run(argc, argv); }));
 }
