@@ -10,7 +10,7 @@
 #include "oska/platform/quenlo_auth.h"
 #include "oska/platform/quenlo_common.h"
 #include "oska/platform/quenlo_navigation.h"
-#include "oska/platform/view.h"
+#include "oska/platform/view_peer.h"
 
 namespace oska::platform {
 
