@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "adapters/native/http_redirect.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska::native {
 

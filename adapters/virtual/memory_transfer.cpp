@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska::virtual_world {
 

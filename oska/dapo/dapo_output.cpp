@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "oska/foundation/log_message.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska {
 namespace {

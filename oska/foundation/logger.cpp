@@ -6,7 +6,7 @@
 #include <string>
 
 #include "oska/foundation/log_message.h"
-#include "oska/platform/one_line.h"
+#include "oska/text/one_line.h"
 
 namespace oska {
 namespace {

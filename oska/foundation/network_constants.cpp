@@ -2,7 +2,7 @@
 
 #include <mutex>
 
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska {
 namespace {

@@ -7,7 +7,7 @@
 #include "oska/foundation/once.h"
 #include "oska/foundation/server_trust.h"
 #include "oska/platform/json.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska {
 namespace {

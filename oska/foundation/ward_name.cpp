@@ -1,6 +1,6 @@
 #include "oska/foundation/ward_name.h"
 
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska {
 

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 /// The signal generator of the maker's framework QuenloCommon, as far as the kit calls on it.
 namespace oska::platform {

@@ -4,7 +4,7 @@
 #include "oska/platform/quenlo_common.h"
 #include "oska/platform/quenlo_resource.h"
 #include "oska/platform/quenlo_tovan.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska::platform {
 namespace {

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "oska/platform/record.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 /// Equality of records, field by field in their order: texts by canonical equivalence, reals as IEEE has it
 /// (so a NaN makes a record unequal to itself), arrays element by element, types with a JsonText by their own

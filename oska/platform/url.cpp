@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <charconv>
 
-#include "oska/platform/text.h"
 #include "oska/platform/url_encoding.h"
 #include "oska/platform/url_join.h"
 #include "oska/platform/url_syntax.h"
+#include "oska/text/text.h"
 
 namespace oska::platform {
 namespace {

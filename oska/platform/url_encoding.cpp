@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "oska/platform/text_scalars.h"
+#include "oska/text/text_scalars.h"
 
 namespace oska::platform {
 namespace {

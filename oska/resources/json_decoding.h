@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "oska/platform/json.h"
-#include "oska/platform/text.h"
 #include "oska/resources/resource_log.h"
+#include "oska/text/text.h"
 
 namespace oska {
 

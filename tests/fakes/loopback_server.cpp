@@ -12,7 +12,7 @@
 #include <cstring>
 #include <utility>
 
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 namespace oska::fakes {
 namespace {

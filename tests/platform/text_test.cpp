@@ -1,4 +1,4 @@
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "oska/platform/one_line.h"
+#include "oska/text/one_line.h"
 
 namespace oska::tool {
 

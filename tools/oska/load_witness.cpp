@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "oska/platform/json.h"
-#include "oska/platform/text.h"
 #include "oska/platform/url.h"
 #include "oska/resources/bundle.h"
+#include "oska/text/text.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {

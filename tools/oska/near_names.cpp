@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "oska/foundation/ward_name.h"
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 #include "tools/oska/text_table.h"
 
 namespace oska::tool {

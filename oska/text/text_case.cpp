@@ -2,8 +2,8 @@
 // U+0130, and the final sigma of section 3.13 of the Unicode Standard.
 #include <algorithm>
 
-#include "oska/platform/text.h"
-#include "oska/platform/text_scalars.h"
+#include "oska/text/text.h"
+#include "oska/text/text_scalars.h"
 
 namespace oska::platform::text {
 namespace {

@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "oska/platform/text.h"
-#include "oska/platform/text_scalars.h"
+#include "oska/text/text.h"
+#include "oska/text/text_scalars.h"
 
 namespace oska::platform::text {
 namespace {

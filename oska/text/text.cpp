@@ -1,9 +1,9 @@
-#include "oska/platform/text.h"
+#include "oska/text/text.h"
 
 #include <cstdint>
 #include <cstring>
 
-#include "oska/platform/text_scalars.h"
+#include "oska/text/text_scalars.h"
 
 namespace oska::platform::text {
 namespace {

@@ -1,4 +1,4 @@
-#include "oska/platform/one_line.h"
+#include "oska/text/one_line.h"
 
 #include <algorithm>
 
