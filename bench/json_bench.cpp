@@ -15,7 +15,7 @@
 #include <string>
 #include <vector>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 
 namespace {

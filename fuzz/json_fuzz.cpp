@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 
 namespace {

@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "adapters/virtual/replay_generator.h"
+#include "oska/json/json.h"
 #include "oska/platform/clock.h"
-#include "oska/platform/json.h"
 #include "oska/platform/platform.h"
 
 namespace oska::virtual_world {

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "oska/foundation/ward_name.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace viewer {
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "oska/resources/bundle.h"
 
 namespace viewer {

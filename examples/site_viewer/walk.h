@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "oska/json/result.h"
 #include "oska/platform/quenlo_common.h"
-#include "oska/platform/result.h"
 
 namespace viewer {
 

@@ -1,6 +1,6 @@
 #include "oska/dapo/dapo_types.h"
 
-#include "oska/platform/record_equality.h"
+#include "oska/json/record_equality.h"
 
 namespace oska {
 

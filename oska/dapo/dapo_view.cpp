@@ -10,7 +10,7 @@
 #include "oska/foundation/main_thread.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
-#include "oska/platform/description.h"
+#include "oska/json/description.h"
 #include "oska/platform/quenlo_resource.h"
 #include "oska/platform/quenlo_tovan.h"
 #include "oska/resources/resource_manager.h"

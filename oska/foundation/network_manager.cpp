@@ -6,7 +6,7 @@
 #include "oska/foundation/log_message.h"
 #include "oska/foundation/once.h"
 #include "oska/foundation/server_trust.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/text/text.h"
 
 namespace oska {

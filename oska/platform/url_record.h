@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/platform/record.h"
+#include "oska/json/record.h"
 #include "oska/platform/url.h"
 
 namespace oska::platform {

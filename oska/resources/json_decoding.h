@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/resource_log.h"
 #include "oska/text/text.h"
 

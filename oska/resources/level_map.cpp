@@ -1,6 +1,6 @@
 #include "oska/resources/level_map.h"
 
-#include "oska/platform/record_equality.h"
+#include "oska/json/record_equality.h"
 
 namespace oska {
 

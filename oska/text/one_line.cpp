@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "oska/platform/json_text.h"
+#include "oska/json/json_text.h"
 
 namespace oska::platform {
 namespace {

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <functional>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace oska {
 namespace {

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "adapters/virtual/virtual_platform.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/platform/quenlo_tovan.h"
 #include "tests/fakes/output_capture.h"
 

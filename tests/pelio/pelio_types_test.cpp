@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace oska {
 namespace {

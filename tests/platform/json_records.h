@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 // What the tests of JSON decode and encode, and their ways to say so.
 namespace oska::platform::json {

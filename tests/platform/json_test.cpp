@@ -1,10 +1,10 @@
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-#include "oska/platform/description.h"
+#include "oska/json/description.h"
 #include "tests/platform/json_records.h"
 
 namespace oska::platform::json {

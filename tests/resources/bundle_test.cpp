@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "oska/platform/description.h"
-#include "oska/platform/json.h"
+#include "oska/json/description.h"
+#include "oska/json/json.h"
 
 namespace oska {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska_program.h"
 #include "tools/oska/bundle_findings.h"

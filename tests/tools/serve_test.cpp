@@ -4,7 +4,7 @@
 
 #include <filesystem>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 #include "tests/fakes/site_server.h"
 #include "tests/fakes/test_identity.h"

@@ -6,7 +6,7 @@
 #include <sstream>
 
 #include "oska/foundation/network_constants.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tests/tools/oska_program.h"
 #include "tools/oska/noise.h"
 #include "tools/oska/portable_math.h"

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "oska/foundation/ward_name.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/platform/url.h"
 #include "tools/oska/wording.h"
 

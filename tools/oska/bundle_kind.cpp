@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace oska::tool {
 

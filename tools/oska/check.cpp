@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 #include "tools/oska/bundle_findings.h"
 #include "tools/oska/bundle_kind.h"

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "oska/json/json.h"
 #include "oska/platform/clock.h"
-#include "oska/platform/json.h"
 
 namespace oska::tool {
 

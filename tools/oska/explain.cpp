@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "oska/foundation/logger.h"
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tools/oska/commands.h"
 #include "tools/oska/common_options.h"
 #include "tools/oska/complaint.h"

@@ -1,4 +1,4 @@
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tools/oska/explanation.h"
 
 namespace oska::tool {

@@ -3,8 +3,8 @@
 #include <limits>
 #include <utility>
 
+#include "oska/json/json.h"
 #include "oska/pelio/pelio_ward_selection.h"
-#include "oska/platform/json.h"
 #include "tools/oska/explanation.h"
 #include "tools/oska/text_table.h"
 #include "tools/oska/wording.h"

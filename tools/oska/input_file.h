@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "tools/oska/exit_status.h"
 
 namespace oska::tool {

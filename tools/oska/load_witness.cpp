@@ -5,7 +5,7 @@
 #include <optional>
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/platform/url.h"
 #include "oska/resources/bundle.h"
 #include "oska/text/text.h"

@@ -3,7 +3,7 @@
 #include <array>
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {

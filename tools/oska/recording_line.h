@@ -7,8 +7,8 @@
 #include <variant>
 
 #include "oska/foundation/network_constants.h"
+#include "oska/json/result.h"
 #include "oska/platform/quenlo_common.h"
-#include "oska/platform/result.h"
 
 namespace oska::tool {
 

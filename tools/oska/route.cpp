@@ -1,6 +1,6 @@
 #include "tools/oska/route.h"
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 
 /// A route through a site, as `oska simulate --help` describes it: a JSON document written by hand, so a key
 /// that is not known is an error.

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "tools/oska/bundle_kind.h"
 #include "tools/oska/commands.h"
 #include "tools/oska/common_options.h"

@@ -1,6 +1,6 @@
 #include "tools/oska/site.h"
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 #include "tools/oska/wording.h"
 

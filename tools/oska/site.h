@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "oska/foundation/network_constants.h"
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "oska/resources/level_maps.h"
 
 namespace oska::tool {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/platform/quenlo_tovan.h"
 #include "oska/resources/bundle.h"
 

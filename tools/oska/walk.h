@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "tools/oska/route.h"
 #include "tools/oska/site.h"
 

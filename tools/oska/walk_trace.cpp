@@ -1,8 +1,8 @@
 #include "tools/oska/walk_trace.h"
 
 #include "oska/dapo/dapo_types.h"
+#include "oska/json/json.h"
 #include "oska/pelio/pelio_types.h"
-#include "oska/platform/json.h"
 
 namespace oska::tool {
 namespace {

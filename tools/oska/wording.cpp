@@ -1,6 +1,6 @@
 #include "tools/oska/wording.h"
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace oska::tool {
 

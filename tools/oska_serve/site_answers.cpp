@@ -5,7 +5,7 @@
 #include <new>
 #include <utility>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 #include "oska/platform/url.h"
 #include "oska/resources/bundle.h"
 #include "tools/oska/wording.h"

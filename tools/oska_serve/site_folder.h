@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "tools/oska/input_file.h"
 #include "tools/oska_serve/file_identity.h"
 

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 
 namespace oska::tool {
 

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <string>
 
-#include "oska/platform/result.h"
+#include "oska/json/result.h"
 #include "tools/oska_serve/replies.h"
 
 namespace oska::tool {

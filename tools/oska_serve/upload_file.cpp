@@ -8,7 +8,7 @@
 #include <filesystem>
 #include <system_error>
 
-#include "oska/platform/json.h"
+#include "oska/json/json.h"
 
 namespace oska::tool {
 namespace {

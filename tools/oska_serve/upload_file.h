@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "oska/json/result.h"
 #include "oska/platform/quenlo_common.h"
-#include "oska/platform/result.h"
 #include "tools/oska/input_file.h"
 #include "tools/oska_serve/file_identity.h"
 

@@ -9,8 +9,8 @@
 #include <utility>
 #include <vector>
 
-#include "oska/platform/json_reader.h"
-#include "oska/platform/record.h"
+#include "oska/json/json_reader.h"
+#include "oska/json/record.h"
 
 /// How each type that a document can hold is read; `value` is a fresh one. Of a key that comes twice in an
 /// object the first counts, and the others need only be JSON; a map reads them all and keeps the first. Keys

@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "oska/platform/record.h"
+#include "oska/json/record.h"
 #include "oska/text/text.h"
 
 /// Equality of records, field by field in their order: texts by canonical equivalence, reals as IEEE has it

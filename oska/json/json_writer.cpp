@@ -1,11 +1,11 @@
-#include "oska/platform/json_writer.h"
+#include "oska/json/json_writer.h"
 
 #include <charconv>
 #include <cmath>
 #include <cstring>
 
-#include "oska/platform/json_path.h"
-#include "oska/platform/json_text.h"
+#include "oska/json/json_path.h"
+#include "oska/json/json_text.h"
 
 namespace oska::platform::json {
 namespace {

@@ -1,13 +1,13 @@
-#include "oska/platform/json_reader.h"
+#include "oska/json/json_reader.h"
 
 #include <algorithm>
 #include <cassert>
 #include <utility>
 
-#include "oska/platform/json_index.h"
-#include "oska/platform/json_number.h"
-#include "oska/platform/json_path.h"
-#include "oska/platform/json_text.h"
+#include "oska/json/json_index.h"
+#include "oska/json/json_number.h"
+#include "oska/json/json_path.h"
+#include "oska/json/json_text.h"
 
 namespace oska::platform::json {
 namespace {

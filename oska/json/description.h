@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/record.h"
+#include "oska/json/record.h"
 
 /// Records in one line for people: `Door(id: 1, label: nil, tags: ["a", "b"])`. Texts are quoted and escaped
 /// as in JSON, so that no value can start a line of its own.

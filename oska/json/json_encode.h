@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/json_writer.h"
-#include "oska/platform/record.h"
+#include "oska/json/json_writer.h"
+#include "oska/json/record.h"
 
 /// How each type that a document can hold is written. A record is an object of its fields in their order,
 /// without those that are none. There is no white space.

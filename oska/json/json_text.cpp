@@ -1,4 +1,4 @@
-#include "oska/platform/json_text.h"
+#include "oska/json/json_text.h"
 
 #include <charconv>
 #include <cstdint>

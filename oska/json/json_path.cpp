@@ -1,8 +1,8 @@
-#include "oska/platform/json_path.h"
+#include "oska/json/json_path.h"
 
 #include <algorithm>
 
-#include "oska/platform/json_text.h"
+#include "oska/json/json_text.h"
 
 namespace oska::platform::json {
 namespace {

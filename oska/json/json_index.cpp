@@ -1,4 +1,4 @@
-#include "oska/platform/json_index.h"
+#include "oska/json/json_index.h"
 
 #include <simdjson.h>
 

@@ -1,4 +1,4 @@
-#include "oska/platform/json_error.h"
+#include "oska/json/json_error.h"
 
 namespace oska::platform::json {
 

@@ -1,8 +1,8 @@
-#include "oska/platform/description.h"
+#include "oska/json/description.h"
 
 #include <charconv>
 
-#include "oska/platform/json_writer.h"
+#include "oska/json/json_writer.h"
 
 namespace oska::platform {
 

@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/platform/json_error.h"
+#include "oska/json/json_error.h"
 
 namespace oska::platform::json {
 

@@ -5,11 +5,11 @@
 #include <string_view>
 #include <utility>
 
-#include "oska/platform/json_decode.h"
-#include "oska/platform/json_encode.h"
-#include "oska/platform/json_error.h"
-#include "oska/platform/record.h"
-#include "oska/platform/result.h"
+#include "oska/json/json_decode.h"
+#include "oska/json/json_encode.h"
+#include "oska/json/json_error.h"
+#include "oska/json/record.h"
+#include "oska/json/result.h"
 
 /// JSON documents into records (see record.h) and back.
 /// Threads: any. Lifetime: what is decoded keeps nothing of its text; a text needs no padding and no

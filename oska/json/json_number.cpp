@@ -1,4 +1,4 @@
-#include "oska/platform/json_number.h"
+#include "oska/json/json_number.h"
 
 #include <algorithm>
 #include <charconv>
