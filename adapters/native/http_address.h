@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 namespace oska::native {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "oska/foundation/service_codes.h"
-#include "oska/platform/url_record.h"
 #include "oska/resources/level_map.h"
+#include "oska/url/url_record.h"
 
 /// What a Dapo view tells its host. The records have a JSON form, in which an absent `mapImage` is left out,
 /// and are equal when all their fields are (see platform/record_equality.h).

@@ -6,7 +6,7 @@
 
 #include "oska/foundation/log_message.h"
 #include "oska/foundation/network_constants.h"
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 namespace oska {
 namespace {

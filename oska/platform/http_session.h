@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 namespace oska::platform {
 

@@ -1,4 +1,4 @@
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 #include <gtest/gtest.h>
 

@@ -7,7 +7,7 @@
 
 #include "oska/foundation/ward_name.h"
 #include "oska/json/json.h"
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {

@@ -6,9 +6,9 @@
 #include <utility>
 
 #include "oska/json/json.h"
-#include "oska/platform/url.h"
 #include "oska/resources/bundle.h"
 #include "oska/text/text.h"
+#include "oska/url/url.h"
 #include "tools/oska/wording.h"
 
 namespace oska::tool {

@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "oska/json/json.h"
-#include "oska/platform/url.h"
 #include "oska/resources/bundle.h"
+#include "oska/url/url.h"
 #include "tools/oska/wording.h"
 #include "tools/oska_serve/byte_ranges.h"
 #include "tools/oska_serve/replies.h"

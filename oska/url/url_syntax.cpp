@@ -1,8 +1,8 @@
-#include "oska/platform/url_syntax.h"
+#include "oska/url/url_syntax.h"
 
 #include <algorithm>
 
-#include "oska/platform/url_encoding.h"
+#include "oska/url/url_encoding.h"
 
 namespace oska::platform {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "oska/json/record.h"
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 namespace oska::platform {
 

@@ -1,12 +1,12 @@
-#include "oska/platform/url.h"
+#include "oska/url/url.h"
 
 #include <algorithm>
 #include <charconv>
 
-#include "oska/platform/url_encoding.h"
-#include "oska/platform/url_join.h"
-#include "oska/platform/url_syntax.h"
 #include "oska/text/text.h"
+#include "oska/url/url_encoding.h"
+#include "oska/url/url_join.h"
+#include "oska/url/url_syntax.h"
 
 namespace oska::platform {
 namespace {

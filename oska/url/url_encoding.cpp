@@ -1,4 +1,4 @@
-#include "oska/platform/url_encoding.h"
+#include "oska/url/url_encoding.h"
 
 #include <idn2.h>
 

@@ -1,4 +1,4 @@
-#include "oska/platform/url_join.h"
+#include "oska/url/url_join.h"
 
 #include <uriparser/Uri.h>
 
