@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "oska/platform/view.h"
+#include "oska/views/view.h"
 
 class QWidget;
 

@@ -3,7 +3,7 @@
 #include <QImage>
 #include <memory>
 
-#include "oska/platform/image.h"
+#include "oska/views/image.h"
 
 namespace oska::qt {
 

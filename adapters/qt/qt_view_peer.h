@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <memory>
 
-#include "oska/platform/view.h"
+#include "oska/views/view.h"
 
 class QWidget;
 

@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "adapters/qt/qt_tap_tracker.h"
-#include "oska/platform/view.h"
+#include "oska/views/view.h"
 
 class QTouchEvent;
 

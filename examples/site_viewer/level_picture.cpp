@@ -8,7 +8,7 @@
 
 #include "examples/site_viewer/label_layout.h"
 #include "examples/site_viewer/theme.h"
-#include "oska/platform/geometry.h"
+#include "oska/views/geometry.h"
 
 namespace viewer {
 namespace {

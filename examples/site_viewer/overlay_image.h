@@ -3,7 +3,7 @@
 #include <QSizeF>
 #include <memory>
 
-#include "oska/platform/image.h"
+#include "oska/views/image.h"
 
 namespace viewer {
 

@@ -12,10 +12,10 @@
 #include <vector>
 
 #include "oska/dapo/dapo_types.h"
-#include "oska/platform/image_view.h"
 #include "oska/platform/notification_center.h"
 #include "oska/platform/platform.h"
 #include "oska/resources/bundle.h"
+#include "oska/views/image_view.h"
 
 namespace oska {
 

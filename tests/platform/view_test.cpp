@@ -1,11 +1,11 @@
-#include "oska/platform/view.h"
+#include "oska/views/view.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "adapters/virtual/virtual_platform.h"
-#include "oska/platform/image_view.h"
+#include "oska/views/image_view.h"
 
 namespace oska::platform {
 namespace {

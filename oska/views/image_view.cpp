@@ -1,4 +1,4 @@
-#include "oska/platform/image_view.h"
+#include "oska/views/image_view.h"
 
 #include <utility>
 

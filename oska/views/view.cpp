@@ -1,4 +1,4 @@
-#include "oska/platform/view.h"
+#include "oska/views/view.h"
 
 #include <algorithm>
 #include <utility>

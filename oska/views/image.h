@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/platform/geometry.h"
+#include "oska/views/geometry.h"
 
 namespace oska::platform {
 

@@ -4,9 +4,9 @@
 #include <memory>
 #include <vector>
 
-#include "oska/platform/geometry.h"
-#include "oska/platform/image.h"
 #include "oska/platform/view_peer.h"
+#include "oska/views/geometry.h"
+#include "oska/views/image.h"
 
 namespace oska::platform {
 

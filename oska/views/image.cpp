@@ -1,8 +1,8 @@
-#include "oska/platform/image.h"
+#include "oska/views/image.h"
 
 #include <utility>
 
-#include "oska/platform/image_assets.h"
+#include "oska/views/image_assets.h"
 
 namespace oska::platform {
 namespace {

@@ -1,4 +1,4 @@
-#include "oska/platform/geometry.h"
+#include "oska/views/geometry.h"
 
 #include <algorithm>
 #include <charconv>

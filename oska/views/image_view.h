@@ -2,8 +2,8 @@
 
 #include <memory>
 
-#include "oska/platform/image.h"
-#include "oska/platform/view.h"
+#include "oska/views/image.h"
+#include "oska/views/view.h"
 
 namespace oska::platform {
 
