@@ -4,8 +4,8 @@
 #include <QRegularExpression>
 
 #include "examples/site_viewer/window.h"
-#include "tools/oska/command_line.h"
-#include "tools/oska/option_values.h"
+#include "tools/oska/cli/command_line.h"
+#include "tools/oska/cli/option_values.h"
 
 namespace viewer {
 namespace {

@@ -4,8 +4,8 @@
 #include "oska/json/json.h"
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska_program.h"
-#include "tools/oska/bundle_findings.h"
-#include "tools/oska/bundle_kind.h"
+#include "tools/oska/site/bundle_findings.h"
+#include "tools/oska/site/bundle_kind.h"
 
 namespace oska::tool_tests {
 namespace {

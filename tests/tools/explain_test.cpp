@@ -3,10 +3,10 @@
 
 #include "oska/json/json.h"
 #include "tests/tools/oska_program.h"
-#include "tools/oska/dapo_explainer.h"
-#include "tools/oska/near_names.h"
-#include "tools/oska/pelio_explainer.h"
-#include "tools/oska/text_table.h"
+#include "tools/oska/cli/text_table.h"
+#include "tools/oska/explaining/dapo_explainer.h"
+#include "tools/oska/explaining/near_names.h"
+#include "tools/oska/explaining/pelio_explainer.h"
 
 namespace oska::tool_tests {
 namespace {

@@ -1,4 +1,4 @@
-#include "tools/oska/recording_line.h"
+#include "tools/oska/recording/recording_line.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -10,7 +10,7 @@
 
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska_program.h"
-#include "tools/oska/memory_guard.h"
+#include "tools/oska/cli/memory_guard.h"
 
 namespace oska::tool_tests {
 namespace {

@@ -8,13 +8,13 @@
 #include "oska/foundation/network_constants.h"
 #include "oska/json/json.h"
 #include "tests/tools/oska_program.h"
-#include "tools/oska/noise.h"
-#include "tools/oska/portable_math.h"
-#include "tools/oska/radio_model.h"
-#include "tools/oska/recording_line.h"
-#include "tools/oska/route.h"
-#include "tools/oska/site.h"
-#include "tools/oska/walk.h"
+#include "tools/oska/recording/recording_line.h"
+#include "tools/oska/simulating/noise.h"
+#include "tools/oska/simulating/portable_math.h"
+#include "tools/oska/simulating/radio_model.h"
+#include "tools/oska/simulating/route.h"
+#include "tools/oska/simulating/walk.h"
+#include "tools/oska/site/site.h"
 
 namespace oska::tool_tests {
 namespace {

@@ -7,9 +7,9 @@
 #include <sstream>
 
 #include "tests/tools/oska_program.h"
-#include "tools/oska/svg.h"
-#include "tools/oska/walk_drawing.h"
-#include "tools/oska/walk_trace.h"
+#include "tools/oska/drawing/svg.h"
+#include "tools/oska/drawing/walk_drawing.h"
+#include "tools/oska/drawing/walk_trace.h"
 
 namespace oska::tool_tests {
 namespace {

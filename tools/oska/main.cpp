@@ -7,10 +7,10 @@
 #include <string>
 #include <system_error>
 
-#include "tools/oska/command_line.h"
-#include "tools/oska/commands.h"
-#include "tools/oska/complaint.h"
-#include "tools/oska/memory_guard.h"
+#include "tools/oska/cli/command_line.h"
+#include "tools/oska/cli/complaint.h"
+#include "tools/oska/cli/memory_guard.h"
+#include "tools/oska/commands/commands.h"
 
 using oska::tool::ExitStatus;
 

@@ -4,12 +4,12 @@
 #include <memory>
 #include <string>
 
-#include "tools/oska/command_line.h"
-#include "tools/oska/complaint.h"
-#include "tools/oska/exit_status.h"
-#include "tools/oska/interruption.h"
-#include "tools/oska/memory_guard.h"
-#include "tools/oska/option_values.h"
+#include "tools/oska/cli/command_line.h"
+#include "tools/oska/cli/complaint.h"
+#include "tools/oska/cli/exit_status.h"
+#include "tools/oska/cli/interruption.h"
+#include "tools/oska/cli/memory_guard.h"
+#include "tools/oska/cli/option_values.h"
 #include "tools/oska_serve/site_server.h"
 
 using oska::tool::ExitStatus;

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "tools/oska/complaint.h"
-#include "tools/oska/wording.h"
+#include "tools/oska/cli/complaint.h"
+#include "tools/oska/cli/wording.h"
 #include "tools/oska_serve/byte_ranges.h"
 
 namespace oska::tool {

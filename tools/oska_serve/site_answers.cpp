@@ -8,7 +8,7 @@
 #include "oska/json/json.h"
 #include "oska/resources/bundle.h"
 #include "oska/url/url.h"
-#include "tools/oska/wording.h"
+#include "tools/oska/cli/wording.h"
 #include "tools/oska_serve/byte_ranges.h"
 #include "tools/oska_serve/replies.h"
 #include "tools/oska_serve/upload_body.h"

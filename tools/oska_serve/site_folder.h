@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "oska/json/result.h"
-#include "tools/oska/input_file.h"
+#include "tools/oska/cli/input_file.h"
 #include "tools/oska_serve/file_identity.h"
 
 namespace oska::tool {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <utility>
 
-#include "tools/oska/wording.h"
+#include "tools/oska/cli/wording.h"
 
 namespace oska::tool {
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+
+#include "oska/json/result.h"
+#include "tools/oska/cli/exit_status.h"
+
+namespace oska::tool {
+
+/// A file that could not be read.
+struct Unreadable {
+    std::string problem;         ///< "site.json: No such file or directory"
+    bool isInterrupted = false;  ///< Ctrl-C ended the wait for its content; there is no problem then
+};
+
+/// Opens a file for reading; "-" is standard input. Never waits, not even for the other end of a named pipe:
+/// that is left to whoever reads. Below 0: `errno` says why not.
+[[nodiscard]] int openInput(const std::string& path);
+
+/// The whole of a file; "-" is standard input.
+[[nodiscard]] platform::Result<std::string, Unreadable> readInput(const std::string& path);
+
+/// Names the problem on standard error, unless there is none. Answers with how the program ends of it.
+ExitStatus complainOf(const Unreadable& unreadable);
+
+}  // namespace oska::tool

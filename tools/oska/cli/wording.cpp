@@ -1,0 +1,27 @@
+#include "tools/oska/cli/wording.h"
+
+#include "oska/json/json.h"
+
+namespace oska::tool {
+
+using platform::json::DecodeError;
+
+std::string inQuotes(std::string_view text) {
+    std::string out;
+    platform::json::appendText(out, text);
+    return out;
+}
+
+std::string faultText(const DecodeError& error) {
+    const auto place = error.path.empty() ? std::string("document") : error.path;
+    const auto fault = error.kind == DecodeError::Kind::MALFORMED ? "malformed JSON, expected "
+                       : error.kind == DecodeError::Kind::MISSING ? "missing, expected "
+                                                                  : "expected ";
+    return place + ": " + fault + error.expected + ", found " + error.found;
+}
+
+std::string faultLine(const std::string& file, const DecodeError& error) {
+    return file + ":" + std::to_string(error.line) + ": " + faultText(error);
+}
+
+}  // namespace oska::tool

@@ -1,0 +1,58 @@
+#include "tools/oska/drawing/svg.h"
+
+#include <cmath>
+#include <cstdint>
+
+namespace oska::tool {
+namespace {
+
+constexpr std::string_view REPLACEMENT = "\ufffd";
+
+std::string_view escaped(char c) {
+    switch (c) {
+        case '&':
+            return "&amp;";
+        case '<':
+            return "&lt;";
+        case '>':
+            return "&gt;";
+        case '"':
+            return "&quot;";
+        default:
+            return {};
+    }
+}
+
+/// U+FFFE and U+FFFF, which XML leaves out.
+bool isNoCharacter(std::string_view text) {
+    return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
+}
+
+}  // namespace
+
+std::string svgNumber(double value) {
+    const auto tenths = static_cast<std::int64_t>(std::round(value * 10));
+    const auto sign = tenths < 0 ? "-" : "";
+    const auto size = tenths < 0 ? -tenths : tenths;
+    const auto fraction = size % 10;
+    return sign + std::to_string(size / 10) + (fraction == 0 ? "" : "." + std::to_string(fraction));
+}
+
+std::string svgText(std::string_view text) {
+    std::string out;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(text[i]);
+        if (isNoCharacter(text.substr(i))) {
+            out += REPLACEMENT;
+            i += 2;
+        } else if (byte < 0x20 || byte == 0x7f) {
+            out += REPLACEMENT;
+        } else {
+            const auto replacement = escaped(text[i]);
+            out += replacement.empty() ? text.substr(i, 1) : replacement;
+        }
+    }
+    return out;
+}
+
+}  // namespace oska::tool

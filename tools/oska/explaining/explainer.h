@@ -1,0 +1,84 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/oska/explaining/explanation.h"
+#include "tools/oska/recording/recording_line.h"
+
+namespace oska::tool {
+
+struct Question {
+    std::optional<std::string> ward;  ///< none: all that were heard
+    /// Milliseconds since the run began, or a mobile time: what is not below that of the first line, where
+    /// that is above zero. None: for each ward its best instant.
+    std::optional<std::int64_t> at;
+};
+
+/// Looks into one engine of the kit while a recording runs through it, as a replay would run it: the service
+/// starts with the first line, and the clock never goes back. Decisions and their rules are the engine's own.
+/// Threads: one at a time.
+class Explainer {
+public:
+    virtual ~Explainer() = default;
+
+    void take(const RecordedLine& line);
+
+    /// After the last line; once.
+    [[nodiscard]] Explanation finish();
+
+protected:
+    Explainer(Question question, std::string service);
+
+    [[nodiscard]] const Question& question() const { return question_; }
+    [[nodiscard]] std::int64_t now() const { return now_; }  ///< mobile time
+    [[nodiscard]] std::int64_t sinceBegin(std::int64_t mobileTime) const;
+    [[nodiscard]] bool isRunning() const { return isRunning_; }
+    void setRunning(bool isRunning) { isRunning_ = isRunning; }
+
+    /// The engine has taken a sample.
+    void noteSample() { sampleAt_ = now_; }
+    /// The clock when the last one came; its stamp may be an earlier one.
+    [[nodiscard]] std::optional<std::int64_t> sampleAt() const { return sampleAt_; }
+    /// Says in `found` what the window held of it after the last sample.
+    void countReadings(WardCase& found, const std::vector<HeardReading>& readings) const;
+
+    /// The answer so far; finish() hands it out.
+    [[nodiscard]] Explanation& answer() { return answer_; }
+
+private:
+    /// Time has come to now().
+    virtual void advance() = 0;
+    virtual void hear(const platform::ReceivedForce& sample) = 0;
+    virtual void perform(const Action& action) = 0;
+    /// now() is the instant that was asked for.
+    virtual void explainNow() = 0;
+    /// Without an instant: each ward at its best one, and the whole story.
+    virtual void explainWalk() = 0;
+    /// As in the bundle.
+    [[nodiscard]] virtual std::vector<std::string> wardNames() const = 0;
+    [[nodiscard]] virtual bool isKnown(const std::string& name) const = 0;
+
+    void begin(std::int64_t mobileTime);
+    void moveTo(std::int64_t mobileTime);
+    void noteUnknown(const platform::ReceivedForce& sample);
+    void sortWards();
+    void describeNames();
+
+    Question question_;
+    Explanation answer_;
+    std::optional<std::int64_t> begin_;
+    std::optional<std::int64_t> instant_;  // mobile time; until it has been explained
+    std::int64_t now_ = 0;
+    std::optional<std::int64_t> sampleAt_;
+    bool isRunning_ = true;
+    std::map<std::string, std::int64_t> unknown_;  // readings by name as heard
+};
+
+/// By how many dB a reading misses the threshold, if it does.
+[[nodiscard]] std::optional<double> shortBy(double strength, double threshold);
+
+}  // namespace oska::tool

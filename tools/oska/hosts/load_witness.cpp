@@ -1,0 +1,166 @@
+#include "tools/oska/hosts/load_witness.h"
+
+#include <algorithm>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+#include "oska/json/json.h"
+#include "oska/resources/bundle.h"
+#include "oska/text/text.h"
+#include "oska/url/url.h"
+#include "tools/oska/cli/wording.h"
+
+namespace oska::tool {
+namespace {
+
+using platform::HttpErrorKind;
+using platform::HttpOutcome;
+using platform::HttpRequest;
+using platform::HttpSession;
+using platform::HttpSessionConfiguration;
+using platform::HttpSessionDelegate;
+using platform::HttpSessionFactory;
+
+constexpr int OK = 200;
+
+struct Download {
+    std::string url;
+    bool isOfBundle = false;  ///< else of its address
+    HttpOutcome outcome;
+};
+
+bool isSuccess(const HttpOutcome& outcome) {
+    return outcome.reply && outcome.reply->status.value_or(0) / 100 == 2;
+}
+
+/// The endpoint is asked with a token, the bundle's server is not.
+bool isOfBundle(const HttpRequest& request) {
+    return std::none_of(request.headers.begin(), request.headers.end(),
+                        [](const auto& header) { return header.name == "Authorization"; });
+}
+
+std::string errorText(const platform::HttpError& error) {
+    auto text = error.description.empty() ? "no reply" : error.description;
+    if (text.ends_with('.')) text.pop_back();
+    if (error.kind == HttpErrorKind::cannotConnect) text += "; does a server listen there?";
+    if (error.kind == HttpErrorKind::untrustedCertificate)
+        text += "; only for the host of --base-url any certificate will do";
+    return text;
+}
+
+std::string statusText(const Download& download, std::int64_t sectorId) {
+    const auto status = download.outcome.reply->status.value_or(0);
+    const auto text = describe(*download.outcome.reply);
+    if (status == 401 || status == 403) return text + "; the server does not take this token (--token)";
+    if (status == 404 && !download.isOfBundle)
+        return text + "; does the server have sector " + std::to_string(sectorId) + "?";
+    return text;
+}
+
+template <class Bundle>
+std::string faultOfBundle(const Download& download) {
+    const auto bundle = platform::json::decode<Bundle>(download.outcome.body.value_or(""));
+    return bundle ? download.url + ": the bundle could not be used" : faultLine(download.url, bundle.error());
+}
+
+/// What is the matter with an address that the endpoint gave for a bundle.
+std::string faultOfAddress(const Download& download) {
+    const auto body = download.outcome.body.value_or("");
+    if (!platform::text::isUtf8(body)) return download.url + ": the reply is not UTF-8";
+    const auto output = platform::json::decode<BundleOutput>(body);
+    if (!output) return faultLine(download.url, output.error());
+    return download.url + ": the bundle's address " + inQuotes(output->url) + " is no URL";
+}
+
+std::string faultOf(const Download& download, OskaService service, std::int64_t sectorId) {
+    const auto& [url, isOfBundle, outcome] = download;
+    if (outcome.error) return url + ": " + errorText(*outcome.error);
+    const bool isRefused = isOfBundle ? !isSuccess(outcome) : outcome.reply->status != OK;
+    if (isRefused) return url + ": " + statusText(download, sectorId);
+    if (!isOfBundle) return faultOfAddress(download);
+    return service == OskaService::dapo ? faultOfBundle<DapoBundle>(download)
+                                        : faultOfBundle<PelioBundle>(download);
+}
+
+/// A base URL that no request can be made of, which is told by itself: the request's own URL would be a
+/// riddle.
+std::optional<std::string> faultOfBaseUrl() {
+    const auto base = OskaOnPremiseNetworkConstants::baseURL();
+    if (base.find("://") == std::string::npos) {
+        return "the base URL " + inQuotes(base) + " has no scheme; " + inQuotes("http://" + base) +
+               " may be meant";
+    }
+    if (!platform::Url::parse(base)) return "the base URL " + inQuotes(base) + " is no URL";
+    return std::nullopt;
+}
+
+}  // namespace
+
+struct LoadWitness::Sight {
+    std::mutex mutex;
+    std::optional<Download> last;
+
+    void note(Download download) {
+        const std::lock_guard lock(mutex);
+        last = std::move(download);
+    }
+};
+
+class LoadWitness::Session final : public HttpSession {
+public:
+    Session(std::unique_ptr<HttpSession> session, std::shared_ptr<Sight> sight)
+        : session_(std::move(session)), sight_(std::move(sight)) {}
+
+    void send(HttpRequest request, Completion completion) override {
+        if (request.body) return session_->send(std::move(request), std::move(completion));  // an upload
+        const auto url = request.url.absoluteString();
+        const bool bringsBundle = isOfBundle(request);
+        session_->send(std::move(request), [completion = std::move(completion), sight = sight_, url,
+                                            bringsBundle](HttpOutcome outcome) {
+            sight->note({url, bringsBundle, outcome});
+            completion(std::move(outcome));
+        });
+    }
+
+private:
+    const std::unique_ptr<HttpSession> session_;
+    const std::shared_ptr<Sight> sight_;
+};
+
+class LoadWitness::Factory final : public HttpSessionFactory {
+public:
+    Factory(std::shared_ptr<HttpSessionFactory> factory, std::shared_ptr<Sight> sight)
+        : factory_(std::move(factory)), sight_(std::move(sight)) {}
+
+    [[nodiscard]] std::unique_ptr<HttpSession> makeSession(
+        const HttpSessionConfiguration& configuration,
+        std::shared_ptr<HttpSessionDelegate> delegate) override {
+        return std::make_unique<Session>(factory_->makeSession(configuration, std::move(delegate)), sight_);
+    }
+
+private:
+    const std::shared_ptr<HttpSessionFactory> factory_;
+    const std::shared_ptr<Sight> sight_;
+};
+
+LoadWitness::LoadWitness(OskaService service, std::int64_t sectorId)
+    : service_(service), sectorId_(sectorId), sight_(std::make_shared<Sight>()) {}
+
+std::shared_ptr<HttpSessionFactory> LoadWitness::watch(std::shared_ptr<HttpSessionFactory> factory) const {
+    return std::make_shared<Factory>(std::move(factory), sight_);
+}
+
+std::string LoadWitness::reason() const {
+    if (const auto fault = faultOfBaseUrl()) return *fault;
+    const std::lock_guard lock(sight_->mutex);
+    if (sight_->last) return faultOf(*sight_->last, service_, sectorId_);
+    return "there is no token, as when no user is signed in (--token gives one)";
+}
+
+void LoadWitness::forget() {
+    const std::lock_guard lock(sight_->mutex);
+    sight_->last.reset();
+}
+
+}  // namespace oska::tool

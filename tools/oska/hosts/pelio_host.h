@@ -1,0 +1,14 @@
+#pragma once
+
+#include <memory>
+
+#include "oska/pelio/pelio_service_manager.h"
+#include "tools/oska/hosts/events.h"
+#include "tools/oska/hosts/host.h"
+
+namespace oska::tool {
+
+/// `options.forceUpdate` does not count: each initialisation brings its own. `events` must outlive the host.
+[[nodiscard]] std::shared_ptr<Host> makePelioHost(PelioServiceManager::Options options, const Events& events);
+
+}  // namespace oska::tool
