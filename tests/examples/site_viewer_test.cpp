@@ -8,15 +8,15 @@
 #include <QTest>
 
 #include "adapters/qt/qt_host_view.h"
-#include "examples/site_viewer/label_layout.h"
-#include "examples/site_viewer/map_view.h"
-#include "examples/site_viewer/player.h"
-#include "examples/site_viewer/session.h"
-#include "examples/site_viewer/walk.h"
-#include "examples/site_viewer/window.h"
-#include "examples/site_viewer/world.h"
 #include "oska/foundation/logger.h"
 #include "tools/oska_serve/site_server.h"
+#include "tools/site_viewer/label_layout.h"
+#include "tools/site_viewer/map_view.h"
+#include "tools/site_viewer/player.h"
+#include "tools/site_viewer/session.h"
+#include "tools/site_viewer/walk.h"
+#include "tools/site_viewer/window.h"
+#include "tools/site_viewer/world.h"
 
 namespace viewer {
 namespace {
