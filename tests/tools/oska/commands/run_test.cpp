@@ -6,7 +6,7 @@
 
 #include "tests/fakes/site_server.h"
 #include "tests/fakes/test_identity.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska_serve/site_server.h"
 
 namespace oska::tool_tests {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "oska/json/json.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/cli/text_table.h"
 #include "tools/oska/explaining/dapo_explainer.h"
 #include "tools/oska/explaining/near_names.h"

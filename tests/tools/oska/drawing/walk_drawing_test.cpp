@@ -6,7 +6,7 @@
 #include <fstream>
 #include <sstream>
 
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/drawing/svg.h"
 #include "tools/oska/drawing/walk_drawing.h"
 #include "tools/oska/drawing/walk_trace.h"

@@ -5,7 +5,7 @@
 #include <limits>
 #include <new>
 
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <thread>
 
 #include "adapters/qt/qt_view_peer.h"
-#include "tests/adapters/qt_host.h"
+#include "tests/adapters/qt/qt_host.h"
 #include "tests/dapo/dapo_view_fixture.h"
 
 namespace oska::qt {

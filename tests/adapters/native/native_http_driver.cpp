@@ -1,4 +1,4 @@
-#include "tests/adapters/native_http_driver.h"
+#include "tests/adapters/native/native_http_driver.h"
 
 #include <netinet/in.h>
 #include <sys/socket.h>

@@ -1,6 +1,6 @@
 #include "adapters/native/native_platform.h"
 
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace oska::native {
 namespace {

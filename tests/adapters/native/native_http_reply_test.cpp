@@ -3,7 +3,7 @@
 #include <array>
 
 #include "adapters/native/content_decoder.h"
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace oska::native {
 namespace {

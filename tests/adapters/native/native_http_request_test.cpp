@@ -1,7 +1,7 @@
 #include <cstdlib>
 
-#include "tests/adapters/native_http_driver.h"
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_driver.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace oska::native {
 namespace {

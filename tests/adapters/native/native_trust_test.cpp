@@ -1,4 +1,4 @@
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace oska::native {
 namespace {

@@ -1,6 +1,6 @@
 #include "adapters/native/http_redirect.h"
 
-#include "tests/adapters/native_http_fixture.h"
+#include "tests/adapters/native/native_http_fixture.h"
 
 namespace oska::native {
 namespace {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <limits>
 
-#include "tests/platform/json_records.h"
+#include "tests/json/json_records.h"
 
 namespace oska::platform::json {
 namespace {

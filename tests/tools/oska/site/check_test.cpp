@@ -3,7 +3,7 @@
 
 #include "oska/json/json.h"
 #include "tests/fakes/site_server.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/site/bundle_findings.h"
 #include "tools/oska/site/bundle_kind.h"
 

@@ -5,7 +5,7 @@
 #include <limits>
 
 #include "oska/json/description.h"
-#include "tests/platform/json_records.h"
+#include "tests/json/json_records.h"
 
 namespace oska::platform::json {
 namespace {

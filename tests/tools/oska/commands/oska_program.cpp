@@ -1,4 +1,4 @@
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

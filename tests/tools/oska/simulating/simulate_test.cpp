@@ -7,7 +7,7 @@
 
 #include "oska/foundation/network_constants.h"
 #include "oska/json/json.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/recording/recording_line.h"
 #include "tools/oska/simulating/noise.h"
 #include "tools/oska/simulating/portable_math.h"

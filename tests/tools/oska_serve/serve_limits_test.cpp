@@ -6,7 +6,7 @@
 #include <thread>
 
 #include "tests/fakes/test_identity.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska_serve/request_threads.h"
 #include "tools/oska_serve/site_answers.h"
 #include "tools/oska_serve/site_server.h"

@@ -9,7 +9,7 @@
 #include <thread>
 
 #include "tests/fakes/site_server.h"
-#include "tests/tools/oska_program.h"
+#include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/cli/memory_guard.h"
 
 namespace oska::tool_tests {

@@ -7,7 +7,7 @@
 
 #include "adapters/qt/qt_view_peer.h"
 #include "adapters/virtual/virtual_platform.h"
-#include "tests/adapters/qt_host.h"
+#include "tests/adapters/qt/qt_host.h"
 
 namespace oska::qt {
 namespace {
