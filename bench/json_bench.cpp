@@ -21,7 +21,7 @@
 namespace {
 
 using namespace oska;
-namespace json = oska::platform::json;
+namespace json = oska::json;
 
 // --- the document: about 47 MB, 79,200 wards, 237,600 contents ---
 

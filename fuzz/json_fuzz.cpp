@@ -14,7 +14,7 @@
 
 namespace {
 
-namespace json = oska::platform::json;
+namespace json = oska::json;
 
 // What bundles do not hold.
 struct Sample {

@@ -67,7 +67,7 @@ std::optional<HttpOutcome> HttpTransfer::prepare() {
 }
 
 std::pair<const void*, std::string> HttpTransfer::connectionKey() const {
-    return {session_.get(), platform::text::lowercased(address_->text())};
+    return {session_.get(), text::lowercased(address_->text())};
 }
 
 std::optional<HttpOutcome> HttpTransfer::send(CurlMulti& multi, TrustStore& authorities,

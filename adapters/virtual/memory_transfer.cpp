@@ -29,7 +29,7 @@ std::chrono::nanoseconds patience(const MemoryTransfer& transfer) {
 HttpOutcome cancelled() { return errorOutcome(HttpErrorKind::cancelled, "cancelled"); }
 
 bool hasScheme(const Url& url, std::string_view scheme) {
-    return platform::text::lowercased(url.scheme().value_or("")) == scheme;
+    return text::lowercased(url.scheme().value_or("")) == scheme;
 }
 
 bool isSupported(const Url& url) {

@@ -41,7 +41,7 @@ platform::Result<Samples, std::string> readSamples(const std::string& path) {
     std::string text;
     for (std::size_t number = 1; std::getline(file, text); ++number) {
         if (text.find_first_not_of(" \t\r") == std::string::npos) continue;
-        auto line = platform::json::decode<Line>(text);
+        auto line = json::decode<Line>(text);
         if (!line) return path + ":" + std::to_string(number) + ": " + line.error().message();
         if (!line->rfs) continue;
         auto [mobileTime, rfs] = std::move(line).value();

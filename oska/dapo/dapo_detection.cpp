@@ -26,7 +26,7 @@ std::int64_t roundedToInteger(double strength) {
 }
 
 bool comesBefore(const IndexedDapoWard& a, const IndexedDapoWard& b) {
-    return a.id != b.id ? a.id < b.id : platform::text::CanonicalLess{}(a.name, b.name);
+    return a.id != b.id ? a.id < b.id : text::CanonicalLess{}(a.name, b.name);
 }
 
 /// The wards that can be detected, in the order in which they are delivered: of those with one name the last.

@@ -18,7 +18,7 @@ using std::chrono::nanoseconds;
 constexpr Log LOG{"DapoView"};
 constexpr double SHORTEST_OUTPUT_INTERVAL = 0.001;  // seconds
 
-using NameSet = std::set<std::string_view, platform::text::CanonicalLess>;
+using NameSet = std::set<std::string_view, text::CanonicalLess>;
 
 NameSet namesOf(const std::vector<DapoWard>& wards) {
     NameSet names;
@@ -29,7 +29,7 @@ NameSet namesOf(const std::vector<DapoWard>& wards) {
 bool haveEqualNames(const std::vector<DapoWard>& a, const std::vector<DapoWard>& b) {
     const auto x = namesOf(a);
     const auto y = namesOf(b);
-    return std::equal(x.begin(), x.end(), y.begin(), y.end(), platform::text::canonicallyEqual);
+    return std::equal(x.begin(), x.end(), y.begin(), y.end(), text::canonicallyEqual);
 }
 
 bool isOver(const std::optional<WallTime>& deadline, WallTime now) { return deadline && *deadline <= now; }

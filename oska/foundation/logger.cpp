@@ -42,7 +42,7 @@ void OskaLogger::log(OskaLogLevel level, std::string_view tag, std::string_view 
     std::string line;
     line.reserve(message.size() + tag.size() + 16);
     line.append(levelTag(level)).append("[").append(tag).append("] ");
-    platform::appendOnOneLine(line, message);
+    text::appendOnOneLine(line, message);
     writeLine(std::move(line));
 }
 
@@ -79,6 +79,6 @@ void Log::error(std::string_view operation, std::string_view text,
     write(OskaLogLevel::ERROR, logMessage(operation, text, pairs));
 }
 
-void writeDirectLine(std::string_view line) { writeLine(platform::onOneLine(line)); }
+void writeDirectLine(std::string_view line) { writeLine(text::onOneLine(line)); }
 
 }  // namespace oska

@@ -69,7 +69,7 @@ bool OskaOnPremiseNetworkConstants::isEnabled() {
 }
 
 void OskaOnPremiseNetworkConstants::setBaseURL(std::string_view url) {
-    auto base = platform::text::trimmed(url);
+    auto base = text::trimmed(url);
     if (base.empty()) return;
     while (base.ends_with('/')) base.remove_suffix(1);
     auto& state = endpoints();

@@ -43,7 +43,7 @@ Result resultOf(HttpOutcome outcome) {
     if (!isHttp) return {NO_REPLY_STATUS, "Request failed"};
     if (status < 200 || status > 299) return {status, describe(*outcome.reply)};
     auto body = std::move(outcome.body).value_or("");
-    if (!platform::text::isUtf8(body)) body.clear();
+    if (!text::isUtf8(body)) body.clear();
     return {status, std::move(body)};
 }
 
@@ -156,7 +156,7 @@ void OskaNetworkManager::getSectorBundle(std::string_view url, SectorIdOsInput i
 
 void OskaNetworkManager::postReceivedForces(std::string_view url, std::vector<platform::ReceivedForce> input,
                                             PostCompletion completion) {
-    auto body = platform::json::encode(input);
+    auto body = json::encode(input);
     const auto answer =
         answerTo<std::vector<platform::ReceivedForce>>(std::move(completion), std::move(input));
     if (!body) {

@@ -8,10 +8,10 @@ std::string normalizeWardName(std::string_view name) { return std::string(WardNa
 
 std::string_view WardNameNormalizer::operator()(std::string_view name) {
     lower_.clear();
-    platform::text::appendLowercased(lower_, platform::text::trimmed(name));
-    if (platform::text::isAscii(lower_)) return lower_;
+    text::appendLowercased(lower_, text::trimmed(name));
+    if (text::isAscii(lower_)) return lower_;
     composed_.clear();
-    platform::text::appendComposed(composed_, lower_, scalars_);
+    text::appendComposed(composed_, lower_, scalars_);
     return composed_;
 }
 

@@ -8,7 +8,7 @@
 namespace oska {
 
 /// The key under which a ward's name is indexed and looked up: white space and line breaks at both ends
-/// removed (see `platform::text::trimmed`), then in lower case, nothing else altered, and written in the
+/// removed (see `text::trimmed`), then in lower case, nothing else altered, and written in the
 /// composed form, so that names equal under canonical equivalence are one key to a container that compares
 /// bytes.
 ///

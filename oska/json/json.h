@@ -14,7 +14,7 @@
 /// JSON documents into records (see record.h) and back.
 /// Threads: any. Lifetime: what is decoded keeps nothing of its text; a text needs no padding and no
 /// terminator.
-namespace oska::platform::json {
+namespace oska::json {
 
 /// The value that the whole of `text` stands for, or where and why it stands for none; there are no partial
 /// results. Malformed JSON fails wherever it stands, also in values of keys that no record knows.
@@ -46,4 +46,4 @@ Result<std::string, EncodeError> encode(const Value& value, Slashes slashes = Sl
     return text;
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

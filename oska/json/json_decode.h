@@ -15,7 +15,7 @@
 /// How each type that a document can hold is read; `value` is a fresh one. Of a key that comes twice in an
 /// object the first counts, and the others need only be JSON; a map reads them all and keeps the first. Keys
 /// that a record does not know are skipped. Keys are compared unescaped and byte by byte.
-namespace oska::platform::json {
+namespace oska::json {
 
 inline bool read(Reader& reader, std::int64_t& value) { return reader.readInteger(value); }
 inline bool read(Reader& reader, double& value) { return reader.readReal(value); }
@@ -153,4 +153,4 @@ bool read(Reader& reader, Value& record) {
     return !reader.failed();
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -12,7 +12,7 @@
 
 /// How each type that a document can hold is written. A record is an object of its fields in their order,
 /// without those that are none. There is no white space.
-namespace oska::platform::json {
+namespace oska::json {
 
 inline bool write(Writer& writer, bool value) {
     writer.text() += value ? "true" : "false";
@@ -119,4 +119,4 @@ bool write(Writer& writer, const Value& record) {
     return visit.isWritten;
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -1,6 +1,6 @@
 #include "oska/json/json_error.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 
 std::string DecodeError::message() const {
     std::string difference = "expected " + expected + ", found " + found;
@@ -18,4 +18,4 @@ std::string DecodeError::message() const {
 
 std::string EncodeError::message() const { return path.empty() ? problem : path + ": " + problem; }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

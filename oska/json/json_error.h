@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <string>
 
-namespace oska::platform::json {
+namespace oska::json {
 
 /// Why a document did not become a record. All texts are short and hold no control characters, so that a
 /// message is one line whatever the document holds.
@@ -32,4 +32,4 @@ struct EncodeError {
     [[nodiscard]] std::string message() const;
 };
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

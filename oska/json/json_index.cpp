@@ -2,7 +2,7 @@
 
 #include <simdjson.h>
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 // Bytes of text: its tokens' offsets then fit the second-level cache beside it.
@@ -83,4 +83,4 @@ void TokenIndex::giveBack(std::unique_ptr<TokenIndex> index) {
         spare = std::move(index);
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -12,7 +12,7 @@ class dom_parser_implementation;
 // first stage is used: it needs neither padding nor a copy of the text, and everything that its own readers
 // are lax about (values that are skipped, what follows the last brace, depth, long numbers) is decided by
 // Reader, over the tokens.
-namespace oska::platform::json {
+namespace oska::json {
 
 /// The token beginnings of one stretch of a document, which ends behind a comma between two tokens, or with
 /// the document. A document is indexed stretch by stretch, so that the index stays small and in the
@@ -47,4 +47,4 @@ private:
     std::unique_ptr<simdjson::internal::dom_parser_implementation> stage_;
 };
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

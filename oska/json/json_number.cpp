@@ -5,7 +5,7 @@
 #include <limits>
 #include <optional>
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 constexpr std::uint64_t LARGEST_INTEGER = std::numeric_limits<std::int64_t>::max();
@@ -172,4 +172,4 @@ NumberReading parseReal(std::string_view token, double& value) {
 
 bool isNumber(std::string_view token) { return spellingOf(token).has_value(); }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

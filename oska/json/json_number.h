@@ -4,7 +4,7 @@
 #include <string_view>
 
 // Number tokens by the grammar of RFC 8259, section 6, and their exact values.
-namespace oska::platform::json {
+namespace oska::json {
 
 enum class NumberReading {
     READ,
@@ -22,4 +22,4 @@ NumberReading parseReal(std::string_view token, double& value);
 
 bool isNumber(std::string_view token);
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

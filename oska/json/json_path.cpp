@@ -4,7 +4,7 @@
 
 #include "oska/json/json_text.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 constexpr std::size_t LONGEST_EXCERPT = 60;
@@ -50,4 +50,4 @@ std::string excerpt(std::string_view text) {
     return whole ? shown : shown + "...";
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -9,7 +9,7 @@
 #include "oska/json/json_path.h"
 #include "oska/json/json_text.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 // As deep as the phones' own decoder goes. Readers of records recurse, so this also bounds the stack.
@@ -284,4 +284,4 @@ std::string Reader::found() const {
     }
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -10,7 +10,7 @@
 
 #include "oska/json/json_error.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 
 class TokenIndex;
 enum class NumberReading;
@@ -143,4 +143,4 @@ inline bool Reader::takeKey(std::string_view name) {
     return true;
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

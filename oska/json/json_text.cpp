@@ -3,7 +3,7 @@
 #include <charconv>
 #include <cstdint>
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 constexpr std::string_view HEX_DIGITS = "0123456789abcdef";
@@ -188,4 +188,4 @@ std::optional<LexicalFault> findLexicalFault(std::string_view text) {
     return {};
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

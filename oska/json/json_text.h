@@ -6,7 +6,7 @@
 #include <string_view>
 
 // Characters and escapes of JSON strings, and the faults of a text that no token survives.
-namespace oska::platform::json {
+namespace oska::json {
 
 constexpr bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
@@ -38,4 +38,4 @@ struct LexicalFault {
 /// or the end inside a string. Slow; only for texts known to be bad.
 std::optional<LexicalFault> findLexicalFault(std::string_view text);
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

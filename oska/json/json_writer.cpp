@@ -7,7 +7,7 @@
 #include "oska/json/json_path.h"
 #include "oska/json/json_text.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 constexpr std::string_view REPLACEMENT_CHARACTER = "\xEF\xBF\xBD";
@@ -117,4 +117,4 @@ bool Writer::failedIn(std::size_t element) {
     return false;
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

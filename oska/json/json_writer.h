@@ -7,7 +7,7 @@
 
 #include "oska/json/json_error.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 
 /// How `/` is written; both forms read back alike. This is the one place that decides:
 /// - documents, which other programs may compare or sign, are written as the platform's encoder writes them
@@ -54,4 +54,4 @@ private:
     EncodeError error_;
 };
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

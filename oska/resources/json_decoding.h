@@ -13,7 +13,7 @@ namespace oska {
 /// The record that the document holds, or none, which is logged with the place and the reason.
 template <class Record>
 std::optional<Record> decodeJSONData(std::string_view data) {
-    auto decoded = platform::json::decode<Record>(data);
+    auto decoded = json::decode<Record>(data);
     if (decoded) return *std::move(decoded);
     RESOURCE_LOG.error("decodeJSONData", decoded.error().message());
     return std::nullopt;
@@ -22,7 +22,7 @@ std::optional<Record> decodeJSONData(std::string_view data) {
 /// Likewise for a text, which must be UTF-8 throughout.
 template <class Record>
 std::optional<Record> decodeJSONString(std::string_view text) {
-    if (platform::text::isUtf8(text)) return decodeJSONData<Record>(text);
+    if (text::isUtf8(text)) return decodeJSONData<Record>(text);
     RESOURCE_LOG.error("decodeJSONString", "failed to encode string to utf8 data");
     return std::nullopt;
 }

@@ -4,7 +4,7 @@
 
 #include "oska/json/json_text.h"
 
-namespace oska::platform {
+namespace oska::text {
 namespace {
 
 bool isC1(char c) {
@@ -47,4 +47,4 @@ std::string onOneLine(std::string_view text) {
     return line;
 }
 
-}  // namespace oska::platform
+}  // namespace oska::text

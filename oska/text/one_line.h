@@ -5,7 +5,7 @@
 
 /// The one place that decides what a line for people, in a log or on a terminal, may carry of a text that a
 /// server, a file or a radio brought. Threads: any.
-namespace oska::platform {
+namespace oska::text {
 
 /// Appends `text` so that it can neither start a line of its own, for any reader of lines, nor steer a
 /// terminal. C0, DEL and C1 control characters, U+2028 and U+2029 are escaped as in JSON: \b \f \n \r \t,
@@ -17,4 +17,4 @@ void appendOnOneLine(std::string& line, std::string_view text);
 
 [[nodiscard]] std::string onOneLine(std::string_view text);
 
-}  // namespace oska::platform
+}  // namespace oska::text

@@ -5,7 +5,7 @@
 
 #include "oska/text/text_scalars.h"
 
-namespace oska::platform::text {
+namespace oska::text {
 namespace {
 
 bool isAscii(char c) { return static_cast<unsigned char>(c) < 0x80; }
@@ -74,4 +74,4 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-}  // namespace oska::platform::text
+}  // namespace oska::text

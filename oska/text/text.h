@@ -10,7 +10,7 @@
 ///
 /// Threads: any. Cost: linear in the text; plain ASCII never reaches a table.
 /// Errors: none. Bytes that are no UTF-8 stay as they are and count as nothing but themselves.
-namespace oska::platform::text {
+namespace oska::text {
 
 [[nodiscard]] bool isAscii(std::string_view text);
 [[nodiscard]] bool isUtf8(std::string_view text);
@@ -41,4 +41,4 @@ struct CanonicalLess {
     [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const;
 };
 
-}  // namespace oska::platform::text
+}  // namespace oska::text

@@ -5,7 +5,7 @@
 #include "oska/text/text.h"
 #include "oska/text/text_scalars.h"
 
-namespace oska::platform::text {
+namespace oska::text {
 namespace {
 
 constexpr utf8proc_int32_t CAPITAL_I_WITH_DOT = 0x130;
@@ -113,4 +113,4 @@ void appendLowercased(std::string& lower, std::string_view text) {
     }
 }
 
-}  // namespace oska::platform::text
+}  // namespace oska::text

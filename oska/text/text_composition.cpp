@@ -8,7 +8,7 @@
 #include "oska/text/text.h"
 #include "oska/text/text_scalars.h"
 
-namespace oska::platform::text {
+namespace oska::text {
 namespace {
 
 using Scalars = std::vector<utf8proc_int32_t>;
@@ -122,4 +122,4 @@ bool CanonicalLess::operator()(std::string_view a, std::string_view b) const {
     return composed(a) < composed(b);
 }
 
-}  // namespace oska::platform::text
+}  // namespace oska::text

@@ -7,7 +7,7 @@
 #include <string_view>
 
 /// The step between UTF-8 and scalars, shared by the sources behind text.h.
-namespace oska::platform::text {
+namespace oska::text {
 
 struct Scalar {
     utf8proc_int32_t value;  // negative: the first byte starts no UTF-8
@@ -29,4 +29,4 @@ inline void appendScalar(std::string& text, utf8proc_int32_t scalar) {
     text.append(reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length));
 }
 
-}  // namespace oska::platform::text
+}  // namespace oska::text

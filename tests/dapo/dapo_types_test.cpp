@@ -11,7 +11,7 @@ namespace oska {
 namespace {
 
 using platform::Url;
-namespace json = platform::json;
+namespace json = json;
 
 WardContents link(std::int64_t id, const std::string& url = "https://site/menu") {
     return {id, "menu", *Url::parse(url)};

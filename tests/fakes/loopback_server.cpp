@@ -83,8 +83,7 @@ void blockSignals() {
 std::vector<std::string> WireRequest::values(std::string_view name) const {
     std::vector<std::string> found;
     for (const auto& header : headers) {
-        if (platform::text::lowercased(header.name) == platform::text::lowercased(name))
-            found.push_back(header.value);
+        if (text::lowercased(header.name) == text::lowercased(name)) found.push_back(header.value);
     }
     return found;
 }

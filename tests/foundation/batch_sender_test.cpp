@@ -29,8 +29,7 @@ protected:
         const auto requests = world_.server().requests();
         for (; seen_ < requests.size(); ++seen_) {
             const auto& body = requests[seen_].request.body;
-            const auto samples =
-                platform::json::decode<std::vector<platform::ReceivedForce>>(body.value_or(""));
+            const auto samples = json::decode<std::vector<platform::ReceivedForce>>(body.value_or(""));
             EXPECT_TRUE(samples);
             batches.emplace_back();
             for (const auto& sample : *samples) batches.back().push_back(sample.mobile_time);

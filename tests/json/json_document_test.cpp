@@ -7,7 +7,7 @@
 
 #include "tests/json/json_records.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 TEST(JsonText, UnescapesAndKeepsTheRest) {
@@ -174,4 +174,4 @@ TEST(JsonDocument, MayBeLongerThanOneStretch) {
 }
 
 }  // namespace
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -6,7 +6,7 @@
 
 #include "tests/json/json_records.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 TEST(JsonInteger, IsExactHoweverItIsSpelt) {
@@ -100,4 +100,4 @@ TEST(JsonNumber, KeepsToTheGrammar) {
 }
 
 }  // namespace
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -10,7 +10,7 @@
 #include "oska/json/json.h"
 
 // What the tests of JSON decode and encode, and their ways to say so.
-namespace oska::platform::json {
+namespace oska::json {
 
 struct Colour {
     std::string name;
@@ -67,10 +67,10 @@ struct Nothing {};
 template <class Visit>
 void fields(Visit&, Nothing&) {}
 
-}  // namespace oska::platform::json
+}  // namespace oska::json
 
 template <>
-struct oska::platform::JsonText<oska::platform::json::Colour> {
+struct oska::platform::JsonText<oska::json::Colour> {
     static constexpr std::string_view EXPECTED = "a colour";
 
     // Decodes, too, while the document around it is being decoded.
@@ -83,7 +83,7 @@ struct oska::platform::JsonText<oska::platform::json::Colour> {
     static std::string_view print(const json::Colour& colour) { return colour.name; }
 };
 
-namespace oska::platform::json {
+namespace oska::json {
 
 template <class Value>
 std::string decodingErrorOf(std::string_view text) {
@@ -104,4 +104,4 @@ std::string encodingOf(const Value& value) {
     return text ? *text : text.error().message();
 }
 
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -7,7 +7,7 @@
 #include "oska/json/description.h"
 #include "tests/json/json_records.h"
 
-namespace oska::platform::json {
+namespace oska::json {
 namespace {
 
 TEST(JsonRecord, TakesItsFieldsInAnyOrder) {
@@ -169,4 +169,4 @@ TEST(Description, NamesTypesAndFieldsInOneLine) {
 }
 
 }  // namespace
-}  // namespace oska::platform::json
+}  // namespace oska::json

@@ -7,7 +7,7 @@
 namespace oska {
 namespace {
 
-namespace json = platform::json;
+namespace json = json;
 
 TEST(PelioTypes, KeepTheirJsonForm) {
     const PelioResult result{9'007'199'254'740'993, 1, "b", 2, "l", 60, 30.5};

@@ -8,7 +8,7 @@
 namespace oska {
 namespace {
 
-namespace json = platform::json;
+namespace json = json;
 
 constexpr std::string_view MAP_IMAGE =
     R"({"url":"https://m/1.png","image_width":1600,"image_height":1200.5,"scale_x":0.5,"scale_y":-2,"offset_x":0,"offset_y":1e-05})";

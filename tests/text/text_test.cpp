@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-namespace oska::platform::text {
+namespace oska::text {
 namespace {
 
 std::string utf8(char32_t scalar) {
@@ -170,4 +170,4 @@ TEST(Text, OrderIsThatOfComposedScalars) {
 }
 
 }  // namespace
-}  // namespace oska::platform::text
+}  // namespace oska::text

@@ -140,8 +140,7 @@ void SiteAnswers::answerBundle(const Request& request, Response& response) const
     const auto file = folder_.read(path);
     if (!file) return refuse(request, response, {404, "no such sector here: the site has no file " + path});
     const BundleOutput output{.url = *origin + "/" + path, .version_id = versionOf(file->content)};
-    sendContent(request, response,
-                {*platform::json::encode(output, platform::json::Slashes::plain), file->type});
+    sendContent(request, response, {*json::encode(output, json::Slashes::plain), file->type});
 }
 
 void SiteAnswers::answerFile(const Request& request, Response& response) const {
@@ -169,7 +168,7 @@ void SiteAnswers::answerUpload(const Request& request, Response& response, const
 std::optional<Refusal> SiteAnswers::take(const std::string& body) {
     // Decoded, a body may take ten times its size; not so at the same time on all threads.
     const std::lock_guard lock(decoding_);
-    const auto samples = platform::json::decode<std::vector<platform::ReceivedForce>>(body);
+    const auto samples = json::decode<std::vector<platform::ReceivedForce>>(body);
     if (!samples) {
         return Refusal{400, "not an array of samples: line " + std::to_string(samples.error().line) + ": " +
                                 faultText(samples.error())};

@@ -58,7 +58,7 @@ UploadFile::~UploadFile() { close(file_); }
 std::optional<std::string> UploadFile::append(const std::vector<platform::ReceivedForce>& samples) {
     std::string lines;
     for (const auto& sample : samples) {
-        const auto problem = platform::json::append(lines, sample, platform::json::Slashes::plain);
+        const auto problem = json::append(lines, sample, json::Slashes::plain);
         if (problem) return problem->message();
         lines += '\n';
     }

@@ -12,7 +12,7 @@
 namespace viewer {
 namespace {
 
-namespace json = oska::platform::json;
+namespace json = oska::json;
 using oska::platform::Result;
 
 /// The folders that are named by a sector and hold a bundle.

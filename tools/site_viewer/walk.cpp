@@ -35,8 +35,8 @@ using std::chrono::milliseconds;
 constexpr milliseconds LONGEST = std::chrono::hours(24);
 
 Result<WalkLine, std::string> parse(const QByteArray& text) {
-    auto line = oska::platform::json::decode<WalkLine>(
-        std::string_view(text.data(), static_cast<std::size_t>(text.size())));
+    auto line =
+        oska::json::decode<WalkLine>(std::string_view(text.data(), static_cast<std::size_t>(text.size())));
     if (!line) return line.error().message();
     if (line->rfs.has_value() == line->action.has_value())
         return std::string("neither a sample, with \"rfs\", nor an action, with \"action\"");

@@ -50,7 +50,7 @@ protected:
 
     [[nodiscard]] BundleOutput bundle(const std::string& path, const httplib::Headers& headers = {}) const {
         const auto reply = get(path, headers);
-        const auto output = platform::json::decode<BundleOutput>(reply.body);
+        const auto output = json::decode<BundleOutput>(reply.body);
         EXPECT_TRUE(output) << reply.status << " " << reply.body;
         return output ? *output : BundleOutput{};
     }

@@ -8,7 +8,7 @@ namespace oska::tool {
 
 void complain(std::string_view line) {
     std::fflush(stdout);
-    const auto text = platform::onOneLine(line) + '\n';
+    const auto text = text::onOneLine(line) + '\n';
     std::fwrite(text.data(), 1, text.size(), stderr);
 }
 

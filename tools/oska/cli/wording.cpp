@@ -4,11 +4,11 @@
 
 namespace oska::tool {
 
-using platform::json::DecodeError;
+using json::DecodeError;
 
 std::string inQuotes(std::string_view text) {
     std::string out;
-    platform::json::appendText(out, text);
+    json::appendText(out, text);
     return out;
 }
 

@@ -11,10 +11,10 @@ namespace oska::tool {
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
 /// Why a document is no bundle: `buildings[0].name: expected text, found 5`, without its line.
-[[nodiscard]] std::string faultText(const platform::json::DecodeError& error);
+[[nodiscard]] std::string faultText(const json::DecodeError& error);
 
 /// The same with its place in front, as compilers do: `site.json:17: buildings[0].name: expected text, found
 /// 5`.
-[[nodiscard]] std::string faultLine(const std::string& file, const platform::json::DecodeError& error);
+[[nodiscard]] std::string faultLine(const std::string& file, const json::DecodeError& error);
 
 }  // namespace oska::tool

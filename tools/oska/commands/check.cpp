@@ -82,7 +82,7 @@ void fields(Visit& f, Report& report) {
     f("files", report.files);
 }
 
-Fault faultOf(const platform::json::DecodeError& error) {
+Fault faultOf(const json::DecodeError& error) {
     return {.line = static_cast<std::int64_t>(error.line),
             .path = error.path,
             .expected = error.expected,
@@ -92,7 +92,7 @@ Fault faultOf(const platform::json::DecodeError& error) {
 
 template <class Bundle>
 void examine(FileReport& report, const std::string& document) {
-    const auto bundle = platform::json::decode<Bundle>(document);
+    const auto bundle = json::decode<Bundle>(document);
     report.decodes = bundle.hasValue();
     if (bundle) {
         report.findings = findingsIn(*bundle);
@@ -147,7 +147,7 @@ ExitStatus check(const Options& options) {
         if (!options.json) printForPeople(report);
         if (options.json) all.files.push_back(std::move(report));
     }
-    if (options.json) printLine(*platform::json::encode(all, platform::json::Slashes::plain));
+    if (options.json) printLine(*json::encode(all, json::Slashes::plain));
     return status;
 }
 

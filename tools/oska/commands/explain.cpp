@@ -87,7 +87,7 @@ private:
 
 template <class Bundle, class ExplainerOfKind>
 ExitStatus explain(const Options& options, OskaService service, const std::string& document) {
-    const auto bundle = platform::json::decode<Bundle>(document);
+    const auto bundle = json::decode<Bundle>(document);
     if (!bundle) {
         complain(faultLine(options.bundle, bundle.error()));
         return ExitStatus::badInput;

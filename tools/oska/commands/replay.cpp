@@ -200,11 +200,11 @@ private:
 /// The sector to load. A bundle that does not decode is no obstacle as long as it is known whose it is.
 template <class Bundle>
 std::optional<std::int64_t> chooseSector(const Options& options, const std::string& bundle) {
-    const auto decoded = platform::json::decode<Bundle>(bundle);
+    const auto decoded = json::decode<Bundle>(bundle);
     if (!decoded) complain(faultLine(options.bundle, decoded.error()));
     if (options.sector) return options.sector;
     if (decoded) return decoded->id;
-    const auto sectorOfBundle = platform::json::decode<SectorOfBundle>(bundle);
+    const auto sectorOfBundle = json::decode<SectorOfBundle>(bundle);
     return sectorOfBundle ? std::optional(sectorOfBundle->id) : std::nullopt;
 }
 

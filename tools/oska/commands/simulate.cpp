@@ -107,7 +107,7 @@ Truth truthOf(const Position& phone, const Site& site, const GroundPlan& ground)
 }
 
 void printSample(const SimulatedSample& sample) {
-    const auto line = *platform::json::encode(sample, platform::json::Slashes::plain) + '\n';
+    const auto line = *json::encode(sample, json::Slashes::plain) + '\n';
     std::fwrite(line.data(), 1, line.size(), stdout);
 }
 

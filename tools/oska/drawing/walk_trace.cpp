@@ -30,7 +30,7 @@ bool isSamePlace(const TraceStop& a, const TraceStop& b) {
 
 // An event with a coordinate beyond all numbers does not decode, and could not be drawn.
 void WalkTracer::note(std::string_view eventLine) {
-    const auto line = platform::json::decode<EventLine>(eventLine);
+    const auto line = json::decode<EventLine>(eventLine);
     if (!line) return;
     trace_.end = line->at;
     if (line->result) {

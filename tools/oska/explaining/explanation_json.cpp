@@ -132,7 +132,7 @@ void fields(Visit& f, Explanation& explanation) {
 
 // Its numbers are finite: recordings and bundles bring no others, and differences are cut off.
 std::string explanationAsJson(const Explanation& explanation) {
-    return *platform::json::encode(explanation, platform::json::Slashes::plain) + '\n';
+    return *json::encode(explanation, json::Slashes::plain) + '\n';
 }
 
 }  // namespace oska::tool

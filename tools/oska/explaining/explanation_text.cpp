@@ -177,7 +177,7 @@ double roundedDecibels(double value) {
 
 std::string decibels(double value) {
     std::string text;
-    static_cast<void>(platform::json::appendReal(text, roundedDecibels(value)));
+    static_cast<void>(json::appendReal(text, roundedDecibels(value)));
     return text;
 }
 

@@ -11,7 +11,7 @@ std::string Events::beginLine(std::string_view event) const {
     std::string line;
     line.reserve(256);
     line += "{\"at\":";
-    platform::json::appendInteger(line, platform::millisecondsBetween(begin_, clock_->now()));
+    json::appendInteger(line, platform::millisecondsBetween(begin_, clock_->now()));
     line.append(",\"event\":\"").append(event).append("\"");
     return line;
 }
@@ -20,7 +20,7 @@ std::string Events::beginLine(std::string_view event) const {
 // JSON leaves DEL, C1 and the two line separators as they are; some readers of lines and terminals act on
 // them.
 void Events::writeLine(std::string line) const {
-    line = platform::onOneLine(line) + "}\n";
+    line = text::onOneLine(line) + "}\n";
     std::fwrite(line.data(), 1, line.size(), stdout);
     if (listener_) listener_(std::string_view(line).substr(0, line.size() - 1));
 }

@@ -52,7 +52,7 @@ private:
     static void appendMembers(std::string& line, std::string_view key, const Value& value,
                               const Rest&... rest) {
         line.append(",\"").append(key).append("\":");
-        if (const auto problem = platform::json::append(line, value, platform::json::Slashes::plain)) {
+        if (const auto problem = json::append(line, value, json::Slashes::plain)) {
             line += "null";
             reportLoss(key, problem->message());
         }

@@ -60,15 +60,15 @@ std::string statusText(const Download& download, std::int64_t sectorId) {
 
 template <class Bundle>
 std::string faultOfBundle(const Download& download) {
-    const auto bundle = platform::json::decode<Bundle>(download.outcome.body.value_or(""));
+    const auto bundle = json::decode<Bundle>(download.outcome.body.value_or(""));
     return bundle ? download.url + ": the bundle could not be used" : faultLine(download.url, bundle.error());
 }
 
 /// What is the matter with an address that the endpoint gave for a bundle.
 std::string faultOfAddress(const Download& download) {
     const auto body = download.outcome.body.value_or("");
-    if (!platform::text::isUtf8(body)) return download.url + ": the reply is not UTF-8";
-    const auto output = platform::json::decode<BundleOutput>(body);
+    if (!text::isUtf8(body)) return download.url + ": the reply is not UTF-8";
+    const auto output = json::decode<BundleOutput>(body);
     if (!output) return faultLine(download.url, output.error());
     return download.url + ": the bundle's address " + inQuotes(output->url) + " is no URL";
 }

@@ -14,7 +14,7 @@ constexpr auto BUNDLE_PATH = "/bundle.json";
 // One version for the whole run: initialising again finds the bundle unchanged, unless it forces the update.
 std::string descriptor() {
     const BundleOutput output{.url = "http://localhost" + std::string(BUNDLE_PATH), .version_id = "1"};
-    return *platform::json::encode(output);
+    return *json::encode(output);
 }
 
 // Behind scheme and authority, which a recording endpoint always has.
@@ -38,7 +38,7 @@ void VirtualSite::onUpload(std::function<void(const std::vector<platform::Receiv
     world_.server().onPath(pathOf(*recordings),
                            [receive = std::move(receive)](const platform::HttpRequest& request) {
                                using Batch = std::vector<platform::ReceivedForce>;
-                               const auto batch = platform::json::decode<Batch>(request.body.value_or(""));
+                               const auto batch = json::decode<Batch>(request.body.value_or(""));
                                if (!batch) return virtual_world::reply(400);
                                receive(*batch);
                                return virtual_world::reply(200);

@@ -5,7 +5,7 @@
 
 namespace oska::tool {
 
-namespace json = platform::json;
+namespace json = json;
 
 template <class Visit>
 void fields(Visit& f, Waypoint& waypoint) {

@@ -19,7 +19,7 @@ constexpr double STRONGEST_READING = -40;
 
 std::string decimal(double value) {
     std::string text;
-    if (!platform::json::appendReal(text, value)) text = "beyond all numbers";
+    if (!json::appendReal(text, value)) text = "beyond all numbers";
     return text;
 }
 

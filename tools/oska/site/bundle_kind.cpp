@@ -8,7 +8,7 @@
 
 namespace oska::tool {
 
-namespace json = platform::json;
+namespace json = json;
 
 namespace {
 

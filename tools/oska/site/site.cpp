@@ -26,7 +26,7 @@ Site flattened(const Bundle<Ward>& bundle) {
 
 template <class Ward>
 Parsed parse(const std::string& file, std::string_view document) {
-    const auto bundle = platform::json::decode<Bundle<Ward>>(document);
+    const auto bundle = json::decode<Bundle<Ward>>(document);
     if (!bundle) return faultLine(file, bundle.error());
     return flattened(*bundle);
 }

@@ -33,7 +33,7 @@ auto finding(const std::string& path, const std::string& kind) {
 
 template <class Bundle>
 std::vector<tool::Finding> findings(const std::string& document) {
-    const auto bundle = platform::json::decode<Bundle>(document);
+    const auto bundle = json::decode<Bundle>(document);
     EXPECT_TRUE(bundle) << bundle.error().message();
     return bundle ? tool::findingsIn(*bundle) : std::vector<tool::Finding>{};
 }
