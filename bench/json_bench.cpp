@@ -110,7 +110,7 @@ struct YardstickFields {
 
 template <class Value>
 void readYardstick(const nlohmann::json& from, Value& value) {
-    if constexpr (platform::Record<Value>) {
+    if constexpr (Record<Value>) {
         YardstickFields visit{from};
         fields(visit, value);
     } else {

@@ -15,7 +15,7 @@ char asciiLower(char letter) {
 
 }  // namespace
 
-std::optional<HttpAddress> HttpAddress::of(const platform::Url& url) {
+std::optional<HttpAddress> HttpAddress::of(const Url& url) {
     const auto scheme = url.scheme().value_or("");
     const bool isSecure = equalsIgnoringAsciiCase(scheme, "https");
     if (!isSecure && !equalsIgnoringAsciiCase(scheme, "http")) return std::nullopt;

@@ -14,7 +14,7 @@ struct HttpAddress {
     int port = 0;      ///< the scheme's own when the URL names none
 
     /// None unless the URL is http or https and has a host.
-    [[nodiscard]] static std::optional<HttpAddress> of(const platform::Url& url);
+    [[nodiscard]] static std::optional<HttpAddress> of(const Url& url);
 
     /// For people: "host:port", an IPv6 address in brackets.
     [[nodiscard]] std::string text() const;

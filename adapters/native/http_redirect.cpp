@@ -39,7 +39,7 @@ void dropHeaders(HttpRequest& request) {
                   [&](const auto& header) { return !request.body || !isNamed(header, "Content-Type"); });
 }
 
-bool leavesOrigin(const platform::Url& from, const platform::Url& to) {
+bool leavesOrigin(const Url& from, const Url& to) {
     const auto source = HttpAddress::of(from);
     const auto target = HttpAddress::of(to);
     return !source || !target || !isSameOrigin(*source, *target);

@@ -10,7 +10,6 @@ using platform::ChallengeDisposition;
 using platform::HttpError;
 using platform::HttpErrorKind;
 using platform::HttpOutcome;
-using platform::Url;
 
 namespace {
 

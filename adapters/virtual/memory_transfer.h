@@ -34,13 +34,13 @@ struct MemoryTransfer {
 };
 
 /// `scheme` in lower case.
-[[nodiscard]] bool hasScheme(const platform::Url& url, std::string_view scheme);
+[[nodiscard]] bool hasScheme(const Url& url, std::string_view scheme);
 
 /// Whether HTTP can be spoken to the URL's server at all.
-[[nodiscard]] bool isSupported(const platform::Url& url);
+[[nodiscard]] bool isSupported(const Url& url);
 
 /// The path as written, of a URL that is supported; "/" stands for none.
-[[nodiscard]] std::string pathOf(const platform::Url& url);
+[[nodiscard]] std::string pathOf(const Url& url);
 
 /// Whether the session's delegate vouches for a host that nobody else does.
 [[nodiscard]] bool isAccepted(const SessionInfo& session, const std::string& host);

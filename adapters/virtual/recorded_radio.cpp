@@ -34,7 +34,7 @@ void fields(Visit& f, Line& line) {
 using Samples = std::vector<ReceivedForce>;
 
 /// The samples of the file, or why it cannot be played.
-platform::Result<Samples, std::string> readSamples(const std::string& path) {
+Result<Samples, std::string> readSamples(const std::string& path) {
     std::ifstream file(path);
     if (!file) return path + ": " + std::error_code(errno, std::generic_category()).message();
     Samples samples;

@@ -22,7 +22,7 @@ DapoLevelInfo levelInfo(const DapoLevel& level, const LevelMaps& maps, const Log
 std::vector<WardContents> wardContents(const DapoLevelWard& ward) {
     std::vector<WardContents> contents;
     for (const auto& entry : ward.contents) {
-        auto url = platform::Url::parse(entry.url);
+        auto url = Url::parse(entry.url);
         if (url) contents.push_back({entry.number, entry.description, *std::move(url)});
     }
     std::stable_sort(contents.begin(), contents.end(),

@@ -4,12 +4,12 @@
 
 namespace oska {
 
-bool operator==(const WardContents& a, const WardContents& b) { return platform::areEqual(a, b); }
-bool operator==(const DapoWard& a, const DapoWard& b) { return platform::areEqual(a, b); }
-bool operator==(const DapoContents& a, const DapoContents& b) { return platform::areEqual(a, b); }
-bool operator==(const DapoLevelInfo& a, const DapoLevelInfo& b) { return platform::areEqual(a, b); }
-bool operator==(const DapoBuildingInfo& a, const DapoBuildingInfo& b) { return platform::areEqual(a, b); }
-bool operator==(const DapoSectorInfo& a, const DapoSectorInfo& b) { return platform::areEqual(a, b); }
+bool operator==(const WardContents& a, const WardContents& b) { return areEqual(a, b); }
+bool operator==(const DapoWard& a, const DapoWard& b) { return areEqual(a, b); }
+bool operator==(const DapoContents& a, const DapoContents& b) { return areEqual(a, b); }
+bool operator==(const DapoLevelInfo& a, const DapoLevelInfo& b) { return areEqual(a, b); }
+bool operator==(const DapoBuildingInfo& a, const DapoBuildingInfo& b) { return areEqual(a, b); }
+bool operator==(const DapoSectorInfo& a, const DapoSectorInfo& b) { return areEqual(a, b); }
 
 void DapoViewDelegate::onDapoMapImageData(DapoView&, std::int64_t, const DapoMapImage&) {}
 

@@ -23,7 +23,7 @@ struct WardContents {
     static constexpr std::string_view TYPE_NAME = "WardContents";
     std::int64_t id = 0;  ///< the entry's number in the bundle
     std::string name;     ///< the entry's description in the bundle
-    platform::Url url;
+    Url url;
 };
 
 /// One detected ward, or one ward of the sector's description.

@@ -163,12 +163,12 @@ void DapoView::forgetBundle() {
 }
 
 void DapoView::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
-    if (OskaLogger::isEnabled()) LOG.info("initialize", platform::describe(*bundle));
+    if (OskaLogger::isEnabled()) LOG.info("initialize", describe(*bundle));
     dapoBundle_ = std::move(bundle);
     detection_->indexDapoWards(dapoBundle_->buildings);
     if (OskaLogger::isEnabled()) {
         LOG.info("indexDapoWards",
-                 "indexedDapoWardsByName= " + platform::describe(detection_->indexedDapoWardsByName()));
+                 "indexedDapoWardsByName= " + describe(detection_->indexedDapoWardsByName()));
     }
     detection_->indexDapoMapImages(dapoBundle_->buildings);
     LOG.info("indexDapoMapImages", "levelCount = " + std::to_string(detection_->maps().byLevelId().size()));

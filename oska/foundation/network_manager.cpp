@@ -15,8 +15,6 @@ namespace {
 using platform::HttpErrorKind;
 using platform::HttpOutcome;
 using platform::HttpRequest;
-using platform::Url;
-using platform::UrlComponents;
 
 constexpr int NO_REPLY_STATUS = 500;
 constexpr int NOT_SENT_STATUS = 406;
@@ -62,7 +60,7 @@ std::string bundleRequestText(std::string_view urlTemplate, const SectorIdOsInpu
     auto text = replaceAll(urlTemplate, "{pk}", std::to_string(input.sector_id));
     auto components = UrlComponents::parse(text);
     if (!components) return text;
-    std::vector<platform::UrlQueryItem> items{{"operating_system", input.operating_system}};
+    std::vector<UrlQueryItem> items{{"operating_system", input.operating_system}};
     if (!forcedAt.empty()) items.push_back({"_rt", forcedAt});
     components->setQueryItems(items);
     const auto url = components->url();

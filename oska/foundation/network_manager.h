@@ -64,7 +64,7 @@ private:
 
     /// Makes the request with a fresh bearer token, or none when the provider has none; one with a body waits
     /// among the uploads. `completion` is called once and must not keep the manager alive. Any thread.
-    void makeAuthorizedRequest(platform::Url url, std::string method, std::optional<std::string> body,
+    void makeAuthorizedRequest(Url url, std::string method, std::optional<std::string> body,
                                RequestMaker completion);
     /// Posts `completion` with the outcome and `input` to the main queue when the answer is called; its first
     /// call counts.

@@ -15,7 +15,7 @@ namespace {
 std::optional<std::string> onPremiseBaseUrl(const std::string& host) {
     if (!OskaOnPremiseNetworkConstants::isEnabled()) return std::nullopt;
     auto text = OskaOnPremiseNetworkConstants::baseURL();
-    const auto url = platform::Url::parse(text);
+    const auto url = Url::parse(text);
     return url && url->host() == host ? std::optional(std::move(text)) : std::nullopt;
 }
 

@@ -4,7 +4,7 @@
 
 #include "oska/json/json_writer.h"
 
-namespace oska::platform {
+namespace oska {
 
 void appendDescription(std::string& out, bool value) { out += value ? "true" : "false"; }
 
@@ -17,4 +17,4 @@ void appendDescription(std::string& out, double value) {
 
 void appendDescription(std::string& out, std::string_view value) { json::appendText(out, value); }
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -11,7 +11,7 @@
 
 /// Records in one line for people: `Door(id: 1, label: nil, tags: ["a", "b"])`. Texts are quoted and escaped
 /// as in JSON, so that no value can start a line of its own.
-namespace oska::platform {
+namespace oska {
 
 void appendDescription(std::string& out, bool value);
 void appendDescription(std::string& out, std::int64_t value);
@@ -94,4 +94,4 @@ std::string describe(const Value& value) {
     return text;
 }
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -24,7 +24,7 @@
 /// function. Field types: std::int64_t, double, bool, std::string, records, types with a JsonText, and
 /// std::optional, std::vector and std::map<std::string, ...> of these. A record has at most 64 fields and can
 /// be default-constructed.
-namespace oska::platform {
+namespace oska {
 
 /// For a value that a document holds as text, such as a URL. To be specialised:
 ///
@@ -66,4 +66,4 @@ void visitFields(Visit& visit, const Value& record) {
     fields(visit, const_cast<Value&>(record));
 }
 
-}  // namespace oska::platform
+}  // namespace oska

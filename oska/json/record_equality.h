@@ -14,7 +14,7 @@
 /// Equality of records, field by field in their order: texts by canonical equivalence, reals as IEEE has it
 /// (so a NaN makes a record unequal to itself), arrays element by element, types with a JsonText by their own
 /// `==`.
-namespace oska::platform {
+namespace oska {
 
 inline bool areEqual(std::int64_t a, std::int64_t b) { return a == b; }
 inline bool areEqual(double a, double b) { return a == b; }
@@ -81,4 +81,4 @@ bool areEqual(const Value& a, const Value& b) {
     return visit.result;
 }
 
-}  // namespace oska::platform
+}  // namespace oska

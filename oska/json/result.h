@@ -5,7 +5,7 @@
 #include <utility>
 #include <variant>
 
-namespace oska::platform {
+namespace oska {
 
 /// A value, or the reason why there is none. Asking for the one that is not there is a programming error
 /// (asserted).
@@ -38,4 +38,4 @@ private:
     std::variant<Value, Error> state_;
 };
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -4,6 +4,6 @@
 
 namespace oska {
 
-bool operator==(const LevelMap& a, const LevelMap& b) { return platform::areEqual(a, b); }
+bool operator==(const LevelMap& a, const LevelMap& b) { return areEqual(a, b); }
 
 }  // namespace oska

@@ -157,7 +157,7 @@ platform::HttpSession* OskaResourceManager::downloadSession() {
 }
 
 void OskaResourceManager::downloadResourceData(std::string_view url, DownloadCompletion completion) {
-    const auto parsed = platform::Url::parse(url);
+    const auto parsed = Url::parse(url);
     if (!parsed) {
         RESOURCE_LOG.error("downloadResourceData", "invalid url = " + std::string(url));
         return mainQueue_->async([completion = std::move(completion)] { completion(std::nullopt); });

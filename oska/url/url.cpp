@@ -8,7 +8,7 @@
 #include "oska/url/url_join.h"
 #include "oska/url/url_syntax.h"
 
-namespace oska::platform {
+namespace oska {
 namespace {
 
 std::optional<std::string> encodedAuthority(std::string_view authority) {
@@ -156,4 +156,4 @@ std::optional<Url> UrlComponents::url() const {
     return Url::parse(text);
 }
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -16,7 +16,7 @@
 ///
 /// Threads: any; all types are plain values. Cost: linear in the text. Errors: an empty optional, never a
 /// guess.
-namespace oska::platform {
+namespace oska {
 
 /// One absolute URL or relative reference. Two are equal when their texts are, byte by byte.
 class Url {
@@ -85,4 +85,4 @@ private:
     std::optional<std::string> fragment_;
 };
 
-}  // namespace oska::platform
+}  // namespace oska

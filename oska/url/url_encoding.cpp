@@ -7,7 +7,7 @@
 
 #include "oska/text/text_scalars.h"
 
-namespace oska::platform {
+namespace oska {
 namespace {
 
 constexpr bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
@@ -140,4 +140,4 @@ std::optional<std::string> encodedHost(std::string_view host) {
     return encodedAddress(host.substr(1, host.size() - 2));
 }
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -6,7 +6,7 @@
 #include <string_view>
 
 /// Percent-encoding, and the sets of bytes that stand as they are in each component of a URL.
-namespace oska::platform {
+namespace oska {
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -54,4 +54,4 @@ inline constexpr UrlCharacters QUERY_ITEM_CHARACTERS{
 /// whose zone is then introduced by "%25". None when it cannot be a host.
 [[nodiscard]] std::optional<std::string> encodedHost(std::string_view host);
 
-}  // namespace oska::platform
+}  // namespace oska

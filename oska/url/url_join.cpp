@@ -2,7 +2,7 @@
 
 #include <uriparser/Uri.h>
 
-namespace oska::platform {
+namespace oska {
 namespace {
 
 // uriparser's view of a text, which must outlive it.
@@ -51,4 +51,4 @@ std::optional<std::string> joinedUri(std::string_view base, std::string_view ref
     return joined.text();
 }
 
-}  // namespace oska::platform
+}  // namespace oska

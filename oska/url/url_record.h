@@ -7,7 +7,7 @@
 #include "oska/json/record.h"
 #include "oska/url/url.h"
 
-namespace oska::platform {
+namespace oska {
 
 /// A URL as a field of a record: in documents it is its absolute string.
 template <>
@@ -17,4 +17,4 @@ struct JsonText<Url> {
     static std::string_view print(const Url& url) { return url.absoluteString(); }
 };
 
-}  // namespace oska::platform
+}  // namespace oska

@@ -4,7 +4,7 @@
 
 #include "oska/url/url_encoding.h"
 
-namespace oska::platform {
+namespace oska {
 namespace {
 
 constexpr auto NONE = std::string_view::npos;
@@ -81,4 +81,4 @@ std::optional<AuthorityView> splitAuthority(std::string_view authority) {
     return view;
 }
 
-}  // namespace oska::platform
+}  // namespace oska

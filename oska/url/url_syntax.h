@@ -5,7 +5,7 @@
 
 /// The parts of a URL's text by RFC 3986, appendix B, for text that may still hold characters not allowed in
 /// it. All views lie in the text given.
-namespace oska::platform {
+namespace oska {
 
 enum class EmptyScheme { COUNTS, IS_NONE };
 
@@ -36,4 +36,4 @@ struct AuthorityView {
 /// None when something other than a port follows the host, or a bracket is not closed.
 [[nodiscard]] std::optional<AuthorityView> splitAuthority(std::string_view authority);
 
-}  // namespace oska::platform
+}  // namespace oska

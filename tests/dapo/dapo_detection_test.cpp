@@ -106,7 +106,7 @@ TEST_F(Detection, DescribesAWardByItsBundleAndItsStrongestReading) {
     hearOften(5, {{"gate", -79}});
     const auto detected = hear(5000, {{"gate", -60.5}});
     const auto link = [](std::int64_t id, const char* name, const char* url) {
-        return WardContents{id, name, *platform::Url::parse(url)};
+        return WardContents{id, name, *Url::parse(url)};
     };
     const DapoWard expected{.id = 7,
                             .level_id = 3,

@@ -9,8 +9,6 @@
 
 namespace oska {
 namespace {
-
-using platform::Url;
 namespace json = json;
 
 WardContents link(std::int64_t id, const std::string& url = "https://site/menu") {

@@ -70,7 +70,7 @@ void fields(Visit&, Nothing&) {}
 }  // namespace oska::json
 
 template <>
-struct oska::platform::JsonText<oska::json::Colour> {
+struct oska::JsonText<oska::json::Colour> {
     static constexpr std::string_view EXPECTED = "a colour";
 
     // Decodes, too, while the document around it is being decoded.

@@ -140,13 +140,13 @@ TEST(BundleDescription, NamesTheKind) {
     const auto dapo = json::decode<DapoBundle>(bundleWith(DAPO_WARD));
     ASSERT_TRUE(dapo);
     EXPECT_EQ(
-        platform::describe(*dapo),
+        describe(*dapo),
         R"(DapoBundle(id: 12, name: "Museum", operating_system: "iOS", buildings: [DapoBuilding(id: 3, name: "East", )"
         R"(levels: [DapoLevel(id: 31, name: "1F", map_image: LevelMapImage(url: "https://m/1.png", image_width: 1600, )"
         R"(image_height: 1200.5, scale_x: 0.5, scale_y: -2, offset_x: 0, offset_y: 1e-05), wards: [)"
         R"(DapoLevelWard(id: 1, name: "lobby-a", x: 10, y: -20, rssi: -70, contents: [)"
         R"(DapoLevelWardContent(number: 2, description: "Café", url: "not a url")])])])]))");
-    EXPECT_EQ(platform::describe(PelioBundle{}),
+    EXPECT_EQ(describe(PelioBundle{}),
               R"(PelioBundle(id: 0, name: "", operating_system: "", buildings: []))");
 }
 

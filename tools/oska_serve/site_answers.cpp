@@ -40,7 +40,7 @@ std::optional<std::int64_t> sectorId(const std::string& text) {
 bool isAuthority(const std::string& text) {
     constexpr auto ALLOWED = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-_:[]";
     if (text.find_first_not_of(ALLOWED) != std::string::npos) return false;
-    const auto url = platform::Url::parse("http://" + text + "/");
+    const auto url = Url::parse("http://" + text + "/");
     return url && url->host();
 }
 

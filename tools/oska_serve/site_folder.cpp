@@ -42,7 +42,7 @@ bool isBelow(const fs::path& root, const fs::path& file) {
 
 }  // namespace
 
-platform::Result<SiteFolder, Unreadable> SiteFolder::open(const std::string& path) {
+Result<SiteFolder, Unreadable> SiteFolder::open(const std::string& path) {
     std::error_code error;
     auto root = fs::canonical(path, error);
     if (!error) fs::directory_iterator(root, error);

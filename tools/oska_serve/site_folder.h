@@ -23,7 +23,7 @@ struct SiteFile {
 /// Threads: any. Nothing is kept: each call looks at the disk anew.
 class SiteFolder {
 public:
-    [[nodiscard]] static platform::Result<SiteFolder, Unreadable> open(const std::string& path);
+    [[nodiscard]] static Result<SiteFolder, Unreadable> open(const std::string& path);
 
     /// The file at `path`, relative to the folder and with "/" between its parts. None: nothing to serve
     /// there.

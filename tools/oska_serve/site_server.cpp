@@ -43,7 +43,7 @@ std::optional<std::string> takeIdentity(SSL_CTX& context, const SiteServer::Opti
     return std::nullopt;
 }
 
-using ServerOrNot = platform::Result<std::unique_ptr<httplib::Server>, NotServing>;
+using ServerOrNot = Result<std::unique_ptr<httplib::Server>, NotServing>;
 
 ServerOrNot makeTlsServer(const SiteServer::Options& options) {
     std::optional<std::string> problem;
@@ -86,7 +86,7 @@ std::string authority(const std::string& address, int port) {
 }
 
 /// The port, or why there is none.
-platform::Result<int, NotServing> bindTo(httplib::Server& server, const std::string& address, int port) {
+Result<int, NotServing> bindTo(httplib::Server& server, const std::string& address, int port) {
     if (const auto problem = addressProblem(address)) return NotServing{address + ": " + *problem};
     errno = 0;
     const int bound = port == 0                            ? server.bind_to_any_port(address)
@@ -123,8 +123,8 @@ std::optional<std::string> useOf(const FileIdentity& file, const SiteServer::Opt
     return std::nullopt;
 }
 
-platform::Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(const SiteServer::Options& options,
-                                                                      const SiteFolder& folder) {
+Result<std::unique_ptr<UploadFile>, Unreadable> openUploads(const SiteServer::Options& options,
+                                                            const SiteFolder& folder) {
     if (!options.uploads) return std::unique_ptr<UploadFile>();
     return UploadFile::open(*options.uploads, [&](const FileIdentity& file) -> std::optional<std::string> {
         const auto use = useOf(file, options, folder);
@@ -166,7 +166,7 @@ private:
     std::thread thread_;
 };
 
-platform::Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(const Options& options) {
+Result<std::unique_ptr<SiteServer>, NotServing> SiteServer::start(const Options& options) {
     auto folder = SiteFolder::open(options.folder);
     if (!folder) return NotServing{folder.error().problem};
     auto server = makeServer(options);

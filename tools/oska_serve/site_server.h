@@ -43,8 +43,7 @@ public:
     };
 
     /// A server that accepts connections already.
-    [[nodiscard]] static platform::Result<std::unique_ptr<SiteServer>, NotServing> start(
-        const Options& options);
+    [[nodiscard]] static Result<std::unique_ptr<SiteServer>, NotServing> start(const Options& options);
     ~SiteServer();
     SiteServer(const SiteServer&) = delete;
     SiteServer& operator=(const SiteServer&) = delete;

@@ -49,7 +49,7 @@ public:
     }
 
     /// `isWhole`: whether everything was received.
-    platform::Result<std::string, Refusal> finish(bool isWhole) && {
+    Result<std::string, Refusal> finish(bool isWhole) && {
         if (!isWhole && !problem_) problem_ = Refusal{400, "the body is not whole", true};
         if (!problem_) return std::move(content_);
         problem_->isUnread = !isWhole;
@@ -86,8 +86,7 @@ private:
 
 }  // namespace
 
-platform::Result<std::string, Refusal> readBody(const Request& request, const ContentReader& read,
-                                                std::size_t limit) {
+Result<std::string, Refusal> readBody(const Request& request, const ContentReader& read, std::size_t limit) {
     LimitedBody body(takeEncoding(request), limit);
     const bool isWhole = read([&](const char* data, std::size_t size) { return body.take(data, size); });
     return std::move(body).finish(isWhole);

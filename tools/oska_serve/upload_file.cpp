@@ -36,8 +36,8 @@ void removeTarget(const std::string& path) {
 
 }  // namespace
 
-platform::Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::string& path,
-                                                                           const Objection& objection) {
+Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::string& path,
+                                                                 const Objection& objection) {
     constexpr int FLAGS = O_RDWR | O_APPEND | O_CLOEXEC;
     int file = ::open(path.c_str(), FLAGS);
     const bool isNew = file < 0 && errno == ENOENT;

@@ -22,8 +22,8 @@ public:
     using Objection = std::function<std::optional<std::string>(const FileIdentity&)>;
 
     /// `objection` is asked before anything is written, and a file that is refused is as it was.
-    [[nodiscard]] static platform::Result<std::unique_ptr<UploadFile>, Unreadable> open(
-        const std::string& path, const Objection& objection);
+    [[nodiscard]] static Result<std::unique_ptr<UploadFile>, Unreadable> open(const std::string& path,
+                                                                              const Objection& objection);
     ~UploadFile();
     UploadFile(const UploadFile&) = delete;
     UploadFile& operator=(const UploadFile&) = delete;

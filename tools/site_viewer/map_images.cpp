@@ -60,7 +60,7 @@ void MapImages::start(Job job) {
             if (isAlive.lock()) end(outcome, completion);
         });
     };
-    const auto address = oska::platform::Url::parse(addressOf(job.url));
+    const auto address = oska::Url::parse(addressOf(job.url));
     if (!address) return answer({.error = oska::platform::HttpError{.description = "this is no URL"}});
     session_->send({.url = *address}, answer);
 }

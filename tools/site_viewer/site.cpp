@@ -13,7 +13,7 @@ namespace viewer {
 namespace {
 
 namespace json = oska::json;
-using oska::platform::Result;
+using oska::Result;
 
 /// The folders that are named by a sector and hold a bundle.
 std::vector<std::int64_t> sectorsIn(const QDir& folder) {

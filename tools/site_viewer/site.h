@@ -39,7 +39,7 @@ struct Site {
 };
 
 /// Without `sectorId` the folder must have one sector only. The error names the file and the place in it.
-[[nodiscard]] oska::platform::Result<Site, std::string> loadSite(const std::string& folder,
-                                                                 std::optional<std::int64_t> sectorId);
+[[nodiscard]] oska::Result<Site, std::string> loadSite(const std::string& folder,
+                                                       std::optional<std::int64_t> sectorId);
 
 }  // namespace viewer

@@ -29,7 +29,7 @@ void fields(Visit& f, WalkLine& line) {
 
 namespace {
 
-using oska::platform::Result;
+using oska::Result;
 using std::chrono::milliseconds;
 
 constexpr milliseconds LONGEST = std::chrono::hours(24);

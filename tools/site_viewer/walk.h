@@ -28,6 +28,6 @@ struct Walk {
 /// A recording is JSON Lines: one object a line, a sample with "mobile_time" and "rfs" or an action with
 /// "mobile_time" and "action"; blank lines do not count. The error names file and line. Walks that span more
 /// than a day are refused.
-[[nodiscard]] oska::platform::Result<Walk, std::string> loadWalk(const std::string& path);
+[[nodiscard]] oska::Result<Walk, std::string> loadWalk(const std::string& path);
 
 }  // namespace viewer

@@ -26,7 +26,7 @@ using platform::HttpSessionConfiguration;
 using platform::kindOf;
 using platform::statusOf;
 
-inline HttpRequest get(const std::string& url) { return {.url = platform::Url::parse(url).value()}; }
+inline HttpRequest get(const std::string& url) { return {.url = Url::parse(url).value()}; }
 
 inline HttpRequest post(const std::string& url, std::string body) {
     auto request = get(url);

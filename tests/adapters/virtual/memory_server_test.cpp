@@ -11,7 +11,6 @@ using platform::ChallengeDisposition;
 using platform::HttpErrorKind;
 using platform::HttpOutcome;
 using platform::HttpRequest;
-using platform::Url;
 using namespace std::chrono_literals;
 
 constexpr platform::WallTime START{1'700'000'000'000, 0};

@@ -34,7 +34,7 @@ TEST(VirtualPlatform, EndsEveryRequestAndJobWithItsWorld) {
         installed = world.platform();
         session = installed.http->makeSession({}, nullptr);
         platform::HttpRequest request;
-        request.url = platform::Url::parse("http://host/").value();
+        request.url = Url::parse("http://host/").value();
         session->send(request, [&](platform::HttpOutcome outcome) { error = outcome.error.value().kind; });
         installed.mainQueue->async([job = std::move(job)] {});
     }

@@ -162,9 +162,9 @@ protected:
         QTest::mouseClick(window_->windowHandle(), Qt::LeftButton, {}, at);
     }
 
-    const oska::platform::Result<Site, std::string> site_ = loadSite(RIVERSIDE, std::nullopt);
-    const oska::platform::Result<Walk, std::string> walk_ = loadWalk(VISIT);
-    const oska::platform::Result<std::unique_ptr<oska::tool::SiteServer>, oska::tool::NotServing> server_ =
+    const oska::Result<Site, std::string> site_ = loadSite(RIVERSIDE, std::nullopt);
+    const oska::Result<Walk, std::string> walk_ = loadWalk(VISIT);
+    const oska::Result<std::unique_ptr<oska::tool::SiteServer>, oska::tool::NotServing> server_ =
         oska::tool::SiteServer::start({.folder = RIVERSIDE, .reportsAnswers = false});
     World world_;
     Player player_{*walk_, world_.time(), world_.source()};

@@ -41,7 +41,7 @@ int openInput(const std::string& path) {
     return file;
 }
 
-platform::Result<std::string, Unreadable> readInput(const std::string& path) {
+Result<std::string, Unreadable> readInput(const std::string& path) {
     const Input input(path);
     if (input.file() < 0) return unreadable(path);
     std::string text;

@@ -18,7 +18,7 @@ struct Unreadable {
 [[nodiscard]] int openInput(const std::string& path);
 
 /// The whole of a file; "-" is standard input.
-[[nodiscard]] platform::Result<std::string, Unreadable> readInput(const std::string& path);
+[[nodiscard]] Result<std::string, Unreadable> readInput(const std::string& path);
 
 /// Names the problem on standard error, unless there is none. Answers with how the program ends of it.
 ExitStatus complainOf(const Unreadable& unreadable);

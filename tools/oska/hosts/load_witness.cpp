@@ -91,7 +91,7 @@ std::optional<std::string> faultOfBaseUrl() {
         return "the base URL " + inQuotes(base) + " has no scheme; " + inQuotes("http://" + base) +
                " may be meant";
     }
-    if (!platform::Url::parse(base)) return "the base URL " + inQuotes(base) + " is no URL";
+    if (!Url::parse(base)) return "the base URL " + inQuotes(base) + " is no URL";
     return std::nullopt;
 }
 

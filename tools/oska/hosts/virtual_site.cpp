@@ -18,7 +18,7 @@ std::string descriptor() {
 }
 
 // Behind scheme and authority, which a recording endpoint always has.
-std::string pathOf(const platform::Url& url) {
+std::string pathOf(const Url& url) {
     const auto& text = url.absoluteString();
     return text.substr(text.find('/', text.find("//") + 2));
 }
@@ -34,7 +34,7 @@ VirtualSite::VirtualSite(std::string bundle, platform::WallTime start) : world_(
 }
 
 void VirtualSite::onUpload(std::function<void(const std::vector<platform::ReceivedForce>&)> receive) {
-    const auto recordings = platform::Url::parse(platform::TovanNetworkConstants::getRecRfdURL());
+    const auto recordings = Url::parse(platform::TovanNetworkConstants::getRecRfdURL());
     world_.server().onPath(pathOf(*recordings),
                            [receive = std::move(receive)](const platform::HttpRequest& request) {
                                using Batch = std::vector<platform::ReceivedForce>;

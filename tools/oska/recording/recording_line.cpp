@@ -13,7 +13,7 @@ namespace json = json;
 namespace {
 
 using Strengths = platform::ReceivedForce::Strengths;
-using Parsed = platform::Result<RecordedLine, std::string>;
+using Parsed = Result<RecordedLine, std::string>;
 
 struct Line {
     std::int64_t mobileTime = 0;

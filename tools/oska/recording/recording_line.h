@@ -40,7 +40,6 @@ struct RecordedLine {
 /// What the line says to a host of `service`, or why it says nothing: `"mobile_time" is not an integer`. A
 /// line is one JSON object, a sample (with `rfs`) or an action (with `action`), never both; keys that it does
 /// not need are ignored.
-[[nodiscard]] platform::Result<RecordedLine, std::string> parseRecordedLine(std::string_view line,
-                                                                            OskaService service);
+[[nodiscard]] Result<RecordedLine, std::string> parseRecordedLine(std::string_view line, OskaService service);
 
 }  // namespace oska::tool

@@ -50,7 +50,7 @@ void fields(Visit& f, Route& route) {
 }
 
 // Like any record, except that keys which it does not know are kept in mind.
-template <platform::Record Value>
+template <Record Value>
 requires requires(Value& record) { record.unknown_keys; }
 bool read(json::Reader& reader, Value& record) {
     const auto offset = reader.offset();
@@ -158,7 +158,7 @@ private:
 
 }  // namespace
 
-platform::Result<Route, std::string> parseRoute(const std::string& file, std::string_view document) {
+Result<Route, std::string> parseRoute(const std::string& file, std::string_view document) {
     auto route = json::decode<Route>(document);
     if (!route) return faultLine(file, route.error());
     if (const auto fault = Inspection().inspect(*route)) return file + ": " + *fault;

@@ -59,7 +59,6 @@ struct Route {
 
 /// The route that `document` holds, every number of it in its range, or why there is none, `file` and place
 /// in front.
-[[nodiscard]] platform::Result<Route, std::string> parseRoute(const std::string& file,
-                                                              std::string_view document);
+[[nodiscard]] Result<Route, std::string> parseRoute(const std::string& file, std::string_view document);
 
 }  // namespace oska::tool

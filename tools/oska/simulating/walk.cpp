@@ -40,8 +40,8 @@ double distance(const Point3& a, const Point3& b) {
 }
 
 /// The level of each waypoint, or what is the matter with it.
-platform::Result<std::size_t, std::string> levelOf(const Waypoint& waypoint, const Site& site,
-                                                   std::optional<std::size_t> before) {
+Result<std::size_t, std::string> levelOf(const Waypoint& waypoint, const Site& site,
+                                         std::optional<std::size_t> before) {
     if (!waypoint.level_id) {
         if (waypoint.building_id) return std::string(R"(: has "building_id" without "level_id")");
         if (before) return *before;
@@ -153,8 +153,7 @@ private:
     bool isTooLong_ = false;
 };
 
-platform::Result<Walk, std::string> Walk::plan(const Route& route, const Site& site,
-                                               const GroundPlan& ground) {
+Result<Walk, std::string> Walk::plan(const Route& route, const Site& site, const GroundPlan& ground) {
     if (const auto fault = faultOfPlaces(route, site)) return *fault;
     Planner planner(route, site, ground);
     for (std::size_t i = 0; i < route.waypoints.size(); ++i) {

@@ -104,7 +104,7 @@ private:
     void checkLinks(const std::string& path, const DapoLevelWard& ward) {
         for (std::size_t i = 0; i < ward.contents.size(); ++i) {
             const auto& url = ward.contents[i].url;
-            if (platform::Url::parse(url)) continue;
+            if (Url::parse(url)) continue;
             add(element(path, "contents", i) + ".url", "link-dropped",
                 inQuotes(url) + " is no URL; the link is dropped");
         }

@@ -7,7 +7,7 @@
 namespace oska::tool {
 namespace {
 
-using Parsed = platform::Result<Site, std::string>;
+using Parsed = Result<Site, std::string>;
 
 template <class Ward>
 Site flattened(const Bundle<Ward>& bundle) {

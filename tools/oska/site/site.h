@@ -39,7 +39,7 @@ struct Site {
 };
 
 /// The site that `document` describes, a bundle of `kind`, or why it is none, `file` and line in front.
-[[nodiscard]] platform::Result<Site, std::string> parseSite(const std::string& file,
-                                                            std::string_view document, OskaService kind);
+[[nodiscard]] Result<Site, std::string> parseSite(const std::string& file, std::string_view document,
+                                                  OskaService kind);
 
 }  // namespace oska::tool
