@@ -9,7 +9,7 @@
 namespace oska::qt {
 namespace {
 
-using platform::View;
+using views::View;
 
 /// Where the views over a host's widget are put. The host itself decides how its widget looks.
 class HostPeer final : public WidgetPeer {

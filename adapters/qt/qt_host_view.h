@@ -30,6 +30,6 @@ namespace oska::qt {
 /// Threads: the application's. Lifetime: the widget owns its view. When the widget is destroyed, the views
 /// over it lose their place on the screen, and may be moved to another widget's view; views that nobody else
 /// holds are destroyed with it. Needs an installed platform whose views are shown as widgets (QtPlatform).
-[[nodiscard]] std::shared_ptr<platform::View> viewOf(QWidget& widget);
+[[nodiscard]] std::shared_ptr<views::View> viewOf(QWidget& widget);
 
 }  // namespace oska::qt

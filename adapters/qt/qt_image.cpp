@@ -6,7 +6,7 @@
 namespace oska::qt {
 namespace {
 
-using Key = std::weak_ptr<const platform::Image>;
+using Key = std::weak_ptr<const views::Image>;
 
 QImage decode(const std::string& bytes) {
     auto image = QImage::fromData(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
@@ -17,7 +17,7 @@ QImage decode(const std::string& bytes) {
 
 }  // namespace
 
-QImage decoded(const std::shared_ptr<const platform::Image>& image) {
+QImage decoded(const std::shared_ptr<const views::Image>& image) {
     static std::map<Key, QImage, std::owner_less<Key>> images;
     if (!image) return {};
     if (const auto known = images.find(image); known != images.end()) return known->second;

@@ -9,8 +9,8 @@
 namespace oska::qt {
 namespace {
 
-using platform::View;
 using platform::ViewChange;
+using views::View;
 
 QWidget* widgetOf(const View* view) {
     const auto* peer = view ? dynamic_cast<WidgetPeer*>(view->peer()) : nullptr;
@@ -18,7 +18,7 @@ QWidget* widgetOf(const View* view) {
 }
 
 /// To whole points edge by edge, so that views which share an edge do so on the screen, too.
-QRect toWholePoints(const platform::Rect& rect) {
+QRect toWholePoints(const views::Rect& rect) {
     const QPoint topLeft(qRound(rect.x), qRound(rect.y));
     const QPoint end(qRound(rect.x + rect.width), qRound(rect.y + rect.height));
     return {topLeft, QSize(end.x() - topLeft.x(), end.y() - topLeft.y())};

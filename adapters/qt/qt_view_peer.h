@@ -17,9 +17,9 @@ public:
 };
 
 /// The platform's `makeViewPeer`: the view is shown by a child of the widget that shows its superview.
-[[nodiscard]] std::unique_ptr<platform::ViewPeer> makeViewPeer(platform::View& view);
+[[nodiscard]] std::unique_ptr<platform::ViewPeer> makeViewPeer(views::View& view);
 
 /// Puts the widgets of `view`'s subviews above whatever else lies over its widget, in the views' own order.
-void raiseSubviews(const platform::View& view);
+void raiseSubviews(const views::View& view);
 
 }  // namespace oska::qt

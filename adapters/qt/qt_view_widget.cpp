@@ -9,7 +9,7 @@
 namespace oska::qt {
 namespace {
 
-using platform::View;
+using views::View;
 
 /// Of the view itself and of all around it.
 double effectiveAlpha(const View& view) {
@@ -19,8 +19,8 @@ double effectiveAlpha(const View& view) {
 
 QRectF aspectFit(QSize content, QSize box) {
     const auto rect =
-        platform::aspectFit({static_cast<double>(content.width()), static_cast<double>(content.height())},
-                            {static_cast<double>(box.width()), static_cast<double>(box.height())});
+        views::aspectFit({static_cast<double>(content.width()), static_cast<double>(content.height())},
+                         {static_cast<double>(box.width()), static_cast<double>(box.height())});
     return {rect.x, rect.y, rect.width, rect.height};
 }
 

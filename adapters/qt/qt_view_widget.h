@@ -17,7 +17,7 @@ namespace oska::qt {
 /// Threads: the application's. Lifetime: owned by its parent widget, as the peer's until `discard`.
 class ViewWidget final : public QWidget {
 public:
-    ViewWidget(std::weak_ptr<platform::View> view, QWidget& parent);
+    ViewWidget(std::weak_ptr<views::View> view, QWidget& parent);
 
     /// Takes the widget away, also in the middle of its own tap.
     static void discard(ViewWidget* widget);
@@ -41,7 +41,7 @@ private:
     void touch(const QTouchEvent& event);
     void tap();
 
-    const std::weak_ptr<platform::View> view_;
+    const std::weak_ptr<views::View> view_;
     QRect frame_;
     QImage image_;
     TapTracker tracker_;

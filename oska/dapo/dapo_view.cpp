@@ -61,12 +61,12 @@ DapoView::DapoView()
       detection_(std::make_unique<DapoDetection>()),
       presenter_(std::make_unique<Presenter>(*this)),
       output_(std::make_unique<DapoOutput>(*presenter_)),
-      dapoImageView_(platform::ImageView::create()) {
+      dapoImageView_(views::ImageView::create()) {
     setHidden(true);
 }
 
 void DapoView::connect() {
-    tapRecognizer_ = std::make_shared<platform::TapGestureRecognizer>([weak = weakSelf()] {
+    tapRecognizer_ = std::make_shared<views::TapGestureRecognizer>([weak = weakSelf()] {
         if (const auto self = weak.lock()) self->handleTapDapo();
     });
     foregroundObservation_ = platform::NotificationCenter::shared().addObserver(

@@ -41,7 +41,7 @@ class GeneratorRun;
 /// Shared by all views of the process: the batch that is being collected for upload, and the server that it
 /// goes to. A batch holds the samples of every view that runs; a start forgets what any of them has
 /// collected, a stop uploads it; and the base URL that was given last counts.
-class DapoView final : public platform::View, public platform::RFDGeneratorDelegate {
+class DapoView final : public views::View, public platform::RFDGeneratorDelegate {
 public:
     struct Initialization {
         std::string id;  ///< ASCII letters, digits, underscores and hyphens
@@ -53,8 +53,8 @@ public:
     };
 
     struct Placement {
-        std::shared_ptr<platform::View> to;                ///< the view to cover; not one inside this view
-        std::shared_ptr<const platform::Image> dapoImage;  ///< null: the built-in one
+        std::shared_ptr<views::View> to;                ///< the view to cover; not one inside this view
+        std::shared_ptr<const views::Image> dapoImage;  ///< null: the built-in one
     };
 
     /// A view that is hidden, placed nowhere, and knows no site.
@@ -152,7 +152,7 @@ private:
     // Placement.
     void place(const Placement& placement);
     void pinEdges();
-    void setupAssets(std::shared_ptr<const platform::Image> image);
+    void setupAssets(std::shared_ptr<const views::Image> image);
 
     const std::shared_ptr<platform::MainQueue> mainQueue_;
     const std::shared_ptr<platform::WallClock> clock_;
@@ -175,10 +175,10 @@ private:
     std::unique_ptr<platform::ScheduledWork> holdReleaseWorkItem_;
 
     // On the screen.
-    std::array<std::shared_ptr<platform::LayoutConstraint>, 4> edgeConstraints_;
-    std::shared_ptr<const platform::Image> dapoImage_;
-    const std::shared_ptr<platform::ImageView> dapoImageView_;
-    std::shared_ptr<platform::TapGestureRecognizer> tapRecognizer_;
+    std::array<std::shared_ptr<views::LayoutConstraint>, 4> edgeConstraints_;
+    std::shared_ptr<const views::Image> dapoImage_;
+    const std::shared_ptr<views::ImageView> dapoImageView_;
+    std::shared_ptr<views::TapGestureRecognizer> tapRecognizer_;
     std::unique_ptr<platform::Observation> foregroundObservation_;
 };
 

@@ -6,7 +6,7 @@
 namespace oska {
 namespace {
 
-using platform::LayoutConstraint;
+using views::LayoutConstraint;
 using enum LayoutConstraint::Edge;
 
 constexpr Log LOG{"DapoView"};
@@ -46,8 +46,8 @@ void DapoView::pinEdges() {
     }
 }
 
-void DapoView::setupAssets(std::shared_ptr<const platform::Image> image) {
-    dapoImage_ = image ? std::move(image) : platform::imageNamed("ic_dapo");
+void DapoView::setupAssets(std::shared_ptr<const views::Image> image) {
+    dapoImage_ = image ? std::move(image) : views::imageNamed("ic_dapo");
     if (!dapoImage_) return LOG.error("setupAssets", "failed because dapo image is nil");
     if (dapoImageView_->superview().get() != this) {
         addSubview(dapoImageView_);

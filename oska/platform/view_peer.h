@@ -3,9 +3,11 @@
 #include <functional>
 #include <memory>
 
-namespace oska::platform {
-
+namespace oska::views {
 class View;
+}
+
+namespace oska::platform {
 
 /// What of a view has changed, to be read from the view.
 enum class ViewChange { frame, hidden, alpha, clipping, interaction, hierarchy, image };
@@ -20,10 +22,10 @@ class ViewPeer {
 public:
     virtual ~ViewPeer() = default;
     /// Also called once for each kind of change when the view is given the peer. Must not change the tree.
-    virtual void changed(const View& view, ViewChange what) = 0;
+    virtual void changed(const views::View& view, ViewChange what) = 0;
 };
 
 /// Makes the peer of a view that has come under one which has a peer; null to leave it without.
-using ViewPeerFactory = std::function<std::unique_ptr<ViewPeer>(View&)>;
+using ViewPeerFactory = std::function<std::unique_ptr<ViewPeer>(views::View&)>;
 
 }  // namespace oska::platform

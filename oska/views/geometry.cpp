@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <charconv>
 
-namespace oska::platform {
+namespace oska::views {
 namespace {
 
 void appendNumber(std::string& text, double number) {
@@ -36,4 +36,4 @@ std::string describe(const Rect& rect) {
     return text += ')';
 }
 
-}  // namespace oska::platform
+}  // namespace oska::views

@@ -3,7 +3,7 @@
 #include <string>
 
 /// Lengths and places on a screen, in points; y grows downwards.
-namespace oska::platform {
+namespace oska::views {
 
 struct ViewPoint {
     double x = 0;
@@ -39,4 +39,4 @@ struct Rect {
 /// "(0, 0, 390, 844)": x, y, width, height.
 [[nodiscard]] std::string describe(const Rect& rect);
 
-}  // namespace oska::platform
+}  // namespace oska::views

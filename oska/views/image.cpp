@@ -4,7 +4,7 @@
 
 #include "oska/views/image_assets.h"
 
-namespace oska::platform {
+namespace oska::views {
 namespace {
 
 // ISO/IEC 15948, 5.2 and 11.2.2: the signature, then the header chunk with width and height first.
@@ -36,4 +36,4 @@ std::shared_ptr<const Image> imageNamed(std::string_view name) {
     return *icDapo;
 }
 
-}  // namespace oska::platform
+}  // namespace oska::views

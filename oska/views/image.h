@@ -7,7 +7,7 @@
 
 #include "oska/views/geometry.h"
 
-namespace oska::platform {
+namespace oska::views {
 
 /// An image as a file holds it, so that each toolkit decodes it by its own means. A value that nobody
 /// changes.
@@ -23,4 +23,4 @@ struct Image {
 /// other name. Threads: any.
 [[nodiscard]] std::shared_ptr<const Image> imageNamed(std::string_view name);
 
-}  // namespace oska::platform
+}  // namespace oska::views

@@ -3,8 +3,8 @@
 #include <string_view>
 
 /// The files of assets/ that are compiled into the kit; oska/CMakeLists.txt makes the arrays.
-namespace oska::platform::assets {
+namespace oska::views::assets {
 
 [[nodiscard]] std::string_view icDapoPng();
 
-}  // namespace oska::platform::assets
+}  // namespace oska::views::assets

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-namespace oska::platform {
+namespace oska::views {
 
 std::shared_ptr<ImageView> ImageView::create() { return std::shared_ptr<ImageView>(new ImageView); }
 
@@ -10,9 +10,9 @@ ImageView::ImageView() : View({}) { setUserInteractionEnabled(false); }
 
 void ImageView::setImage(std::shared_ptr<const Image> image) {
     image_ = std::move(image);
-    tellPeer(ViewChange::image);
+    tellPeer(platform::ViewChange::image);
 }
 
 Rect ImageView::imageFrame() const { return aspectFit(image_ ? image_->size : Size{}, bounds().size()); }
 
-}  // namespace oska::platform
+}  // namespace oska::views

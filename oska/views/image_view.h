@@ -5,7 +5,7 @@
 #include "oska/views/image.h"
 #include "oska/views/view.h"
 
-namespace oska::platform {
+namespace oska::views {
 
 /// Shows an image as large as its proportions allow, in the middle of the view. Closed to interaction from
 /// the start.
@@ -26,4 +26,4 @@ private:
     std::shared_ptr<const Image> image_;
 };
 
-}  // namespace oska::platform
+}  // namespace oska::views

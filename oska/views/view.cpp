@@ -5,7 +5,7 @@
 
 #include "oska/platform/platform.h"
 
-namespace oska::platform {
+namespace oska::views {
 namespace {
 
 using Edge = LayoutConstraint::Edge;
@@ -39,7 +39,7 @@ View::~View() {
     }
 }
 
-void View::tellPeer(ViewChange what) const {
+void View::tellPeer(platform::ViewChange what) const {
     if (peer_) peer_->changed(*this, what);
 }
 
@@ -48,7 +48,7 @@ void View::tellPeer(ViewChange what) const {
 // By value: the argument may be an element of the list that this changes.
 void View::addSubview(std::shared_ptr<View> view) {  // NOLINT(performance-unnecessary-value-param)
     if (!view || isAtOrBelow(*view))
-        programmingError("View::addSubview was given null, the view itself or one around it");
+        platform::programmingError("View::addSubview was given null, the view itself or one around it");
     if (view->superview().get() == this) {
         const auto at = std::find(subviews_.begin(), subviews_.end(), view);
         std::rotate(at, at + 1, subviews_.end());
@@ -59,7 +59,7 @@ void View::addSubview(std::shared_ptr<View> view) {  // NOLINT(performance-unnec
         setNeedsLayout();
     }
     if (peer_) view->makePeers();
-    view->tellPeer(ViewChange::hierarchy);
+    view->tellPeer(platform::ViewChange::hierarchy);
 }
 
 void View::removeFromSuperview() {
@@ -69,7 +69,7 @@ void View::removeFromSuperview() {
     std::erase(above->subviews_, self);
     superview_.reset();
     endPins();
-    tellPeer(ViewChange::hierarchy);
+    tellPeer(platform::ViewChange::hierarchy);
 }
 
 bool View::isAtOrBelow(const View& other) const {
@@ -84,7 +84,7 @@ void View::setFrame(const Rect& frame) {
     if (frame == frame_) return;
     const bool isResized = frame.size() != frame_.size();
     frame_ = frame;
-    tellPeer(ViewChange::frame);
+    tellPeer(platform::ViewChange::frame);
     if (!isResized) return;
     setNeedsLayout();
     layoutIfNeeded();
@@ -124,7 +124,8 @@ void LayoutConstraint::setActive(bool isActive) {
     const auto view = view_.lock();
     if (!view || isActive == isActive_) return;
     const auto above = view->superview();
-    if (!above) programmingError("LayoutConstraint::setActive was called on a view without a superview");
+    if (!above)
+        platform::programmingError("LayoutConstraint::setActive was called on a view without a superview");
     const auto self = shared_from_this();
     isActive_ = isActive;
     if (isActive) {
@@ -138,20 +139,22 @@ void LayoutConstraint::setActive(bool isActive) {
 // ---- look
 
 void View::setHidden(bool isHidden) {
-    if (std::exchange(isHidden_, isHidden) != isHidden) tellPeer(ViewChange::hidden);
+    if (std::exchange(isHidden_, isHidden) != isHidden) tellPeer(platform::ViewChange::hidden);
 }
 
 void View::setAlpha(double alpha) {
     const double inRange = std::clamp(alpha, 0.0, 1.0);
-    if (std::exchange(alpha_, inRange) != inRange) tellPeer(ViewChange::alpha);
+    if (std::exchange(alpha_, inRange) != inRange) tellPeer(platform::ViewChange::alpha);
 }
 
 void View::setClipsToBounds(bool clipsToBounds) {
-    if (std::exchange(clipsToBounds_, clipsToBounds) != clipsToBounds) tellPeer(ViewChange::clipping);
+    if (std::exchange(clipsToBounds_, clipsToBounds) != clipsToBounds)
+        tellPeer(platform::ViewChange::clipping);
 }
 
 void View::setUserInteractionEnabled(bool isEnabled) {
-    if (std::exchange(isUserInteractionEnabled_, isEnabled) != isEnabled) tellPeer(ViewChange::interaction);
+    if (std::exchange(isUserInteractionEnabled_, isEnabled) != isEnabled)
+        tellPeer(platform::ViewChange::interaction);
 }
 
 // ---- taps
@@ -191,8 +194,8 @@ bool View::handleTap() {
 
 // ---- peers
 
-void View::setPeer(std::unique_ptr<ViewPeer> peer) {
-    using enum ViewChange;
+void View::setPeer(std::unique_ptr<platform::ViewPeer> peer) {
+    using enum platform::ViewChange;
     peer_ = std::move(peer);
     if (!peer_) return;
     for (const auto what : {hierarchy, frame, hidden, alpha, clipping, interaction, image}) tellPeer(what);
@@ -200,9 +203,9 @@ void View::setPeer(std::unique_ptr<ViewPeer> peer) {
 }
 
 void View::makePeers() {
-    const auto& make = current().makeViewPeer;
+    const auto& make = platform::current().makeViewPeer;
     if (peer_ || !make) return;
     setPeer(make(*this));
 }
 
-}  // namespace oska::platform
+}  // namespace oska::views

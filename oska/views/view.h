@@ -8,7 +8,7 @@
 #include "oska/views/geometry.h"
 #include "oska/views/image.h"
 
-namespace oska::platform {
+namespace oska::views {
 
 class LayoutConstraint;
 
@@ -88,12 +88,12 @@ public:
 
     /// How a toolkit comes to show a tree: it gives the top view a peer, and views below get theirs from the
     /// installed platform, now and when they are added.
-    void setPeer(std::unique_ptr<ViewPeer> peer);
-    [[nodiscard]] ViewPeer* peer() const { return peer_.get(); }
+    void setPeer(std::unique_ptr<platform::ViewPeer> peer);
+    [[nodiscard]] platform::ViewPeer* peer() const { return peer_.get(); }
 
 protected:
     explicit View(const Rect& frame);
-    void tellPeer(ViewChange what) const;
+    void tellPeer(platform::ViewChange what) const;
 
 private:
     friend class LayoutConstraint;
@@ -112,7 +112,7 @@ private:
     bool clipsToBounds_ = false;
     bool isUserInteractionEnabled_ = true;
     bool needsLayout_ = false;
-    std::unique_ptr<ViewPeer> peer_;  // last: destroyed first
+    std::unique_ptr<platform::ViewPeer> peer_;  // last: destroyed first
 };
 
 /// Keeps one edge of a view on the same edge of its superview while it is active; leading is left. An edge
@@ -139,4 +139,4 @@ private:
     bool isActive_ = false;
 };
 
-}  // namespace oska::platform
+}  // namespace oska::views

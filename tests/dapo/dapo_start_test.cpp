@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 class ShowListener : public platform::ViewPeer {
 public:
     explicit ShowListener(std::function<void()> action) : action_(std::move(action)) {}
-    void changed(const platform::View& view, platform::ViewChange what) override {
+    void changed(const views::View& view, platform::ViewChange what) override {
         if (what == platform::ViewChange::hidden && !view.isHidden()) action_();
     }
 

@@ -117,7 +117,7 @@ protected:
     fakes::SiteServer site_{world_.server()};
     fakes::OutputCapture output_;
     std::shared_ptr<DapoHost> host_ = std::make_shared<DapoHost>();
-    std::shared_ptr<platform::View> hostView_ = platform::View::create({0, 0, 390, 844});
+    std::shared_ptr<views::View> hostView_ = views::View::create({0, 0, 390, 844});
     std::shared_ptr<DapoView> view_;
 };
 

@@ -34,8 +34,8 @@ protected:
     }
 
     /// Something that only the view keeps.
-    std::weak_ptr<const platform::Image> keptByView() {
-        const auto image = std::make_shared<const platform::Image>();
+    std::weak_ptr<const views::Image> keptByView() {
+        const auto image = std::make_shared<const views::Image>();
         view_->configureFrame({.to = hostView_, .dapoImage = image});
         view_->removeFromSuperview();
         return image;

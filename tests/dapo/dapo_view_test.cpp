@@ -30,28 +30,28 @@ TEST_F(DapoViewTest, CoversTheHostsViewAndFollowsItsSize) {
                 "[INFO]  [DapoView] (setupAssets) : success",
                 "[INFO]  [DapoView] (configureFrame) : success // id = nil, frame = (0, 0, 390, 844)"}));
     EXPECT_EQ(view_->superview(), hostView_);
-    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 390, 844}));
+    EXPECT_EQ(view_->frame(), (views::Rect{0, 0, 390, 844}));
     ASSERT_EQ(view_->subviews().size(), 1u);
     const auto imageView = view_->subviews()[0];
-    EXPECT_EQ(imageView->image(), platform::imageNamed("ic_dapo"));
+    EXPECT_EQ(imageView->image(), views::imageNamed("ic_dapo"));
     EXPECT_EQ(imageView->alpha(), 0.65);
     hostView_->setFrame({0, 0, 844, 390});
-    EXPECT_EQ(imageView->frame(), (platform::Rect{0, 0, 844, 390}));
+    EXPECT_EQ(imageView->frame(), (views::Rect{0, 0, 844, 390}));
 }
 
 TEST_F(DapoViewTest, MovesToAnotherHostWithOneImageAndOneRecogniser) {
-    const auto image = std::make_shared<const platform::Image>(platform::Image{"bytes", {10, 20}});
-    const auto other = platform::View::create({0, 0, 100, 100});
+    const auto image = std::make_shared<const views::Image>(views::Image{"bytes", {10, 20}});
+    const auto other = views::View::create({0, 0, 100, 100});
     makeRunning();
     view_->configureFrame({.to = hostView_, .dapoImage = image});
     view_->configureFrame({.to = other, .dapoImage = image});
     EXPECT_TRUE(hostView_->subviews().empty());
-    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 100, 100}));
+    EXPECT_EQ(view_->frame(), (views::Rect{0, 0, 100, 100}));
     ASSERT_EQ(view_->subviews().size(), 1u);
     EXPECT_EQ(view_->subviews()[0]->image(), image);
     EXPECT_EQ(view_->subviews()[0]->frame(), view_->bounds());
     hostView_->setFrame({});
-    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 100, 100}));
+    EXPECT_EQ(view_->frame(), (views::Rect{0, 0, 100, 100}));
 
     detect();
     EXPECT_TRUE(other->tapAt({50, 50}));

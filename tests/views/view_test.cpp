@@ -7,7 +7,7 @@
 #include "adapters/virtual/virtual_platform.h"
 #include "oska/views/image_view.h"
 
-namespace oska::platform {
+namespace oska::views {
 namespace {
 
 using Edge = LayoutConstraint::Edge;
@@ -174,16 +174,16 @@ TEST(ViewTaps, AnActionMayRemoveItsView) {
 /// Writes down what each view tells its peer.
 class Screen {
 public:
-    std::unique_ptr<ViewPeer> peer(std::string name) {
+    std::unique_ptr<platform::ViewPeer> peer(std::string name) {
         return std::make_unique<Peer>(*this, std::move(name));
     }
     std::string take() { return std::exchange(said_, ""); }
 
 private:
-    struct Peer : ViewPeer {
+    struct Peer : platform::ViewPeer {
         Peer(Screen& onScreen, std::string ofName) : screen(onScreen), name(std::move(ofName)) {}
         ~Peer() override { screen.said_ += name + "-gone "; }
-        void changed(const View& view, ViewChange what) override {
+        void changed(const View& view, platform::ViewChange what) override {
             static constexpr const char* NAMES[]{"frame",       "hidden", "alpha", "clipping",
                                                  "interaction", "tree",   "image"};
             screen.said_ += name + "-" + NAMES[static_cast<int>(what)] + " ";
@@ -201,7 +201,7 @@ TEST(ViewPeers, AreMadeForWhatComesUnderAViewThatIsShown) {
     virtual_world::VirtualPlatform world{{0, 0}};
     auto platform = world.platform();
     platform.makeViewPeer = [&](View&) { return screen.peer("made"); };
-    install(std::move(platform));
+    platform::install(std::move(platform));
 
     const auto child = View::create();
     const auto grandchild = viewIn(child, {});
@@ -265,4 +265,4 @@ TEST(View, PinsEndWithTheSuperview) {
 }
 
 }  // namespace
-}  // namespace oska::platform
+}  // namespace oska::views

@@ -192,8 +192,7 @@ QRectF extentOf(const Level& level, const QImage& image) {
 }
 
 QRectF frameOf(const QRectF& extent, QSizeF size) {
-    const auto fit =
-        oska::platform::aspectFit({extent.width(), extent.height()}, {size.width(), size.height()});
+    const auto fit = oska::views::aspectFit({extent.width(), extent.height()}, {size.width(), size.height()});
     return {fit.x, fit.y, fit.width, fit.height};
 }
 

@@ -55,14 +55,14 @@ QImage drawn(QSizeF size) {
 
 }  // namespace
 
-std::shared_ptr<const oska::platform::Image> overlayImage(QSizeF map) {
+std::shared_ptr<const oska::views::Image> overlayImage(QSizeF map) {
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
     // At least one pixel, however long and thin the map is.
     drawn(map.scaled(LONG_SIDE, LONG_SIDE, Qt::KeepAspectRatio).expandedTo({1, 1})).save(&buffer, "PNG");
-    auto image = oska::platform::pngImage(png.toStdString());
-    return image ? std::make_shared<const oska::platform::Image>(*std::move(image)) : nullptr;
+    auto image = oska::views::pngImage(png.toStdString());
+    return image ? std::make_shared<const oska::views::Image>(*std::move(image)) : nullptr;
 }
 
 }  // namespace viewer

@@ -9,6 +9,6 @@ namespace viewer {
 
 /// What the Dapo view shows over a map of those proportions: a frame and a badge, so that the map stays to
 /// be seen. A host may show any image; without one there is the kit's own.
-[[nodiscard]] std::shared_ptr<const oska::platform::Image> overlayImage(QSizeF map);
+[[nodiscard]] std::shared_ptr<const oska::views::Image> overlayImage(QSizeF map);
 
 }  // namespace viewer

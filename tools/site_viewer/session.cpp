@@ -43,7 +43,7 @@ void Session::beReadyOnce() {
     callbacks_.onReady();
 }
 
-void Session::placeOverlay(const std::shared_ptr<oska::platform::View>& host, std::size_t level) {
+void Session::placeOverlay(const std::shared_ptr<oska::views::View>& host, std::size_t level) {
     host_->placeOverlay(host, overlayImage(extentOf(site_.levels[level], images_[level]).size()));
 }
 

@@ -36,7 +36,7 @@ public:
     ~Session() override;
 
     /// Lays the Dapo view over the widget that shows `level`.
-    void placeOverlay(const std::shared_ptr<oska::platform::View>& host, std::size_t level);
+    void placeOverlay(const std::shared_ptr<oska::views::View>& host, std::size_t level);
 
     [[nodiscard]] LevelPicture picture(std::size_t level) const;
     /// Where the phone is, as an index into the site's levels.

@@ -42,8 +42,8 @@ std::shared_ptr<SiteHost> SiteHost::create(std::int64_t sectorId, const std::str
     return host;
 }
 
-void SiteHost::placeOverlay(std::shared_ptr<oska::platform::View> host,
-                            std::shared_ptr<const oska::platform::Image> image) {
+void SiteHost::placeOverlay(std::shared_ptr<oska::views::View> host,
+                            std::shared_ptr<const oska::views::Image> image) {
     dapo_->configureFrame({.to = std::move(host), .dapoImage = std::move(image)});
 }
 

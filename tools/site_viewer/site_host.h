@@ -36,8 +36,8 @@ public:
                                                           Callbacks callbacks);
 
     /// Lays the Dapo view over `host`.
-    void placeOverlay(std::shared_ptr<oska::platform::View> host,
-                      std::shared_ptr<const oska::platform::Image> image);
+    void placeOverlay(std::shared_ptr<oska::views::View> host,
+                      std::shared_ptr<const oska::views::Image> image);
 
     /// Stops both services, forgets what they said, and starts those that were initialised.
     void restart();

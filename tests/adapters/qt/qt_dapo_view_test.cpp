@@ -13,12 +13,12 @@
 namespace oska::qt {
 namespace {
 
-std::shared_ptr<const platform::Image> redImage(int width, int height) {
+std::shared_ptr<const views::Image> redImage(int width, int height) {
     QImage image(width, height, QImage::Format_RGB32);
     image.fill(Qt::red);
     QBuffer file;
     image.save(&file, "PNG");
-    return std::make_shared<platform::Image>(*platform::pngImage(file.data().toStdString()));
+    return std::make_shared<views::Image>(*views::pngImage(file.data().toStdString()));
 }
 
 bool isNear(QColor colour, QColor expected) {
@@ -136,7 +136,7 @@ TEST_F(QtDapoView, CoversTheWidgetWhateverItsSizeAndItsChildren) {
     ASSERT_TRUE(over);
     EXPECT_NE(over, later);
     EXPECT_EQ(over->geometry(), widget_.rect());
-    EXPECT_EQ(view_->frame(), (platform::Rect{0, 0, 301, 93}));
+    EXPECT_EQ(view_->frame(), (views::Rect{0, 0, 301, 93}));
     widget_.setStyleSheet("QWidget QWidget { max-height: 9px; min-width: 400px }");
     EXPECT_EQ(over->geometry(), widget_.rect());
     EXPECT_EQ(hostView_->frame().y, widget_.geometry().y());
@@ -177,7 +177,7 @@ TEST_F(QtDapoView, ShowsNothingForAnImageThatCannotBeDecoded) {
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
     auto broken = *redImage(10, 10);
     broken.encoded.resize(40);
-    const auto image = std::make_shared<platform::Image>(std::move(broken));
+    const auto image = std::make_shared<views::Image>(std::move(broken));
     for (int i = 0; i < 2; ++i) view_->configureFrame({.to = hostView_, .dapoImage = image});
     view_->setVisibility(true);
     EXPECT_EQ(pixel(widget_, 120, 40), Qt::white);

@@ -79,7 +79,7 @@ TEST(QtPlatform, ViewsOutliveIt) {
     platform::install(qt->platform());
     QWidget host;
     host.resize(50, 50);
-    const auto view = platform::View::create({0, 0, 10, 10});
+    const auto view = views::View::create({0, 0, 10, 10});
     viewOf(host)->addSubview(view);
     qt.reset();
     host.show();

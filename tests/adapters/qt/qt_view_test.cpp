@@ -12,8 +12,8 @@
 namespace oska::qt {
 namespace {
 
-using platform::TapGestureRecognizer;
-using platform::View;
+using views::TapGestureRecognizer;
+using views::View;
 
 class QtViews : public testing::Test {
 protected:
@@ -24,7 +24,7 @@ protected:
         host_.show();
     }
 
-    std::shared_ptr<View> viewIn(View& above, const platform::Rect& frame) {
+    std::shared_ptr<View> viewIn(View& above, const views::Rect& frame) {
         auto view = View::create(frame);
         above.addSubview(view);
         return view;
@@ -100,14 +100,14 @@ TEST_F(QtViews, AWidgetHasOneViewThatKnowsItsSize) {
     const auto view = viewOf(*child);
     child->setGeometry(1, 2, 30, 40);  // never shown
     EXPECT_EQ(viewOf(*child), view);
-    EXPECT_EQ(view->frame(), (platform::Rect{1, 2, 30, 40}));
+    EXPECT_EQ(view->frame(), (views::Rect{1, 2, 30, 40}));
 
     Host window({500, 500});
     auto* layout = new QVBoxLayout(&window);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(child);
     window.show();
-    EXPECT_EQ(view->frame(), (platform::Rect{0, 0, 500, 500}));
+    EXPECT_EQ(view->frame(), (views::Rect{0, 0, 500, 500}));
     const std::weak_ptr<View> watch = view;
     delete child;
     EXPECT_FALSE(view->peer()) << "a tree in memory again";

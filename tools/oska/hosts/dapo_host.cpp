@@ -7,16 +7,16 @@
 namespace oska::tool {
 namespace {
 
-constexpr platform::Rect SCREEN{0, 0, 390, 844};
-constexpr platform::ViewPoint SCREEN_CENTRE{195, 422};
+constexpr views::Rect SCREEN{0, 0, 390, 844};
+constexpr views::ViewPoint SCREEN_CENTRE{195, 422};
 
 /// Prints each change of the view's hidden flag.
 class VisibilityPrinter final : public platform::ViewPeer {
 public:
-    VisibilityPrinter(const platform::View& view, const Events& events)
+    VisibilityPrinter(const views::View& view, const Events& events)
         : events_(events), wasHidden_(view.isHidden()) {}
 
-    void changed(const platform::View& view, platform::ViewChange) override {
+    void changed(const views::View& view, platform::ViewChange) override {
         if (std::exchange(wasHidden_, view.isHidden()) == view.isHidden()) return;
         events_.print("visibility", "visible", !view.isHidden());
     }
@@ -29,7 +29,7 @@ private:
 class DapoHost final : public Host, public DapoViewDelegate {
 public:
     DapoHost(DapoHostOptions options, const Events& events)
-        : options_(std::move(options)), events_(events), screen_(platform::View::create(SCREEN)) {}
+        : options_(std::move(options)), events_(events), screen_(views::View::create(SCREEN)) {}
 
     ~DapoHost() override { view_->setPeer(nullptr); }  // the end of the program is no event
 
@@ -96,7 +96,7 @@ private:
 
     DapoHostOptions options_;
     const Events& events_;
-    std::shared_ptr<platform::View> screen_;
+    std::shared_ptr<views::View> screen_;
     std::shared_ptr<DapoView> view_;
 };
 
