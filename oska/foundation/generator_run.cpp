@@ -17,6 +17,16 @@ void configure(platform::RFDGenerator& generator, const GeneratorRun::Start& sta
     });
 }
 
+// False when the generator threw.
+bool letGo(platform::RFDGenerator& generator) {
+    try {
+        generator.setDelegate({});
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
 // False when the generator threw; it has let go of the service all the same, if it could.
 bool halt(platform::RFDGenerator& generator) {
     bool isQuiet = true;
@@ -25,12 +35,7 @@ bool halt(platform::RFDGenerator& generator) {
     } catch (...) {
         isQuiet = false;
     }
-    try {
-        generator.setDelegate({});
-    } catch (...) {
-        isQuiet = false;
-    }
-    return isQuiet;
+    return letGo(generator) && isQuiet;
 }
 
 /// Null when none can be had; a factory that throws has none.
@@ -144,7 +149,7 @@ void GeneratorRun::stop() {
     if (isFirst) {
         end(generator.get());
     } else {
-        generator->setDelegate({});
+        letGo(*generator);  // whether it could is said by the first stop
     }
     const std::lock_guard lock(mutex_);
     if (starts != starts_) return;

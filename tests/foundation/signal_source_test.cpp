@@ -45,12 +45,19 @@ struct Thrower : platform::BluetoothAuthorization, platform::RFDGenerator {
     platform::BluetoothAuthorizationState authorization() const override { throw 1; }
     platform::RfdAvailability checkIsAvailableRfd() override { return {true, ""}; }
     void setScanMode(platform::ScanMode) override {}
-    void setDelegate(std::weak_ptr<platform::RFDGeneratorDelegate>) override { ++delegatesSet; }
+    void setDelegate(std::weak_ptr<platform::RFDGeneratorDelegate>) override {
+        ++delegatesSet;
+        if (inStop) throw 1;
+    }
     void setPressureProvider(std::function<float()>) override {}
     void generateRfd(const platform::RfdOptions&) override { throw 1; }
     void generateReplayRfd() override {}
-    void stopRfdGeneration() override { throw 1; }
+    void stopRfdGeneration() override {
+        if (inStop) inStop();
+        throw 1;
+    }
     int delegatesSet = 0;
+    std::function<void()> inStop;  // from then on it does not let go, either
 };
 
 TEST(SignalSource, TakesProvidersThatThrowForOnesThatCannot) {
@@ -70,6 +77,16 @@ TEST(SignalSource, TakesProvidersThatThrowForOnesThatCannot) {
         EXPECT_TRUE(run.isIdle());
     }
     EXPECT_EQ(thrower->delegatesSet, 2) << "set at the start, let go of after it failed";
+
+    factories = {[&] { return thrower; }};
+    EXPECT_TRUE(run.start(*run.claim(), {.id = "id"}).failure);
+    thrower->inStop = [&, isFirst = true]() mutable {
+        if (std::exchange(isFirst, false)) {
+            EXPECT_NO_THROW(run.stop());
+        }
+    };
+    run.stop();
+    EXPECT_TRUE(run.isIdle());
 }
 
 }  // namespace
