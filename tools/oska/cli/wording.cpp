@@ -1,6 +1,7 @@
 #include "tools/oska/cli/wording.h"
 
 #include "oska/json/json.h"
+#include "oska/text/one_line.h"
 
 namespace oska::tool {
 
@@ -9,7 +10,7 @@ using json::DecodeError;
 std::string inQuotes(std::string_view text) {
     std::string out;
     json::appendText(out, text);
-    return out;
+    return text::onOneLine(out);
 }
 
 std::string faultText(const DecodeError& error) {

@@ -7,7 +7,8 @@
 
 namespace oska::tool {
 
-/// Foreign text inside a message: in double quotes, line breaks and control characters escaped.
+/// Foreign text inside a message: in double quotes, with everything escaped that could forge a line or steer
+/// a terminal (see one_line.h).
 [[nodiscard]] std::string inQuotes(std::string_view text);
 
 /// Why a document is no bundle: `buildings[0].name: expected text, found 5`, without its line.

@@ -8,6 +8,7 @@
 
 #include "oska/json/json.h"
 #include "oska/resources/bundle.h"
+#include "oska/text/one_line.h"
 #include "tools/oska/cli/complaint.h"
 #include "tools/oska/cli/input_file.h"
 #include "tools/oska/cli/interruption.h"
@@ -118,7 +119,10 @@ FileReport check(const std::string& file, const std::string& kind) {
     return report;
 }
 
-void printLine(const std::string& line) { std::fwrite((line + '\n').data(), 1, line.size() + 1, stdout); }
+void printLine(std::string line) {
+    line = text::onOneLine(line) + '\n';
+    std::fwrite(line.data(), 1, line.size(), stdout);
+}
 
 /// Where and why; a fault that has no line tells its file itself.
 std::string errorLine(const FileReport& report) {

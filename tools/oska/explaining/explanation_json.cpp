@@ -1,4 +1,5 @@
 #include "oska/json/json.h"
+#include "oska/text/one_line.h"
 #include "tools/oska/explaining/explanation.h"
 
 namespace oska::tool {
@@ -132,7 +133,7 @@ void fields(Visit& f, Explanation& explanation) {
 
 // Its numbers are finite: recordings and bundles bring no others, and differences are cut off.
 std::string explanationAsJson(const Explanation& explanation) {
-    return *json::encode(explanation, json::Slashes::plain) + '\n';
+    return text::onOneLine(*json::encode(explanation, json::Slashes::plain)) + '\n';
 }
 
 }  // namespace oska::tool

@@ -118,5 +118,14 @@ TEST(Check, PrintsFindingsAsJson) {
                          "\n");
 }
 
+TEST(Check, LetsNoNameSteerATerminal) {
+    const auto bundle = bundleOf(level(1, R"({"id":1,"name":"a\u009b","y":1,"rssi":-70,"contents":[]})"));
+    for (const bool asJson : {false, true}) {
+        const auto out = runOska({"check", asJson ? "--json" : "--kind=dapo", "-"}, bundle).out;
+        EXPECT_THAT(out, HasSubstr("u009b"));
+        EXPECT_EQ(out.find('\x9b'), std::string::npos);
+    }
+}
+
 }  // namespace
 }  // namespace oska::tool_tests
