@@ -115,7 +115,7 @@ TEST(ReplaySvg, DrawsTheWalkAndPrintsTheEventsAllTheSame) {
 
 TEST(ReplaySvg, NeverDrawsOverItsInput) {
     const Folder folder;
-    const auto site = folder.file("site.json", contentOf(OSKA_EXAMPLES "/corner_shop/pelio.json"));
+    const auto site = folder.file("site.json", contentOf(OSKA_EXAMPLES "/corner_shop/7/pelio.json"));
     const auto walk = folder.file("walk.jsonl", R"({"mobile_time":1,"rfs":{}})");
     const auto symlink = folder.path() + "/symlink";
     const auto hardlink = folder.path() + "/hardlink";
