@@ -88,7 +88,6 @@ private:
 
     /// Counts the window, and finds the wards that have readings enough.
     void qualify();
-    void count(const Reading& reading);
     [[nodiscard]] DapoWard detected(const IndexedDapoWard& ward, double strongest, const Log& log) const;
 
     WardNames names_;
