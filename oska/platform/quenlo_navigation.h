@@ -145,10 +145,4 @@ struct NavigationOptions {
 using NavigationManagerFactory =
     std::function<std::shared_ptr<NavigationManager>(const NavigationOptions& options)>;
 
-/// A service of the installed platform's factory. Where there is no factory, or it makes none or throws: a
-/// substitute that fails in words that name the missing framework. It reports a failed initialisation on the
-/// main queue, so that a delegate set after its making hears it, and everything else inside the call; its
-/// getters answer none. Never null. Threads: any.
-[[nodiscard]] std::shared_ptr<NavigationManager> makeNavigationManager(const NavigationOptions& options);
-
 }  // namespace oska::platform

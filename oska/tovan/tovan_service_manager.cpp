@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "oska/tovan/missing_navigation_manager.h"
+
 namespace oska {
 namespace {
 
@@ -30,7 +32,7 @@ TovanServiceManager::TovanServiceManager(const Options& options)
     : id_(options.id),
       region_(options.region),
       sectorId_(options.sectorId),
-      serviceManager_(platform::makeNavigationManager(navigationOptions(options))),
+      serviceManager_(makeNavigationManager(navigationOptions(options))),
       delegate_(options.delegate) {}
 
 TovanServiceManager::~TovanServiceManager() {

@@ -1,13 +1,18 @@
-// What stands in for the navigation framework where there is none.
-#include "oska/platform/quenlo_navigation.h"
+#include "oska/tovan/missing_navigation_manager.h"
 
 #include <mutex>
 #include <utility>
 
 #include "oska/platform/platform.h"
 
-namespace oska::platform {
+namespace oska {
 namespace {
+
+using platform::NavigationManager;
+using platform::NavigationManagerDelegate;
+using platform::NavigationRouteFailureReason;
+using platform::Point;
+using platform::TovanServiceResult;
 
 const TovanServiceResult& frameworkMissing() {
     static const TovanServiceResult result{
@@ -24,17 +29,17 @@ public:
     }
 
     void initialize() override {
-        current().mainQueue->async([weak = weak_from_this()] {
+        platform::current().mainQueue->async([weak = weak_from_this()] {
             const auto self = weak.lock();
             if (const auto host = self ? self->delegate() : nullptr) {
-                host->onInitSuccess(false, InitErrorCode::UNKNOWN, frameworkMissing());
+                host->onInitSuccess(false, platform::InitErrorCode::UNKNOWN, frameworkMissing());
             }
         });
     }
 
-    void startService(UserMode) override {
+    void startService(platform::UserMode) override {
         if (const auto host = delegate()) {
-            host->onTovanSuccess(false, TovanErrorCode::UNKNOWN, frameworkMissing());
+            host->onTovanSuccess(false, platform::TovanErrorCode::UNKNOWN, frameworkMissing());
         }
     }
 
@@ -58,7 +63,7 @@ public:
             host->isNavigationRouteFailed(NavigationRouteFailureReason::UNKNOWN);
     }
 
-    void requestRouting(const RoutingStart&, const Point&, const std::vector<Point>&, bool,
+    void requestRouting(const platform::RoutingStart&, const Point&, const std::vector<Point>&, bool,
                         RoutingCompletion completion) override {
         if (completion) completion(std::nullopt, {}, NavigationRouteFailureReason::UNKNOWN);
     }
@@ -75,8 +80,8 @@ private:
 
 }  // namespace
 
-std::shared_ptr<NavigationManager> makeNavigationManager(const NavigationOptions& options) {
-    const auto& make = current().makeNavigationManager;
+std::shared_ptr<NavigationManager> makeNavigationManager(const platform::NavigationOptions& options) {
+    const auto& make = platform::current().makeNavigationManager;
     std::shared_ptr<NavigationManager> made;
     try {
         if (make) made = make(options);
@@ -85,4 +90,4 @@ std::shared_ptr<NavigationManager> makeNavigationManager(const NavigationOptions
     return made ? made : std::make_shared<MissingNavigationManager>();
 }
 
-}  // namespace oska::platform
+}  // namespace oska
