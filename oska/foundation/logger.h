@@ -2,15 +2,12 @@
 
 #include <string_view>
 
+#include "oska/foundation/log_line.h"
+
 namespace oska {
 
-/// The three levels; each has a tag of eight characters, so that the class tag of a line always starts in
-/// column 9.
-enum class OskaLogLevel { INFO, WARN, ERROR };
-
-/// The kit's log: one process-wide switch and one line format, on standard output. No timestamps, no files.
-///
-///     [WARN]  [PelioServiceManager] (handleRfd) : skipped because Pelio bundle is not ready
+/// The kit's log: one process-wide switch over lines of one format (see log_line.h) on standard output. No
+/// timestamps, no files.
 ///
 /// Threads: any, at any time. A line is written in one piece; lines of two threads never mix.
 /// Lines are not flushed one by one: how standard output is buffered is the host's decision.
@@ -18,17 +15,20 @@ class OskaLogger {
 public:
     OskaLogger() = delete;
 
-    /// Whether log lines are written, for all services of the process; true until a host says otherwise.
-    /// Takes effect with the next line of any thread.
+    /// Sets whether log lines are written, for all services of the process; true until a host sets it. Takes
+    /// effect with the next line of any thread.
     static void setDebugOption(bool set);
 
-    /// For callers whose message costs more to make than to write.
+    /// Whether log lines are written: for callers whose message costs more to make than to write.
     [[nodiscard]] static bool isEnabled();
 
     /// Writes one line when the switch is on. Control characters and line separators inside `message` are
-    /// escaped (see platform/one_line.h), so that no text from a server or a file can start a line of its own
-    /// or steer a terminal.
+    /// escaped, so that no text from a server or a file can start a line or steer a terminal.
     static void log(OskaLogLevel level, std::string_view tag, std::string_view message);
 };
+
+/// Writes a diagnostic line that has neither level nor tag, also while the log is switched off. Control
+/// characters and line separators are escaped here, too. Threads: as for OskaLogger.
+void writeDirectLine(std::string_view line);
 
 }  // namespace oska
