@@ -10,9 +10,9 @@
 #include <string_view>
 #include <vector>
 
+#include "oska/foundation/sector_id_os_input.h"
 #include "oska/foundation/waiting_uploads.h"
 #include "oska/platform/platform.h"
-#include "oska/resources/bundle.h"
 
 namespace oska {
 

@@ -23,14 +23,6 @@ struct BundleOutput {
     bool operator==(const BundleOutput&) const = default;
 };
 
-/// A request for a BundleOutput. Has no JSON form: it travels as path and query of a URL.
-struct SectorIdOsInput {
-    std::int64_t sector_id = 0;
-    std::string operating_system;
-
-    bool operator==(const SectorIdOsInput&) const = default;
-};
-
 struct DapoLevelWardContent {
     static constexpr std::string_view TYPE_NAME = "DapoLevelWardContent";
 
