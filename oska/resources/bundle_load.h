@@ -1,17 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 
+#include "oska/platform/main_queue.h"
 #include "oska/resources/bundle_shelf.h"
 #include "oska/resources/json_decoding.h"
+#include "oska/resources/resource_downloader.h"
 #include "oska/resources/resource_log.h"
-#include "oska/resources/resource_manager.h"
 
 namespace oska {
 
@@ -20,13 +21,13 @@ namespace oska {
 template <class Kind>
 class BundleLoad : public std::enable_shared_from_this<BundleLoad<Kind>> {
 public:
-    using Completion = OskaResourceManager::LoadCompletion;
+    using Completion = std::function<void(bool success)>;
 
-    /// `shelf` is the manager's, and touched only while the manager lives.
-    BundleLoad(std::weak_ptr<OskaResourceManager> manager, BundleShelf<Kind>& shelf,
+    /// `downloader` and `shelf` are the manager's: while the one can be locked, the other may be used.
+    BundleLoad(std::weak_ptr<ResourceDownloader> downloader, BundleShelf<Kind>& shelf,
                std::shared_ptr<platform::MainQueue> queue, std::int64_t sectorId, bool forceUpdate,
                Completion completion)
-        : manager_(std::move(manager)),
+        : downloader_(std::move(downloader)),
           shelf_(shelf),
           queue_(std::move(queue)),
           sectorId_(sectorId),
@@ -34,17 +35,17 @@ public:
           completion_(std::move(completion)) {}
 
     void decide(std::optional<BundleOutput> output) {
-        const auto manager = manager_.lock();
-        if (!manager) return failBefore("self is nil before processing BundleOutput");
+        const auto downloader = downloader_.lock();
+        if (!downloader) return failBefore("self is nil before processing BundleOutput");
         if (!output) return failBefore("serverBundleOutput is nil");
         output_ = std::move(*output);
         cachedOutput_ = shelf_.outputFor(sectorId_);
         cachedBundle_ = shelf_.bundleFor(sectorId_);
         if (isUnchanged()) return reuse();
-        manager->downloadResourceData(output_.url,
-                                      [load = this->shared_from_this()](std::optional<std::string> data) {
-                                          load->take(std::move(data));
-                                      });
+        downloader->downloadResourceData(output_.url,
+                                         [load = this->shared_from_this()](std::optional<std::string> data) {
+                                             load->take(std::move(data));
+                                         });
     }
 
 private:
@@ -64,18 +65,18 @@ private:
     }
 
     void take(std::optional<std::string> data) {
-        const auto manager = manager_.lock();
-        if (Kind::LOGS_EACH_STEP && !manager) {
+        const auto downloader = downloader_.lock();
+        if (Kind::LOGS_EACH_STEP && !downloader) {
             RESOURCE_LOG.error(tag(), kindBundle<Kind>("self is nil before decoding "),
                                {{"sectorId", sectorId_}, {"versionId", output_.version_id}});
             return finish(false);
         }
         const auto dataSize = data ? std::optional(data->size()) : std::nullopt;
         std::optional<Bundle> bundle;
-        if (manager && data) bundle = decodeJSONData<Bundle>(std::move(*data));
+        if (downloader && data) bundle = decodeJSONData<Bundle>(std::move(*data));
         if (bundle) return use(std::make_shared<const Bundle>(std::move(*bundle)));
         logUnusable(dataSize);
-        fallBack(manager != nullptr, dataSize ? "decode failed" : "downloaded data is nil");
+        fallBack(downloader != nullptr, dataSize ? "decode failed" : "downloaded data is nil");
     }
 
     void use(std::shared_ptr<const Bundle> bundle) {
@@ -122,7 +123,7 @@ private:
 
     static std::string tag() { return kindOperation<Kind>("Resources"); }
 
-    std::weak_ptr<OskaResourceManager> manager_;
+    std::weak_ptr<ResourceDownloader> downloader_;
     BundleShelf<Kind>& shelf_;
     std::shared_ptr<platform::MainQueue> queue_;
     std::int64_t sectorId_;

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "oska/foundation/http_send.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/server_trust.h"
 #include "oska/platform/quenlo_resource.h"
@@ -11,26 +10,6 @@
 #include "oska/resources/resource_log.h"
 
 namespace oska {
-namespace {
-
-using platform::HttpOutcome;
-
-std::optional<std::string> downloadedBody(HttpOutcome outcome) {
-    if (outcome.error) {
-        RESOURCE_LOG.error("downloadResourceData", "request failed = " + outcome.error->description);
-        return std::nullopt;
-    }
-    const int status = outcome.reply && outcome.reply->status ? *outcome.reply->status : -1;
-    if (status < 200 || status > 299) {
-        RESOURCE_LOG.error("downloadResourceData", "invalid status = " + std::to_string(status));
-        return std::nullopt;
-    }
-    if (!outcome.body) RESOURCE_LOG.error("downloadResourceData", "empty response data");
-    return std::move(outcome.body);
-}
-
-}  // namespace
-
 const std::shared_ptr<OskaResourceManager>& OskaResourceManager::shared() {
     static const auto* manager = new std::shared_ptr<OskaResourceManager>(
         std::make_shared<OskaResourceManager>(platform::current(), OskaNetworkManager::shared()));
@@ -40,9 +19,8 @@ const std::shared_ptr<OskaResourceManager>& OskaResourceManager::shared() {
 OskaResourceManager::OskaResourceManager(const platform::Platform& platform,
                                          std::shared_ptr<OskaNetworkManager> network)
     : mainQueue_(platform.mainQueue),
-      http_(platform.http),
       network_(std::move(network)),
-      trustDelegate_(std::make_shared<OskaOnPremiseServerTrustDelegate>()) {
+      downloader_(platform.mainQueue, platform.http, std::make_shared<OskaOnPremiseServerTrustDelegate>()) {
     platform::QuenloResourceNetworkConstants::setServerURL(rawValue(platform::ResourceCloud::AWS),
                                                            rawValue(platform::ResourceRegion::KOREA), false);
     OskaOnPremiseNetworkConstants::resetOnPremiseBaseURLIfDisabled();
@@ -142,32 +120,12 @@ void OskaResourceManager::deliver(std::optional<BundleOutput> output, FetchCompl
 
 template <class Kind>
 void OskaResourceManager::load(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion) {
-    const auto load = std::make_shared<BundleLoad<Kind>>(weak_from_this(), shelf<Kind>(), mainQueue_,
-                                                         sectorId, forceUpdate, std::move(completion));
+    // Shares ownership with the manager: a load that locks it keeps the manager, and so its shelf, alive.
+    const std::shared_ptr<ResourceDownloader> downloader(shared_from_this(), &downloader_);
+    const auto load = std::make_shared<BundleLoad<Kind>>(downloader, shelf<Kind>(), mainQueue_, sectorId,
+                                                         forceUpdate, std::move(completion));
     fetch<Kind>(sectorId, forceUpdate,
                 [load](std::optional<BundleOutput> output) { load->decide(std::move(output)); });
-}
-
-// ---- the download
-
-platform::HttpSession* OskaResourceManager::downloadSession() {
-    std::call_once(downloadSessionMade_,
-                   [this] { downloadSession_ = makeHttpSession(*http_, {}, trustDelegate_); });
-    return downloadSession_.get();
-}
-
-void OskaResourceManager::downloadResourceData(std::string_view url, DownloadCompletion completion) {
-    const auto parsed = Url::parse(url);
-    if (!parsed) {
-        RESOURCE_LOG.error("downloadResourceData", "invalid url = " + std::string(url));
-        return mainQueue_->async([completion = std::move(completion)] { completion(std::nullopt); });
-    }
-    sendHttp(downloadSession(), {.url = *parsed},
-             [queue = mainQueue_, completion = std::move(completion)](HttpOutcome outcome) {
-                 queue->async([completion, body = downloadedBody(std::move(outcome))]() mutable {
-                     completion(std::move(body));
-                 });
-             });
 }
 
 }  // namespace oska

@@ -3,16 +3,14 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <mutex>
 #include <optional>
-#include <string>
-#include <string_view>
 
 #include "oska/foundation/network_manager.h"
 #include "oska/platform/platform.h"
 #include "oska/resources/bundle.h"
 #include "oska/resources/bundle_kinds.h"
 #include "oska/resources/bundle_shelf.h"
+#include "oska/resources/resource_downloader.h"
 
 namespace oska {
 
@@ -28,7 +26,6 @@ class OskaResourceManager : public std::enable_shared_from_this<OskaResourceMana
 public:
     using LoadCompletion = std::function<void(bool success)>;
     using FetchCompletion = std::function<void(std::optional<BundleOutput>)>;
-    using DownloadCompletion = std::function<void(std::optional<std::string>)>;
 
     /// The instance of the process, made on first use over the installed platform.
     static const std::shared_ptr<OskaResourceManager>& shared();
@@ -49,9 +46,6 @@ public:
     void loadDapoBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
     void loadPelioBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
 
-    /// A plain GET; none when anything but a body with a status of 200 to 299 comes back, which is logged.
-    void downloadResourceData(std::string_view url, DownloadCompletion completion);
-
 private:
     template <class Kind>
     BundleShelf<Kind>& shelf();
@@ -61,14 +55,10 @@ private:
     void deliver(std::optional<BundleOutput> output, FetchCompletion completion);
     template <class Kind>
     void load(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
-    platform::HttpSession* downloadSession();  // null where the factory made none
 
     std::shared_ptr<platform::MainQueue> mainQueue_;
-    std::shared_ptr<platform::HttpSessionFactory> http_;
     std::shared_ptr<OskaNetworkManager> network_;
-    std::shared_ptr<platform::HttpSessionDelegate> trustDelegate_;
-    std::once_flag downloadSessionMade_;
-    std::unique_ptr<platform::HttpSession> downloadSession_;  // on first use
+    ResourceDownloader downloader_;
     BundleShelf<DapoKind> dapo_;
     BundleShelf<PelioKind> pelio_;
 };
