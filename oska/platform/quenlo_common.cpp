@@ -1,0 +1,10 @@
+#include "oska/platform/quenlo_common.h"
+
+namespace oska::platform {
+
+TovanReplayer& TovanReplayer::shared() {
+    static TovanReplayer replayer;
+    return replayer;
+}
+
+}  // namespace oska::platform
