@@ -24,8 +24,9 @@ void DapoView::place(const Placement& placement) {
     if (!matchView) return LOG.error("configureFrame", "failed because matchView is nil");
     if (matchView->isAtOrBelow(*this))
         return LOG.error("configureFrame", "failed because matchView is in the view");
-    writeDirectLine("(DapoView) : configureFrame // matchView.frame = " + describe(matchView->frame()) +
-                    ", matchView.bounds = " + describe(matchView->bounds()));
+    writeDirectLine(logMessage("DapoView", "configureFrame",
+                               {{"matchView.frame", describe(matchView->frame())},
+                                {"matchView.bounds", describe(matchView->bounds())}}));
     if (superview() != matchView) matchView->addSubview(shared_from_this());
     pinEdges();
     matchView->setNeedsLayout();

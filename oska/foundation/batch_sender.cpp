@@ -39,7 +39,7 @@ void DapoBatchSender::postRFD(std::vector<platform::ReceivedForce> batch) {
     network_->postReceivedForces(
         platform::TovanNetworkConstants::getRecRfdURL(), std::move(batch),
         [](int statusCode, const std::string& message, const std::vector<platform::ReceivedForce>&) {
-            if (statusCode >= 200 && statusCode <= 299) return;
+            if (platform::isSuccess(statusCode)) return;
             LOG.write(OskaLogLevel::ERROR, "(postRFD) " + std::to_string(statusCode) + ", " + message);
         });
 }

@@ -112,7 +112,7 @@ bool GeneratorRun::configureAndStart(platform::RFDGenerator& generator, Claim cl
     if (replayer.replayMode()) {
         generator.generateReplayRfd();
     } else {
-        generator.generateRfd({.rfdIntervalMillis = 0.5, .minRssiThreshold = -100, .maxRssiThreshold = -40});
+        generator.generateRfd(platform::LIVE_SCAN);
     }
     settings_.log.info("startGenerator", "success",
                        {{"id", start.id}, {"replayMode", replayer.replayMode()}});

@@ -61,9 +61,9 @@ public:
     /// None when started already: from an earlier claim to the end of a stop or of a start that failed.
     [[nodiscard]] std::optional<Claim> claim();
 
-    /// Checks Bluetooth, makes a generator, configures and starts it: live with -100 to -40 dBm, or from
-    /// recorded data while the process is in replay mode. Must follow each claim. A start that is overtaken
-    /// before it could fail counts as successful.
+    /// Checks Bluetooth, makes a generator, configures and starts it: live with
+    /// `platform::LIVE_SCAN`, or from recorded data while the process is in replay mode. Must follow each
+    /// claim. A start that is overtaken before it could fail counts as successful.
     Outcome start(Claim claim, const Start& start);
 
     /// Stops the generator, then takes its delegate away, then lets go of it.

@@ -39,7 +39,7 @@ Result resultOf(HttpOutcome outcome) {
     const int status = isHttp ? *outcome.reply->status : NO_REPLY_STATUS;
     if (outcome.error) return {status, errorMessage(*outcome.error)};
     if (!isHttp) return {NO_REPLY_STATUS, "Request failed"};
-    if (status < 200 || status > 299) return {status, describe(*outcome.reply)};
+    if (!platform::isSuccess(status)) return {status, describe(*outcome.reply)};
     auto body = std::move(outcome.body).value_or("");
     if (!text::isUtf8(body)) body.clear();
     return {status, std::move(body)};

@@ -122,6 +122,9 @@ public:
     virtual void send(HttpRequest request, Completion completion) = 0;
 };
 
+/// Whether `status` is an HTTP status of success: 200 to 299.
+[[nodiscard]] constexpr bool isSuccess(int status) { return status >= 200 && status <= 299; }
+
 /// Whether the request is one that no session sends: it fails as `bodyNotAllowed`. An empty body is none.
 [[nodiscard]] bool isGetWithBody(const HttpRequest& request);
 

@@ -62,6 +62,9 @@ struct RfdOptions {
     int maxRssiThreshold = -40;      ///< dBm
 };
 
+/// What both services ask a generator for when they start a live scan.
+inline constexpr RfdOptions LIVE_SCAN{};
+
 /// A source of samples, idle when created. It holds its delegate weakly.
 ///
 /// Threads: operations on any thread, inside a callback of its own, too. Callbacks may come before the call

@@ -16,7 +16,7 @@ std::optional<std::string> downloadedBody(HttpOutcome outcome) {
         return std::nullopt;
     }
     const int status = outcome.reply && outcome.reply->status ? *outcome.reply->status : -1;
-    if (status < 200 || status > 299) {
+    if (!platform::isSuccess(status)) {
         RESOURCE_LOG.error("downloadResourceData", "invalid status = " + std::to_string(status));
         return std::nullopt;
     }

@@ -20,7 +20,7 @@ constexpr std::size_t AT_A_TIME = 4;
 std::string problemOf(const HttpOutcome& outcome) {
     if (outcome.error) return outcome.error->description;
     const auto status = outcome.reply ? outcome.reply->status.value_or(0) : 0;
-    return status >= 200 && status < 300 ? std::string() : oska::platform::describe(*outcome.reply);
+    return oska::platform::isSuccess(status) ? std::string() : oska::platform::describe(*outcome.reply);
 }
 
 }  // namespace

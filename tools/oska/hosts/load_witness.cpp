@@ -31,7 +31,7 @@ struct Download {
 };
 
 bool isSuccess(const HttpOutcome& outcome) {
-    return outcome.reply && outcome.reply->status.value_or(0) / 100 == 2;
+    return outcome.reply && platform::isSuccess(outcome.reply->status.value_or(0));
 }
 
 /// The endpoint is asked with a token, the bundle's server is not.

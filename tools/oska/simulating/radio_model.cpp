@@ -15,7 +15,7 @@ constexpr double NEAREST = 0.1;   // metres; on a stair a phone can be where a w
 constexpr double FADES_OUT = 10;  // dB above the weakest reading from which more and more are missed
 constexpr double MISSED_AT_WEAKEST = 0.7;
 
-constexpr platform::RfdOptions LIVE_SCAN;
+using platform::LIVE_SCAN;
 
 enum Purpose : std::uint64_t { FADING = 1, MISSING, SHADOWING };
 

@@ -7,15 +7,19 @@
 
 #include "oska/foundation/ward_name.h"
 #include "oska/json/json.h"
+#include "oska/platform/quenlo_common.h"
 #include "oska/url/url.h"
 #include "tools/oska/cli/wording.h"
 
 namespace oska::tool {
 namespace {
 
-// The strength limits that the services ask a live scan for.
-constexpr double WEAKEST_READING = -100;
-constexpr double STRONGEST_READING = -40;
+using platform::LIVE_SCAN;
+
+std::string rangeOfLiveScan() {
+    return "a live scan hears " + std::to_string(LIVE_SCAN.minRssiThreshold) + " to " +
+           std::to_string(LIVE_SCAN.maxRssiThreshold) + " dBm";
+}
 
 std::string decimal(double value) {
     std::string text;
@@ -89,13 +93,13 @@ private:
     }
 
     void checkThreshold(const std::string& path, double rssi) {
-        if (rssi > STRONGEST_READING) {
+        if (rssi > LIVE_SCAN.maxRssiThreshold) {
             add(path + ".rssi", "unreachable",
-                "no sample reaches " + decimal(rssi) + " dBm: a live scan hears -100 to -40 dBm");
-        } else if (rssi < WEAKEST_READING) {
+                "no sample reaches " + decimal(rssi) + " dBm: " + rangeOfLiveScan());
+        } else if (rssi < LIVE_SCAN.minRssiThreshold) {
             add(path + ".rssi", "unreachable",
                 "no sample is as weak as " + decimal(rssi) +
-                    " dBm, so every reading counts: a live scan hears -100 to -40 dBm");
+                    " dBm, so every reading counts: " + rangeOfLiveScan());
         }
     }
 
