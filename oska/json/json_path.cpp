@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "oska/json/json_text.h"
+#include "oska/text/control_escape.h"
 
 namespace oska::json {
 namespace {
@@ -17,6 +17,8 @@ bool isNameCharacter(char c) {
 bool isName(std::string_view key) {
     return !key.empty() && std::all_of(key.begin(), key.end(), isNameCharacter);
 }
+
+bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
 
 std::string_view shortened(std::string_view text, std::size_t length) {
     while (length > 0 && isContinuationByte(text[length])) --length;
@@ -42,7 +44,7 @@ std::string excerpt(std::string_view text) {
     std::string shown;
     for (const char c : whole ? text : shortened(text, LONGEST_EXCERPT)) {
         if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) {
-            appendUnicodeEscape(shown, c);
+            text::appendUnicodeEscape(shown, c);
         } else {
             shown += c;
         }

@@ -8,18 +8,7 @@
 // Characters and escapes of JSON strings, and the faults of a text that no token survives.
 namespace oska::json {
 
-constexpr bool isContinuationByte(char c) { return (static_cast<unsigned char>(c) & 0xC0) == 0x80; }
-
 constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
-
-/// Bytes of the well-formed UTF-8 sequence that `text` begins with; 0 when it begins with none.
-std::size_t characterLength(std::string_view text);
-
-/// Appends \u00XX.
-void appendUnicodeEscape(std::string& out, char c);
-
-/// Appends the escape of a control character: \b \f \n \r \t, else \u00XX.
-void appendControlEscape(std::string& out, char c);
 
 /// Replaces `out` by the text that `escaped`, the inside of a string token, stands for. Fails at an unknown
 /// escape and at half a surrogate pair: answers where the bad escape begins.

@@ -5,7 +5,8 @@
 #include <cstring>
 
 #include "oska/json/json_path.h"
-#include "oska/json/json_text.h"
+#include "oska/text/control_escape.h"
+#include "oska/text/text.h"
 
 namespace oska::json {
 namespace {
@@ -47,19 +48,17 @@ std::size_t plainLength(std::string_view text, char third) {
 }
 
 void appendEscaped(std::string& out, char c) {
-    if (static_cast<unsigned char>(c) < 0x20) return appendControlEscape(out, c);
+    if (static_cast<unsigned char>(c) < 0x20) return text::appendControlEscape(out, c);
     out += '\\';
     out += c;
 }
 
 // Appends the first character of `text`, which is not plain; answers its length in bytes.
 std::size_t appendSpecial(std::string& out, std::string_view text) {
-    const std::size_t length = characterLength(text);
-    if (length == 0) {
+    const auto [scalar, length] = text::firstScalar(text);
+    if (scalar < 0) {
         out += REPLACEMENT_CHARACTER;
-        return 1;
-    }
-    if (length == 1) {
+    } else if (scalar < 0x80) {
         appendEscaped(out, text.front());
     } else {
         out += text.substr(0, length);

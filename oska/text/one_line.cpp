@@ -1,8 +1,7 @@
 #include "oska/text/one_line.h"
 
-#include <algorithm>
-
-#include "oska/json/json_text.h"
+#include "oska/text/control_escape.h"
+#include "oska/text/text.h"
 
 namespace oska::text {
 namespace {
@@ -18,9 +17,9 @@ void appendVisibly(std::string& line, std::string_view character) {
     const auto byte = static_cast<unsigned char>(last);
     const bool isControl = character.size() == 1 && (byte < 0x20 || byte == 0x7F || isC1(last));
     if (isControl) {
-        json::appendControlEscape(line, last);
+        appendControlEscape(line, last);
     } else if (character.size() == 2 && character.front() == '\xC2' && isC1(last)) {
-        json::appendControlEscape(line, last);  // the second byte is the number of the character
+        appendControlEscape(line, last);  // the second byte is the number of the character
     } else if (character == "\xE2\x80\xA8") {
         line += "\\u2028";
     } else if (character == "\xE2\x80\xA9") {
@@ -34,7 +33,7 @@ void appendVisibly(std::string& line, std::string_view character) {
 
 void appendOnOneLine(std::string& line, std::string_view text) {
     while (!text.empty()) {
-        const std::size_t length = std::max<std::size_t>(json::characterLength(text), 1);
+        const std::size_t length = firstScalar(text).length;
         appendVisibly(line, text.substr(0, length));
         text.remove_prefix(length);
     }

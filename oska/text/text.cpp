@@ -1,9 +1,9 @@
 #include "oska/text/text.h"
 
+#include <utf8proc.h>
+
 #include <cstdint>
 #include <cstring>
-
-#include "oska/text/text_scalars.h"
 
 namespace oska::text {
 namespace {

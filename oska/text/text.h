@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -14,6 +15,19 @@ namespace oska::text {
 
 [[nodiscard]] bool isAscii(std::string_view text);
 [[nodiscard]] bool isUtf8(std::string_view text);
+
+/// What a text begins with.
+struct Scalar {
+    std::int32_t value = -1;  ///< the Unicode scalar; -1 when the first byte begins no well-formed UTF-8
+    std::size_t length = 1;   ///< its bytes in the text; 1 when `value` is -1
+};
+
+/// Decodes the first scalar of `text`. Overlong forms, surrogates, values above U+10FFFF and sequences that
+/// are cut off are not well-formed. REQUIRES: `text` is not empty.
+[[nodiscard]] Scalar firstScalar(std::string_view text);
+
+/// Appends `scalar` as UTF-8. REQUIRES: a Unicode scalar, thus no surrogate.
+void appendScalar(std::string& text, std::int32_t scalar);
 
 /// The part of `text` between its white space and line breaks: general category Z, U+000A to U+000D and
 /// U+0085, taken off scalar by scalar. A tab (U+0009) is neither and stays.

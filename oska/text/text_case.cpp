@@ -1,9 +1,10 @@
 // Lower case: utf8proc's simple mapping, with what Unicode's SpecialCasing.txt adds to it for every locale:
 // U+0130, and the final sigma of section 3.13 of the Unicode Standard.
+#include <utf8proc.h>
+
 #include <algorithm>
 
 #include "oska/text/text.h"
-#include "oska/text/text_scalars.h"
 
 namespace oska::text {
 namespace {

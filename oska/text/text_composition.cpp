@@ -1,12 +1,13 @@
 // Canonical equivalence: utf8proc's decomposition and composition. Its whole-text functions are not used,
 // because they sort combining marks by insertion, which a text of nothing but marks turns into minutes.
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <iterator>
 #include <span>
 #include <vector>
 
 #include "oska/text/text.h"
-#include "oska/text/text_scalars.h"
 
 namespace oska::text {
 namespace {

@@ -1,11 +1,12 @@
 #include "oska/url/url_encoding.h"
 
 #include <idn2.h>
+#include <utf8proc.h>
 
 #include <algorithm>
 #include <memory>
 
-#include "oska/text/text_scalars.h"
+#include "oska/text/text.h"
 
 namespace oska {
 namespace {

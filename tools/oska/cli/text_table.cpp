@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "oska/text/text.h"
+
 namespace oska::tool {
 namespace {
 
@@ -19,11 +21,9 @@ std::string padded(const std::string& cell, std::size_t width, TextTable::Align 
 std::u32string scalarsOf(std::string_view text) {
     std::u32string scalars;
     while (!text.empty()) {
-        utf8proc_int32_t scalar = -1;
-        const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
-                                             static_cast<utf8proc_ssize_t>(text.size()), &scalar);
-        scalars += length > 0 ? static_cast<char32_t>(scalar) : REPLACEMENT;
-        text.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+        const auto [scalar, length] = text::firstScalar(text);
+        scalars += scalar >= 0 ? static_cast<char32_t>(scalar) : REPLACEMENT;
+        text.remove_prefix(length);
     }
     return scalars;
 }
