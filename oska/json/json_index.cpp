@@ -2,6 +2,11 @@
 
 #include <simdjson.h>
 
+// Newer versions may change simdjson::internal, which this file uses. After looking through it, widen the
+// range here and in cmake/QuenloOskaDependencies.cmake.
+static_assert(simdjson::SIMDJSON_VERSION_MAJOR == 3 || simdjson::SIMDJSON_VERSION_MAJOR == 4,
+              "oska/json/json_index.cpp was checked with simdjson 3.0 to 4.x only");
+
 namespace oska::json {
 namespace {
 
