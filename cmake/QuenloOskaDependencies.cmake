@@ -3,7 +3,6 @@
 #
 #   simdjson      JSON documents into records at memory speed; strict UTF-8. Used by oska/json/json_index.cpp only, which
 #                 needs classes of its namespace `internal`: so the versions that were looked at are checked below.
-#   uriparser     joins a reference to its base by RFC 3986. Used by oska/url/url_join.cpp only.
 #   libidn2       international host names to their ASCII form (UTS 46). Used by oska/url/url_encoding only.
 #   utf8proc      Unicode categories, case and composition in 350 KB, where ICU would add 32 MB to a phone.
 #                 Used by oska/text, oska/url/url_encoding, and by the tool's tables.
@@ -33,9 +32,6 @@ if(NOT TARGET simdjson::simdjson)
       "Look at oska/json/json_index.cpp: it uses simdjson::internal, which may change with any version. "
       "When it compiles and the tests pass, widen the range here and in that file.")
   endif()
-endif()
-if(NOT TARGET uriparser::uriparser)
-  find_package(uriparser 0.9 REQUIRED GLOBAL)
 endif()
 quenlooska_need_module(utf8proc libutf8proc)
 quenlooska_need_module(idn2 libidn2)

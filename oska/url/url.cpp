@@ -68,11 +68,6 @@ std::string withoutLeadingScheme(std::string_view path) {
     return text.append(path.substr(firstEnd));
 }
 
-// Everything after the authority. `view` was split from `text`.
-std::string_view tailOf(std::string_view text, const UrlView& view) {
-    return text.substr(static_cast<std::size_t>(view.path.data() - text.data()));
-}
-
 }  // namespace
 
 std::optional<Url> Url::parse(std::string_view text) {
@@ -112,21 +107,15 @@ std::optional<int> Url::port() const {
     return number;
 }
 
-// uriparser writes an address in brackets anew and refuses a zone in it, so authorities never pass through
-// it: a stand-in takes their place.
 std::optional<Url> Url::resolve(std::string_view reference) const {
-    constexpr std::string_view STAND_IN = "x://h";
     auto target = reference.empty() ? Url() : parse(reference);
     const auto base = splitUrl(text_, EmptyScheme::COUNTS);
     if (!target || !base.scheme || !base.authority) return std::nullopt;
     const auto own = splitUrl(target->text_, EmptyScheme::COUNTS);
     if (own.scheme && !own.authority) return target;
-    const auto joined = joinedUri(std::string(STAND_IN).append(tailOf(text_, base)),
-                                  std::string(own.authority ? "//h" : "").append(tailOf(target->text_, own)));
-    if (!joined) return std::nullopt;
-    std::string text(own.scheme.value_or(*base.scheme));
-    text.append("://").append(own.authority.value_or(*base.authority));
-    return Url(text.append(*joined, STAND_IN.size()));
+    // RFC 3986, 4.2: a relative reference has no colon in its first segment.
+    if (own.isPathOnly() && own.firstSegment().find(':') != std::string_view::npos) return std::nullopt;
+    return Url(joinedUrl(base, own));
 }
 
 std::optional<UrlComponents> UrlComponents::parse(std::string_view text) {

@@ -1,54 +1,42 @@
 #include "oska/url/url_join.h"
 
-#include <uriparser/Uri.h>
-
 namespace oska {
 namespace {
 
-// uriparser's view of a text, which must outlive it.
-class Uri {
-public:
-    Uri() = default;
-    Uri(const Uri&) = delete;
-    Uri& operator=(const Uri&) = delete;
-    ~Uri() {
-        if (holdsMembers_) uriFreeUriMembersA(&uri_);
+// RFC 3986, 5.2.4. REQUIRES: `path` is empty or starts with "/".
+std::string withoutDotSegments(std::string_view path) {
+    std::string kept;
+    while (!path.empty()) {
+        const auto segment = path.substr(1, path.find('/', 1) - 1);
+        path.remove_prefix(1 + segment.size());
+        if (segment == ".." && !kept.empty()) kept.resize(kept.rfind('/'));
+        if (segment != "." && segment != "..") {
+            kept.append("/").append(segment);
+        } else if (path.empty()) {
+            kept += '/';
+        }
     }
+    return kept;
+}
 
-    bool parse(std::string_view text) {
-        const char* end = text.data() + text.size();
-        return filled(uriParseSingleUriExA(&uri_, text.data(), end, nullptr));
-    }
-
-    bool join(const Uri& base, const Uri& reference) {
-        return filled(uriAddBaseUriExA(&uri_, &reference.uri_, &base.uri_, URI_RESOLVE_STRICTLY));
-    }
-
-    [[nodiscard]] std::optional<std::string> text() const {
-        int length = 0;
-        if (uriToStringCharsRequiredA(&uri_, &length) != URI_SUCCESS) return std::nullopt;
-        std::string text(static_cast<std::size_t>(length), '\0');  // its own terminator takes the final NUL
-        if (uriToStringA(text.data(), &uri_, length + 1, nullptr) != URI_SUCCESS) return std::nullopt;
-        return text;
-    }
-
-private:
-    bool filled(int result) { return holdsMembers_ = result == URI_SUCCESS; }
-
-    UriUriA uri_{};
-    bool holdsMembers_ = false;
-};
+// The path of `reference` as it is found at `base`. RFC 3986, 5.2.3.
+std::string mergedPath(const UrlView& base, const UrlView& reference) {
+    if (reference.authority || reference.path.starts_with('/')) return std::string(reference.path);
+    const auto folder = base.path.substr(0, base.path.rfind('/') + 1);
+    return std::string(folder.empty() ? "/" : folder).append(reference.path);
+}
 
 }  // namespace
 
-std::optional<std::string> joinedUri(std::string_view base, std::string_view reference) {
-    Uri baseUri;
-    Uri referenceUri;
-    Uri joined;
-    if (!baseUri.parse(base) || !referenceUri.parse(reference) || !joined.join(baseUri, referenceUri)) {
-        return std::nullopt;
-    }
-    return joined.text();
+std::string joinedUrl(const UrlView& base, const UrlView& reference) {
+    const bool keepsPath = !reference.authority && reference.path.empty();
+    const auto query = keepsPath && !reference.query ? base.query : reference.query;
+    std::string text(reference.scheme.value_or(*base.scheme));
+    text.append("://").append(reference.authority.value_or(*base.authority));
+    text += keepsPath ? std::string(base.path) : withoutDotSegments(mergedPath(base, reference));
+    if (query) text.append("?").append(*query);
+    if (reference.fragment) text.append("#").append(*reference.fragment);
+    return text;
 }
 
 }  // namespace oska

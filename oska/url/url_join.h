@@ -1,13 +1,14 @@
 #pragma once
 
-#include <optional>
 #include <string>
-#include <string_view>
+
+#include "oska/url/url_syntax.h"
 
 namespace oska {
 
-/// The target of `reference` seen from `base` by RFC 3986, 5.2, strictly. None when either is no URI
-/// reference or `base` has no scheme.
-[[nodiscard]] std::optional<std::string> joinedUri(std::string_view base, std::string_view reference);
+/// The text of the URL that `reference` means at `base` (RFC 3986, 5.2, strictly; put together by 5.3).
+/// REQUIRES: both were split from encoded URLs; `base` has a scheme and an authority; `reference` has an
+/// authority when it has a scheme.
+[[nodiscard]] std::string joinedUrl(const UrlView& base, const UrlView& reference);
 
 }  // namespace oska

@@ -257,6 +257,8 @@ TEST(Url, RedirectsKeepWhatTheyDoNotChange) {
         {"http://h?q", "?r", "http://h?r"},
         {"http://h/a//b/", "..//c", "http://h/a///c"},
         {"http://h/a", "/..//x", "http://h//x"},
+        {"http://h/a", ".//x", "http://h//x"},
+        {"http://h/a", "a@b:c", NO_URL},
         {"http://h/%2E%2e/a", "%2e%2E/b", "http://h/%2E%2e/%2e%2E/b"},
         {"http://h/a", "http://x y/", NO_URL},
         {"http://h/a", "1a:b", NO_URL},
