@@ -166,7 +166,7 @@ double copyText() {
 
 using Work = double (*)();
 
-enum class Heap { FRESH, MAPPED };
+enum class Heap { fresh, mapped };
 
 // Takes all memory from the heap, never gives any back, and has the system provide it beforehand.
 void mapHeap() {
@@ -178,7 +178,7 @@ void mapHeap() {
 }
 
 double secondsInThisProcess(Work work, Heap heap) {
-    if (heap == Heap::MAPPED) {
+    if (heap == Heap::mapped) {
         mapHeap();
     } else {
         malloc_trim(0);
@@ -265,9 +265,9 @@ void encodeShortLine(benchmark::State& state) {
         ->Unit(benchmark::kMillisecond)                    \
         ->Iterations(8)
 
-LARGE(mapped, decodeWithKit, Heap::MAPPED);
-LARGE(fresh, decodeWithKit, Heap::FRESH);
-LARGE(memcpy, copyText, Heap::MAPPED);
+LARGE(mapped, decodeWithKit, Heap::mapped);
+LARGE(fresh, decodeWithKit, Heap::fresh);
+LARGE(memcpy, copyText, Heap::mapped);
 BENCHMARK(encodeLevel);
 BENCHMARK(decodeShortLine);
 BENCHMARK(encodeShortLine);

@@ -5,12 +5,12 @@ namespace oska::json {
 std::string DecodeError::message() const {
     std::string difference = "expected " + expected + ", found " + found;
     switch (kind) {
-        case Kind::MALFORMED:
+        case Kind::malformed:
             return (path.empty() ? "" : path + ": ") + "malformed JSON in line " + std::to_string(line) +
                    ": " + difference;
-        case Kind::MISSING:
+        case Kind::missing:
             return path + ": missing";
-        case Kind::MISMATCH:
+        case Kind::mismatch:
             return (path.empty() ? "document" : path) + ": " + difference;
     }
     return difference;

@@ -9,12 +9,12 @@ namespace oska::json {
 /// message is one line whatever the document holds.
 struct DecodeError {
     enum class Kind {
-        MALFORMED,  ///< not JSON
-        MISSING,    ///< JSON without a key that is required
-        MISMATCH,   ///< JSON whose value is of the wrong kind, or out of range
+        malformed,  ///< not JSON
+        missing,    ///< JSON without a key that is required
+        mismatch,   ///< JSON whose value is of the wrong kind, or out of range
     };
 
-    Kind kind = Kind::MALFORMED;
+    Kind kind = Kind::malformed;
     std::string path;  ///< "buildings[0].levels[2].wards[5].rssi"; empty: the document itself, or not known
     std::string expected;  ///< "an integer"
     std::string found;     ///< "-70.5"

@@ -59,20 +59,20 @@ TokenIndex::Outcome TokenIndex::build(std::string_view text) {
     for (std::size_t window = STRETCH;; window *= 2) {
         const std::string_view stretch = text.substr(0, stretchLength(text, window));
         const Outcome outcome = buildWhole(stretch);
-        if (outcome != Outcome::NO_TOKENS || stretch.size() == text.size()) return outcome;
+        if (outcome != Outcome::noTokens || stretch.size() == text.size()) return outcome;
     }
 }
 
 TokenIndex::Outcome TokenIndex::buildWhole(std::string_view stretch) {
     // JSON ends in ASCII. A sequence that is cut off there could lead the library past the end of the text.
-    if (stretch.empty() || static_cast<unsigned char>(stretch.back()) >= 0x80) return Outcome::NO_TOKENS;
-    if (stage_ == nullptr) return Outcome::NO_MEMORY;
+    if (stretch.empty() || static_cast<unsigned char>(stretch.back()) >= 0x80) return Outcome::noTokens;
+    if (stage_ == nullptr) return Outcome::noMemory;
     if (stretch.size() > stage_->capacity() && stage_->set_capacity(stretch.size()) != simdjson::SUCCESS) {
-        return Outcome::NO_MEMORY;
+        return Outcome::noMemory;
     }
     const auto* const bytes = reinterpret_cast<const std::uint8_t*>(stretch.data());
     const auto error = stage_->stage1(bytes, stretch.size(), simdjson::stage1_mode::regular);
-    return error == simdjson::SUCCESS ? Outcome::INDEXED : Outcome::NO_TOKENS;
+    return error == simdjson::SUCCESS ? Outcome::indexed : Outcome::noTokens;
 }
 
 const std::uint32_t* TokenIndex::begin() const { return stage_->structural_indexes.get(); }

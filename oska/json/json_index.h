@@ -23,10 +23,10 @@ public:
     ~TokenIndex();
 
     enum class Outcome {
-        INDEXED,
-        NO_TOKENS,  ///< `text` is blank, not UTF-8, or has a string that is not closed or holds control
-                    ///< characters
-        NO_MEMORY,
+        indexed,
+        noTokens,  ///< `text` is blank, not UTF-8, or has a string that is not closed or holds control
+                   ///< characters
+        noMemory,
     };
 
     /// Indexes the first stretch of `text`, whose UTF-8 and strings are checked on the way.

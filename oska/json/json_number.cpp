@@ -125,15 +125,15 @@ NumberReading parseExactly(const Spelling& spelling, std::int64_t& value) {
     const Decimal decimal = decimalOf(spelling);
     if (decimal.isZero()) {
         value = 0;
-        return NumberReading::READ;
+        return NumberReading::read;
     }
     // Its last digit is not zero.
-    if (decimal.exponent < 0) return NumberReading::FRACTION;
-    if (decimal.magnitude() > DIGITS_OF_LARGEST_INTEGER) return NumberReading::OUT_OF_RANGE;
+    if (decimal.exponent < 0) return NumberReading::fraction;
+    if (decimal.magnitude() > DIGITS_OF_LARGEST_INTEGER) return NumberReading::outOfRange;
     const std::uint64_t whole = wholeValueOf(decimal);
-    if (whole > LARGEST_INTEGER + (spelling.isNegative ? 1 : 0)) return NumberReading::OUT_OF_RANGE;
+    if (whole > LARGEST_INTEGER + (spelling.isNegative ? 1 : 0)) return NumberReading::outOfRange;
     value = static_cast<std::int64_t>(spelling.isNegative ? 0 - whole : whole);
-    return NumberReading::READ;
+    return NumberReading::read;
 }
 
 // Nearly every integer of a document: digits alone, too few to overflow. False: to be looked at in full.
@@ -153,21 +153,21 @@ bool parsePlainInteger(std::string_view token, std::int64_t& value) {
 }  // namespace
 
 NumberReading parseInteger(std::string_view token, std::int64_t& value) {
-    if (parsePlainInteger(token, value)) return NumberReading::READ;
+    if (parsePlainInteger(token, value)) return NumberReading::read;
     const auto spelling = spellingOf(token);
-    if (!spelling) return NumberReading::NOT_A_NUMBER;
+    if (!spelling) return NumberReading::notANumber;
     return parseExactly(*spelling, value);
 }
 
 NumberReading parseReal(std::string_view token, double& value) {
     const auto spelling = spellingOf(token);
-    if (!spelling) return NumberReading::NOT_A_NUMBER;
+    if (!spelling) return NumberReading::notANumber;
     const auto error = std::from_chars(token.data(), token.data() + token.size(), value).ec;
-    if (error == std::errc{}) return NumberReading::READ;
+    if (error == std::errc{}) return NumberReading::read;
     // from_chars reports too large and too small alike.
-    if (decimalOf(*spelling).magnitude() > 0) return NumberReading::OUT_OF_RANGE;
+    if (decimalOf(*spelling).magnitude() > 0) return NumberReading::outOfRange;
     value = spelling->isNegative ? -0.0 : 0.0;
-    return NumberReading::READ;
+    return NumberReading::read;
 }
 
 bool isNumber(std::string_view token) { return spellingOf(token).has_value(); }

@@ -7,16 +7,16 @@
 namespace oska::json {
 
 enum class NumberReading {
-    READ,
-    NOT_A_NUMBER,  ///< the grammar has no such token
-    FRACTION,      ///< a number, but no integer
-    OUT_OF_RANGE,  ///< a number beyond what the wanted type holds
+    read,
+    notANumber,  ///< the grammar has no such token
+    fraction,    ///< a number, but no integer
+    outOfRange,  ///< a number beyond what the wanted type holds
 };
 
 /// The integer that `token` stands for, however it is spelt (7, 7.0, 70e-1), computed without rounding.
 NumberReading parseInteger(std::string_view token, std::int64_t& value);
 
-/// The double nearest to `token`; a smaller magnitude than any double's is zero, a larger one OUT_OF_RANGE.
+/// The double nearest to `token`; a smaller magnitude than any double's is zero, a larger one `outOfRange`.
 /// Keeps the sign of zero. Whatever the locale.
 NumberReading parseReal(std::string_view token, double& value);
 

@@ -37,16 +37,16 @@ Reader::~Reader() { TokenIndex::giveBack(std::move(index_)); }
 void Reader::indexFrom(std::size_t offset) {
     const std::string_view rest = text_.substr(offset);
     const TokenIndex::Outcome outcome = index_->build(rest);
-    if (outcome == TokenIndex::Outcome::INDEXED) {
+    if (outcome == TokenIndex::Outcome::indexed) {
         stretch_ = rest.data();
         token_ = index_->begin();
         end_ = index_->end();
-    } else if (outcome == TokenIndex::Outcome::NO_MEMORY) {
+    } else if (outcome == TokenIndex::Outcome::noMemory) {
         hasPath_ = false;
-        fail(DecodeError::Kind::MALFORMED, "memory for its tokens", "none", offset);
+        fail(DecodeError::Kind::malformed, "memory for its tokens", "none", offset);
     } else if (auto fault = findLexicalFault(rest)) {
         hasPath_ = false;
-        fail(DecodeError::Kind::MALFORMED, fault->expected, std::move(fault->found), offset + fault->offset);
+        fail(DecodeError::Kind::malformed, fault->expected, std::move(fault->found), offset + fault->offset);
     }
 }
 
@@ -82,7 +82,7 @@ bool Reader::beginArray() { return begin('[', "an array"); }
 bool Reader::begin(char bracket, std::string_view expected) {
     if (head() != bracket) return mismatch(expected);
     if (depth_ == DEEPEST_NESTING) {
-        return fail(DecodeError::Kind::MALFORMED, "at most 512 nested arrays and objects", "more", offset());
+        return fail(DecodeError::Kind::malformed, "at most 512 nested arrays and objects", "more", offset());
     }
     ++depth_;
     ++token_;
@@ -95,7 +95,7 @@ bool Reader::nextItem(Enclosure enclosure) {
     const char next = head();
     if (next == static_cast<char>(enclosure)) return end();
     if (std::exchange(isFirst_, false)) return true;
-    if (next != ',') return malformed(enclosure == Enclosure::OBJECT ? "',' or '}'" : "',' or ']'");
+    if (next != ',') return malformed(enclosure == Enclosure::object ? "',' or '}'" : "',' or ']'");
     if (++token_ == end_) indexFrom(offsetOf(token_ - 1) + 1);
     return !failed();
 }
@@ -107,10 +107,10 @@ bool Reader::end() {
     return false;
 }
 
-bool Reader::nextElement() { return nextItem(Enclosure::ARRAY); }
+bool Reader::nextElement() { return nextItem(Enclosure::array); }
 
 bool Reader::nextKey(std::string_view& key) {
-    if (!nextItem(Enclosure::OBJECT)) return false;
+    if (!nextItem(Enclosure::object)) return false;
     if (head() != '"') return malformed("a key");
     escapedKey_ = insideOfText(token_);
     if (!takeText(key, unescapedKey_)) return false;
@@ -120,18 +120,18 @@ bool Reader::nextKey(std::string_view& key) {
 }
 
 bool Reader::readInteger(std::int64_t& value) {
-    return takeNumber(token_ != end_ ? parseInteger(spelling(token_), value) : NumberReading::NOT_A_NUMBER,
+    return takeNumber(token_ != end_ ? parseInteger(spelling(token_), value) : NumberReading::notANumber,
                       "an integer", "an integer of 64 bits");
 }
 
 bool Reader::readReal(double& value) {
-    return takeNumber(token_ != end_ ? parseReal(spelling(token_), value) : NumberReading::NOT_A_NUMBER,
+    return takeNumber(token_ != end_ ? parseReal(spelling(token_), value) : NumberReading::notANumber,
                       "a number", "a number that a double can hold");
 }
 
 bool Reader::takeNumber(NumberReading reading, std::string_view expected, std::string_view expectedRange) {
-    if (reading == NumberReading::OUT_OF_RANGE) return mismatch(expectedRange);
-    if (reading != NumberReading::READ) return mismatch(expected);
+    if (reading == NumberReading::outOfRange) return mismatch(expectedRange);
+    if (reading != NumberReading::read) return mismatch(expected);
     ++token_;
     return true;
 }
@@ -154,7 +154,7 @@ bool Reader::takeText(std::string_view& text, std::string& unescaped) {
     text = insideOfText(token_);
     if (text.find('\\') != std::string_view::npos) {
         if (const auto bad = unescape(text, unescaped)) {
-            return fail(DecodeError::Kind::MALFORMED, "an escape of JSON", excerpt(escapeAt(text, *bad)),
+            return fail(DecodeError::Kind::malformed, "an escape of JSON", excerpt(escapeAt(text, *bad)),
                         offset() + 1 + *bad);
         }
         text = unescaped;
@@ -230,11 +230,11 @@ bool Reader::finish() {
 
 bool Reader::rejectText(std::string_view expected) {
     --token_;
-    return fail(DecodeError::Kind::MISMATCH, expected, found(), offset());
+    return fail(DecodeError::Kind::mismatch, expected, found(), offset());
 }
 
 bool Reader::missingKey(std::string_view key, std::size_t objectOffset) {
-    fail(DecodeError::Kind::MISSING, "a value", "none", objectOffset);
+    fail(DecodeError::Kind::missing, "a value", "none", objectOffset);
     return failedIn(key);
 }
 
@@ -254,11 +254,11 @@ bool Reader::mismatch(std::string_view expected) {
     const std::uint32_t* const token = token_;
     if (next != '{' && next != '[' && !skipValue()) return false;
     token_ = token;
-    return fail(DecodeError::Kind::MISMATCH, expected, found(), offset());
+    return fail(DecodeError::Kind::mismatch, expected, found(), offset());
 }
 
 bool Reader::malformed(std::string_view expected) {
-    return fail(DecodeError::Kind::MALFORMED, expected, found(), offset());
+    return fail(DecodeError::Kind::malformed, expected, found(), offset());
 }
 
 bool Reader::fail(DecodeError::Kind kind, std::string_view expected, std::string found, std::size_t offset) {

@@ -92,7 +92,7 @@ public:
     bool failedIn(std::size_t element);
 
 private:
-    enum class Enclosure : char { OBJECT = '}', ARRAY = ']' };
+    enum class Enclosure : char { object = '}', array = ']' };
 
     [[nodiscard]] char head() const;
     [[nodiscard]] std::string_view spelling(const std::uint32_t* token) const;

@@ -49,23 +49,23 @@ bool isCasedSymbol(utf8proc_int32_t scalar) {
            (scalar >= 0x1F150 && scalar <= 0x1F169) || (scalar >= 0x1F170 && scalar <= 0x1F189);
 }
 
-enum class CaseRole { CASED, IGNORABLE, NONE };
+enum class CaseRole { cased, ignorable, other };
 
 // What a scalar means to a sigma near it. One that is both cased and ignorable is passed over.
 CaseRole caseRole(utf8proc_int32_t scalar) {
-    if (scalar < 0) return CaseRole::NONE;
+    if (scalar < 0) return CaseRole::other;
     const int category = utf8proc_category(scalar);
-    if (isCaseIgnorable(scalar, category)) return CaseRole::IGNORABLE;
+    if (isCaseIgnorable(scalar, category)) return CaseRole::ignorable;
     const bool letter = category == UTF8PROC_CATEGORY_LU || category == UTF8PROC_CATEGORY_LL ||
                         category == UTF8PROC_CATEGORY_LT;
-    return letter || isCasedSymbol(scalar) ? CaseRole::CASED : CaseRole::NONE;
+    return letter || isCasedSymbol(scalar) ? CaseRole::cased : CaseRole::other;
 }
 
 bool casedComesNext(std::string_view text) {
     while (!text.empty()) {
         const Scalar first = firstScalar(text);
         const CaseRole role = caseRole(first.value);
-        if (role != CaseRole::IGNORABLE) return role == CaseRole::CASED;
+        if (role != CaseRole::ignorable) return role == CaseRole::cased;
         text.remove_prefix(first.length);
     }
     return false;
@@ -109,7 +109,7 @@ void appendLowercased(std::string& lower, std::string_view text) {
             appendLowercase(lower, first.value, afterCased, rest);
         }
         const CaseRole role = caseRole(first.value);
-        if (role != CaseRole::IGNORABLE) afterCased = role == CaseRole::CASED;
+        if (role != CaseRole::ignorable) afterCased = role == CaseRole::cased;
         text = rest;
     }
 }

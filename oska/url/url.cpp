@@ -72,14 +72,14 @@ std::string withoutLeadingScheme(std::string_view path) {
 
 std::optional<Url> Url::parse(std::string_view text) {
     if (text.empty() || !text::isUtf8(text)) return std::nullopt;
-    const auto view = splitUrl(text, EmptyScheme::COUNTS);
+    const auto view = splitUrl(text, EmptyScheme::counts);
     auto hierarchy = encodedHierarchy(view);
     if (!hierarchy) return std::nullopt;
     return Url(joinedText(std::move(*hierarchy), encodedPart(view.query), encodedPart(view.fragment)));
 }
 
 std::optional<std::string> Url::scheme() const {
-    const auto view = splitUrl(text_, EmptyScheme::COUNTS);
+    const auto view = splitUrl(text_, EmptyScheme::counts);
     if (!view.scheme) return std::nullopt;
     return std::string(*view.scheme);
 }
@@ -92,14 +92,14 @@ std::optional<std::string> Url::host() const {
 }
 
 std::optional<std::string> Url::encodedHost() const {
-    const auto authority = splitAuthority(splitUrl(text_, EmptyScheme::COUNTS).authority.value_or(""));
+    const auto authority = splitAuthority(splitUrl(text_, EmptyScheme::counts).authority.value_or(""));
     if (!authority || authority->host.empty()) return std::nullopt;
     const bool bracketed = authority->host.front() == '[';
     return std::string(bracketed ? authority->host.substr(1, authority->host.size() - 2) : authority->host);
 }
 
 std::optional<int> Url::port() const {
-    const auto authority = splitAuthority(splitUrl(text_, EmptyScheme::COUNTS).authority.value_or(""));
+    const auto authority = splitAuthority(splitUrl(text_, EmptyScheme::counts).authority.value_or(""));
     if (!authority || !authority->port) return std::nullopt;
     int number = 0;
     const char* end = authority->port->data() + authority->port->size();
@@ -109,9 +109,9 @@ std::optional<int> Url::port() const {
 
 std::optional<Url> Url::resolve(std::string_view reference) const {
     auto target = reference.empty() ? Url() : parse(reference);
-    const auto base = splitUrl(text_, EmptyScheme::COUNTS);
+    const auto base = splitUrl(text_, EmptyScheme::counts);
     if (!target || !base.scheme || !base.authority) return std::nullopt;
-    const auto own = splitUrl(target->text_, EmptyScheme::COUNTS);
+    const auto own = splitUrl(target->text_, EmptyScheme::counts);
     if (own.scheme && !own.authority) return target;
     // RFC 3986, 4.2: a relative reference has no colon in its first segment.
     if (own.isPathOnly() && own.firstSegment().find(':') != std::string_view::npos) return std::nullopt;
@@ -120,7 +120,7 @@ std::optional<Url> Url::resolve(std::string_view reference) const {
 
 std::optional<UrlComponents> UrlComponents::parse(std::string_view text) {
     if (!text::isUtf8(text)) return std::nullopt;
-    const auto view = splitUrl(text, EmptyScheme::IS_NONE);
+    const auto view = splitUrl(text, EmptyScheme::isPartOfPath);
     auto hierarchy = encodedHierarchy(view);
     if (!hierarchy) return std::nullopt;
     UrlComponents components;

@@ -28,7 +28,7 @@ std::optional<std::string_view> cutAt(char mark, std::string_view& text) {
 std::optional<std::string_view> takeScheme(std::string_view& text, EmptyScheme emptyScheme) {
     if (!startsLikeScheme(text)) return std::nullopt;
     const auto scheme = text.substr(0, text.find(':'));
-    const bool counts = scheme.empty() ? emptyScheme == EmptyScheme::COUNTS : isScheme(scheme);
+    const bool counts = scheme.empty() ? emptyScheme == EmptyScheme::counts : isScheme(scheme);
     if (!counts) return std::nullopt;
     text.remove_prefix(scheme.size() + 1);
     return scheme;

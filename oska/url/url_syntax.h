@@ -7,7 +7,7 @@
 /// it. All views lie in the text given.
 namespace oska {
 
-enum class EmptyScheme { COUNTS, IS_NONE };
+enum class EmptyScheme { counts, isPartOfPath };
 
 struct UrlView {
     std::optional<std::string_view> scheme;     // without ":"

@@ -72,12 +72,12 @@ TEST(JsonRecord, HoldsMapsBooleansAndTextValues) {
 TEST(JsonRecord, ErrorsTellPlaceAndLineInShortTexts) {
     const std::string text = "{\"rooms\":{},\n\"open\":false,\n\"doors\":[{\"id\":1,\n\"name\":\"a\"\n}]}";
     const auto missing = decode<House>(text).error();
-    EXPECT_EQ(missing.kind, DecodeError::Kind::MISSING);
+    EXPECT_EQ(missing.kind, DecodeError::Kind::missing);
     EXPECT_EQ(missing.path, "doors[0].tags");
     EXPECT_EQ(missing.line, 3u);
 
     const auto mismatch = decode<Door>("{\"id\":\r\n\"" + std::string(57, 'x') + "\u20ac\"}").error();
-    EXPECT_EQ(mismatch.kind, DecodeError::Kind::MISMATCH);
+    EXPECT_EQ(mismatch.kind, DecodeError::Kind::mismatch);
     EXPECT_EQ(mismatch.line, 2u);
     EXPECT_EQ(mismatch.found, '"' + std::string(57, 'x') + "\u20ac\"");
     EXPECT_EQ(decode<Door>("{\"id\":\"" + std::string(58, 'x') + "\u20ac\"}").error().found,

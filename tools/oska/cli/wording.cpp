@@ -15,8 +15,8 @@ std::string inQuotes(std::string_view text) {
 
 std::string faultText(const DecodeError& error) {
     const auto place = error.path.empty() ? std::string("document") : error.path;
-    const auto fault = error.kind == DecodeError::Kind::MALFORMED ? "malformed JSON, expected "
-                       : error.kind == DecodeError::Kind::MISSING ? "missing, expected "
+    const auto fault = error.kind == DecodeError::Kind::malformed ? "malformed JSON, expected "
+                       : error.kind == DecodeError::Kind::missing ? "missing, expected "
                                                                   : "expected ";
     return place + ": " + fault + error.expected + ", found " + error.found;
 }

@@ -90,13 +90,13 @@ using ArgumentReader = std::optional<std::string> (*)(std::string_view line, Act
 bool isTopLevel(std::string_view path) { return path.find_first_of(".[") == std::string_view::npos; }
 
 std::string reason(const json::DecodeError& error) {
-    if (error.kind == json::DecodeError::Kind::MALFORMED) {
+    if (error.kind == json::DecodeError::Kind::malformed) {
         return "not JSON: expected " + error.expected + ", found " + error.found;
     }
     if (error.path.empty()) return "not a JSON object";
     const auto place = isTopLevel(error.path) ? inQuotes(error.path) : error.path;
     return place +
-           (error.kind == json::DecodeError::Kind::MISSING ? " is missing" : " is not " + error.expected);
+           (error.kind == json::DecodeError::Kind::missing ? " is missing" : " is not " + error.expected);
 }
 
 template <class Arguments>
