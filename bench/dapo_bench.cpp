@@ -17,7 +17,6 @@
 namespace oska::bench {
 namespace {
 
-constexpr Log LOG{"DapoView"};
 constexpr std::int64_t WINDOW = DapoDetection::RFD_BUFFER_TIME_WINDOW * 1000;
 
 DapoBundle site(int wards, int lowestThreshold) {
@@ -38,7 +37,7 @@ public:
     }
 
     std::vector<DapoWard> handle(platform::ReceivedForce sample) {
-        return detection_.handle(std::move(sample), LOG);
+        return detection_.handle(std::move(sample)).wards;
     }
 
     void reset() { detection_.reset(); }
@@ -80,7 +79,7 @@ public:
 private:
     DapoWard describe(const std::string& name, const std::vector<double>& strengths) const {
         const auto& ward = byName_.at(name);
-        const auto [x, y] = maps_.convertWardCoordinate(levelId_, *ward.x, *ward.y, LOG);
+        const auto [x, y] = *maps_.convertWardCoordinate(levelId_, *ward.x, *ward.y);
         const auto strongest = std::round(*std::max_element(strengths.begin(), strengths.end()));
         return {ward.id, levelId_, ward.name, x, y, ward.rssi, static_cast<std::int64_t>(strongest), {}};
     }

@@ -68,12 +68,20 @@ std::map<std::string, IndexedDapoWard> DapoDetection::indexedDapoWardsByName() c
     return byName;
 }
 
-std::vector<DapoWard> DapoDetection::handle(platform::ReceivedForce sample, const Log& log) {
+DapoDetection::Detected DapoDetection::handle(platform::ReceivedForce sample) {
     bufferedRfds_.append(std::move(sample), names_);
     qualify();
-    std::vector<DapoWard> wards;
-    for (const auto ward : qualified_) wards.push_back(detected(wards_[ward], tallies_[ward].strongest, log));
-    return wards;
+    Detected detected;
+    for (const auto number : qualified_) {
+        const auto& ward = wards_[number];
+        const auto onMap = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y);
+        if (!onMap) detected.levelsWithoutMap.push_back(ward.levelId);
+        const auto [x, y] =
+            onMap.value_or(MapPoint{static_cast<double>(ward.x), static_cast<double>(ward.y)});
+        detected.wards.push_back({ward.id, ward.levelId, ward.name, x, y, ward.thresholdRssi,
+                                  roundedToInteger(tallies_[number].strongest), ward.contents});
+    }
+    return detected;
 }
 
 void DapoDetection::qualify() {
@@ -92,12 +100,6 @@ void DapoDetection::qualify() {
     }
     countsFrom_ = highest;
     std::sort(qualified_.begin(), qualified_.end());
-}
-
-DapoWard DapoDetection::detected(const IndexedDapoWard& ward, double strongest, const Log& log) const {
-    const auto [x, y] = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y, log);
-    return {ward.id,      ward.levelId, ward.name, x, y, ward.thresholdRssi, roundedToInteger(strongest),
-            ward.contents};
 }
 
 }  // namespace oska

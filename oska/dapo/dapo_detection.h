@@ -60,8 +60,15 @@ public:
     /// The wards by normalised name, put together at each call.
     [[nodiscard]] std::map<std::string, IndexedDapoWard> indexedDapoWardsByName() const;
 
-    /// The wards detected with this sample, ascending by id and, where that is equal, by name.
-    [[nodiscard]] std::vector<DapoWard> handle(platform::ReceivedForce sample, const Log& log);
+    struct Detected {
+        std::vector<DapoWard> wards;  ///< ascending by id; equal ids by name
+        /// One entry for each of the wards whose level has no map image, in the order of the wards: the id of
+        /// that level. The x and y of such a ward are in bundle units. The service logs each entry.
+        std::vector<std::int64_t> levelsWithoutMap;
+    };
+
+    /// Adds a sample and returns the wards that are detected with it.
+    [[nodiscard]] Detected handle(platform::ReceivedForce sample);
 
     /// Forgets the samples and keeps the wards.
     void reset() { bufferedRfds_.clear(); }
@@ -88,7 +95,6 @@ private:
 
     /// Counts the window, and finds the wards that have readings enough.
     void qualify();
-    [[nodiscard]] DapoWard detected(const IndexedDapoWard& ward, double strongest, const Log& log) const;
 
     WardNames names_;
     std::vector<IndexedDapoWard> wards_;  // by the number of their name, which is the order of delivery

@@ -6,14 +6,15 @@
 namespace oska {
 namespace {
 
-DapoWard wardInfo(const DapoLevel& level, const DapoLevelWard& ward, const LevelMaps& maps, const Log& log) {
-    const auto [x, y] = maps.convertWardCoordinate(level.id, ward.x.value_or(0), ward.y.value_or(0), log);
-    return {ward.id, level.id, ward.name, x, y, ward.rssi, 0, wardContents(ward)};
-}
-
-DapoLevelInfo levelInfo(const DapoLevel& level, const LevelMaps& maps, const Log& log) {
+DapoLevelInfo levelInfo(const DapoLevel& level, const LevelMaps& maps) {
     DapoLevelInfo info{level.id, level.name, maps.find(level.id), {}};
-    for (const auto& ward : level.wards) info.wards.push_back(wardInfo(level, ward, maps, log));
+    for (const auto& ward : level.wards) {
+        const MapPoint inBundle{static_cast<double>(ward.x.value_or(0)),
+                                static_cast<double>(ward.y.value_or(0))};
+        const auto [x, y] =
+            maps.convertWardCoordinate(level.id, ward.x.value_or(0), ward.y.value_or(0)).value_or(inBundle);
+        info.wards.push_back({ward.id, level.id, ward.name, x, y, ward.rssi, 0, wardContents(ward)});
+    }
     return info;
 }
 
@@ -30,11 +31,15 @@ std::vector<WardContents> wardContents(const DapoLevelWard& ward) {
     return contents;
 }
 
-DapoSectorInfo sectorInfo(const DapoBundle& bundle, const LevelMaps& maps, const Log& log) {
-    DapoSectorInfo sector{bundle.id, bundle.name, {}};
+DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMaps& maps) {
+    DapoSectorDescription sector{{bundle.id, bundle.name, {}}, {}};
     for (const auto& building : bundle.buildings) {
-        auto& info = sector.buildings.emplace_back(DapoBuildingInfo{building.id, building.name, {}});
-        for (const auto& level : building.levels) info.levels.push_back(levelInfo(level, maps, log));
+        auto& info = sector.info.buildings.emplace_back(DapoBuildingInfo{building.id, building.name, {}});
+        for (const auto& level : building.levels) {
+            info.levels.push_back(levelInfo(level, maps));
+            if (!info.levels.back().mapImage)
+                sector.levelsWithoutMap.insert(sector.levelsWithoutMap.end(), level.wards.size(), level.id);
+        }
     }
     return sector;
 }

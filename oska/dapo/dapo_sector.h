@@ -13,7 +13,14 @@ namespace oska {
 /// bundle's order.
 [[nodiscard]] std::vector<WardContents> wardContents(const DapoLevelWard& ward);
 
-/// The sector as a tree, with every ward at its place on the map and detected at 0 dBm.
-[[nodiscard]] DapoSectorInfo sectorInfo(const DapoBundle& bundle, const LevelMaps& maps, const Log& log);
+struct DapoSectorDescription {
+    DapoSectorInfo info;
+    /// One entry for each ward whose level has no map image, in bundle order: the id of that level. The x and
+    /// y of such a ward are in bundle units.
+    std::vector<std::int64_t> levelsWithoutMap;
+};
+
+/// The sector as a tree, with each ward at its place on the map and `detected_rssi` 0.
+[[nodiscard]] DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMaps& maps);
 
 }  // namespace oska

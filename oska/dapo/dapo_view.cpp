@@ -7,6 +7,7 @@
 #include "oska/dapo/dapo_output.h"
 #include "oska/foundation/batch_sender.h"
 #include "oska/foundation/generator_run.h"
+#include "oska/foundation/log_message.h"
 #include "oska/foundation/main_thread.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
@@ -255,9 +256,16 @@ void DapoView::handleRfd(platform::ReceivedForce receivedForce) {
     if (!isInitSuccess_ || !dapoBundle_ || detection_->isEmpty()) {
         return LOG.warn("handleRfd", "skipped because Dapo bundle is not ready");
     }
-    auto wards = detection_->handle(std::move(receivedForce), LOG);
-    if (wards.empty()) return output_->releaseExpiredHolds(now());
-    output_->handleDetectedWards(std::move(wards), now());
+    auto detected = detection_->handle(std::move(receivedForce));
+    logLevelsWithoutMap(detected.levelsWithoutMap);
+    if (detected.wards.empty()) return output_->releaseExpiredHolds(now());
+    output_->handleDetectedWards(std::move(detected.wards), now());
+}
+
+void DapoView::logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds) {
+    for (const auto levelId : levelIds) {
+        LOG.warn("convertWardCoordinate", "map_image not found", {{"levelId", levelId}});
+    }
 }
 
 // ---- the foreground

@@ -144,6 +144,7 @@ private:
 
     // Samples, taps and the host's settings.
     void handleRfd(platform::ReceivedForce receivedForce);
+    static void logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds);
     void handleWillEnterForeground();
     void handleTapDapo();
     void storeUnchangedDeliveryInterval(std::string_view operation, std::optional<double> seconds,

@@ -3,6 +3,7 @@
 #include "oska/dapo/dapo_output.h"
 #include "oska/dapo/dapo_sector.h"
 #include "oska/dapo/dapo_view.h"
+#include "oska/foundation/log_message.h"
 
 namespace oska {
 namespace {
@@ -26,7 +27,10 @@ std::optional<DapoMapImage> DapoView::getDapoMapImage(std::int64_t levelId) cons
 std::optional<DapoSectorInfo> DapoView::getDapoSectorInfo() const {
     std::optional<DapoSectorInfo> info;
     onMain("getDapoSectorInfo", [&] {
-        if (dapoBundle_) info = sectorInfo(*dapoBundle_, detection_->maps(), LOG);
+        if (!dapoBundle_) return;
+        auto sector = describeSector(*dapoBundle_, detection_->maps());
+        logLevelsWithoutMap(sector.levelsWithoutMap);
+        info = std::move(sector.info);
     });
     return info;
 }

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "oska/foundation/generator_run.h"
+#include "oska/foundation/log_message.h"
 #include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
 #include "oska/pelio/pelio_ward_selection.h"
@@ -165,7 +166,7 @@ void PelioServiceManager::onRfdEmptyMillis(platform::RFDGenerator&, double time)
 void PelioServiceManager::handleRfd(platform::ReceivedForce receivedForce) {
     const auto host = delegate();
     const auto now = receivedForce.mobile_time;
-    std::optional<PelioResult> result;
+    std::optional<PelioWardSelection::Report> report;
     {
         std::unique_lock lock(mutex_);
         if (!isInitSuccess_ || selection_->wardCount() == 0) {
@@ -173,9 +174,13 @@ void PelioServiceManager::handleRfd(platform::ReceivedForce receivedForce) {
             return LOG.warn("handleRfd", "skipped because Pelio bundle is not ready");
         }
         const auto* ward = selection_->handle(std::move(receivedForce));
-        if (ward && host) result = selection_->report(*ward, now, LOG);
+        if (ward && host) report = selection_->report(*ward, now);
     }
-    if (result) host->onPelioResult(*this, *result);
+    if (!report) return;
+    if (!report->hasMapImage) {
+        LOG.warn("convertWardCoordinate", "map_image not found", {{"levelId", report->result.level_id}});
+    }
+    host->onPelioResult(*this, report->result);
 }
 
 }  // namespace oska

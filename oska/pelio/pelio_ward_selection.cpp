@@ -90,10 +90,12 @@ void PelioWardSelection::adopt(const Candidate& best, std::int64_t now) {
     current_ = Current{best.key, best.ward, now};
 }
 
-PelioResult PelioWardSelection::report(const PelioWardNode& ward, std::int64_t mobileTime,
-                                       const Log& log) const {
-    const auto [x, y] = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y, log);
-    return {mobileTime, ward.buildingId, ward.buildingName, ward.levelId, ward.levelName, x, y};
+PelioWardSelection::Report PelioWardSelection::report(const PelioWardNode& ward,
+                                                      std::int64_t mobileTime) const {
+    const auto onMap = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y);
+    const auto [x, y] = onMap.value_or(MapPoint{static_cast<double>(ward.x), static_cast<double>(ward.y)});
+    return {{mobileTime, ward.buildingId, ward.buildingName, ward.levelId, ward.levelName, x, y},
+            onMap.has_value()};
 }
 
 void PelioWardSelection::reset() {

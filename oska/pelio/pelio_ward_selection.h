@@ -37,6 +37,11 @@ public:
     static constexpr std::int64_t RFD_BUFFER_TIME_WINDOW = 5;      ///< seconds
     static constexpr std::int64_t RESULT_CHANGE_MIN_INTERVAL = 5;  ///< seconds
 
+    struct Report {
+        PelioResult result;
+        bool hasMapImage;  ///< false: the ward's level has no map image, and x and y are in bundle units
+    };
+
     /// Knows no ward.
     PelioWardSelection() = default;
     explicit PelioWardSelection(const PelioBundle& bundle);
@@ -50,8 +55,8 @@ public:
     /// reported before is kept in mind then. The pointer holds as long as the engine.
     const PelioWardNode* handle(platform::ReceivedForce sample);
 
-    [[nodiscard]] PelioResult report(const PelioWardNode& ward, std::int64_t mobileTime,
-                                     const Log& log) const;
+    /// The position report of a ward, for a sample of that mobile time in milliseconds.
+    [[nodiscard]] Report report(const PelioWardNode& ward, std::int64_t mobileTime) const;
 
     /// Forgets samples and ward, and keeps the bundle's wards.
     void reset();

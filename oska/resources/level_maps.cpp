@@ -8,16 +8,13 @@ std::optional<LevelMap> LevelMaps::find(std::int64_t levelId) const {
 }
 
 // Compiled with -ffp-contract=off: product and sum are two operations, each rounded.
-MapPoint LevelMaps::convertWardCoordinate(std::int64_t levelId, std::int64_t x, std::int64_t y,
-                                          const Log& log) const {
-    const MapPoint ward{static_cast<double>(x), static_cast<double>(y)};
+std::optional<MapPoint> LevelMaps::convertWardCoordinate(std::int64_t levelId, std::int64_t x,
+                                                         std::int64_t y) const {
     const auto found = byLevelId_.find(levelId);
-    if (found == byLevelId_.end()) {
-        log.warn("convertWardCoordinate", "map_image not found", {{"levelId", levelId}});
-        return ward;
-    }
+    if (found == byLevelId_.end()) return std::nullopt;
     const auto& map = found->second;
-    return {map.scale_x * ward.x + map.offset_x, map.scale_y * ward.y + map.offset_y};
+    return MapPoint{map.scale_x * static_cast<double>(x) + map.offset_x,
+                    map.scale_y * static_cast<double>(y) + map.offset_y};
 }
 
 }  // namespace oska

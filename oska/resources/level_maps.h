@@ -5,7 +5,6 @@
 #include <optional>
 #include <vector>
 
-#include "oska/foundation/log_message.h"
 #include "oska/resources/level_map.h"
 
 namespace oska {
@@ -26,10 +25,10 @@ public:
     [[nodiscard]] const std::map<std::int64_t, LevelMap>& byLevelId() const { return byLevelId_; }
     [[nodiscard]] std::optional<LevelMap> find(std::int64_t levelId) const;
 
-    /// A ward's place on the map of its level: scale times coordinate, rounded, then plus offset. Without a
-    /// map the coordinates stay as they are, which is logged.
-    [[nodiscard]] MapPoint convertWardCoordinate(std::int64_t levelId, std::int64_t x, std::int64_t y,
-                                                 const Log& log) const;
+    /// A ward's place on the map image of its level, from bundle units: scale times coordinate, rounded, then
+    /// plus offset. Nullopt when the level has no map image; services then use the coordinates unchanged.
+    [[nodiscard]] std::optional<MapPoint> convertWardCoordinate(std::int64_t levelId, std::int64_t x,
+                                                                std::int64_t y) const;
 
 private:
     std::map<std::int64_t, LevelMap> byLevelId_;

@@ -6,7 +6,6 @@
 #include <limits>
 
 #include "oska/dapo/dapo_sector.h"
-#include "tests/fakes/output_capture.h"
 
 namespace oska {
 namespace {
@@ -14,7 +13,6 @@ namespace {
 using Ids = std::vector<std::int64_t>;
 using Strengths = platform::ReceivedForce::Strengths;
 
-constexpr Log LOG{"DapoView"};
 constexpr auto INFINITE = std::numeric_limits<double>::infinity();
 
 DapoLevelWard ward(std::int64_t id, std::string name, std::int64_t rssi = -80) {
@@ -41,7 +39,7 @@ protected:
     }
 
     std::vector<DapoWard> hear(std::int64_t time, Strengths rfs) {
-        return detection_.handle({time, std::move(rfs)}, LOG);
+        return detection_.handle({time, std::move(rfs)}).wards;
     }
 
     /// What the last of `count` equal samples, one a second from `time` on, detects.
@@ -176,7 +174,8 @@ TEST(DapoSector, IsTheBundleAsATreeWithPlacedWards) {
     bundle.buildings.push_back({.id = 4, .name = "empty"});
     bundle.buildings[0].levels.push_back({.id = 5, .name = "bare", .map_image = {}});
     const auto maps = LevelMaps(bundle.buildings);
-    const auto info = sectorInfo(bundle, maps, LOG);
+    const auto [info, levelsWithoutMap] = describeSector(bundle, maps);
+    EXPECT_TRUE(levelsWithoutMap.empty());
     ASSERT_EQ(info.buildings.size(), 2u);
     EXPECT_TRUE(info.buildings[1].levels.empty());
     ASSERT_EQ(info.buildings[0].levels.size(), 2u);
@@ -186,14 +185,17 @@ TEST(DapoSector, IsTheBundleAsATreeWithPlacedWards) {
     EXPECT_EQ(wards[0], (DapoWard{.id = 1, .level_id = 3, .name = " A", .x = 20, .y = 10, .rssi = -80}));
 }
 
-TEST(DapoSector, LeavesAWardInPlaceAndSaysSoWithoutAMap) {
-    fakes::OutputCapture output;
-    const auto info = sectorInfo(siteOf({ward(1, "a")}), {}, LOG);
-    EXPECT_EQ(info.buildings[0].levels[0].wards[0].x, 5);
-    EXPECT_FALSE(info.buildings[0].levels[0].mapImage);
-    EXPECT_EQ(output.take(),
-              std::vector<std::string>{
-                  "[WARN]  [DapoView] (convertWardCoordinate) : map_image not found // levelId = 3"});
+TEST_F(Detection, LeavesAWardInPlaceAndReportsTheLevelWithoutAMapImage) {
+    const auto site = siteOf({ward(1, "a"), ward(2, "b")});
+    detection_.indexDapoWards(site.buildings);
+    hearOften(5, {{"a", -70}, {"b", -70}});
+    const auto detected = detection_.handle({5000, {{"a", -70}, {"b", -70}}});
+    const auto sector = describeSector(site, {});
+    EXPECT_EQ(detected.levelsWithoutMap, (Ids{3, 3})) << "once for each ward";
+    EXPECT_EQ(sector.levelsWithoutMap, (Ids{3, 3}));
+    EXPECT_EQ(detected.wards[0].x, 5);
+    EXPECT_EQ(sector.info.buildings[0].levels[0].wards[0].x, 5);
+    EXPECT_FALSE(sector.info.buildings[0].levels[0].mapImage);
 }
 
 }  // namespace

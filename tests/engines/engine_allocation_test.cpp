@@ -64,8 +64,7 @@ TEST(EngineAllocation, AFullWindowTakesNoMemoryForASample) {
     detection.indexDapoWards(dapo.buildings);
     PelioWardSelection selection(pelio);
     std::size_t detected = 0;
-    EXPECT_EQ(allocationsOf(
-                  [&](auto next) { detected += detection.handle(std::move(next), Log{"DapoView"}).size(); }),
+    EXPECT_EQ(allocationsOf([&](auto next) { detected += detection.handle(std::move(next)).wards.size(); }),
               0u);
     EXPECT_EQ(detected, 0u) << "a delivery may allocate";
     EXPECT_EQ(allocationsOf([&](auto next) { ASSERT_TRUE(selection.handle(std::move(next))); }), 0u);

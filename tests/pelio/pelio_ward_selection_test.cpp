@@ -9,8 +9,6 @@ namespace {
 
 using Strengths = platform::ReceivedForce::Strengths;
 
-constexpr Log LOG{"PelioServiceManager"};
-
 PelioLevelWard ward(std::int64_t id, std::string name, double rssi) {
     return {.id = id, .name = std::move(name), .x = id, .y = 10 * id, .rssi = rssi};
 }
@@ -123,7 +121,8 @@ TEST(PelioWardSelection, ReportsTheHeldWardWithTheSamplesOwnTime) {
     PelioWardSelection selection(bundleWith({ward(100, "a", -90)}));
     const auto* node = selection.handle({7, {{"a", -60}}});
     ASSERT_TRUE(node);
-    const auto result = selection.report(*node, 7, LOG);
+    const auto [result, hasMapImage] = selection.report(*node, 7);
+    EXPECT_TRUE(hasMapImage);
     EXPECT_EQ(result.mobile_time, 7);
     EXPECT_EQ(result.building_name + result.level_name, "buildinglevel");
     EXPECT_EQ(result.x, 60.0);
@@ -137,8 +136,8 @@ TEST(PelioWardSelection, OfLevelsThatShareAnIdTheLaterMapCounts) {
     const PelioWardSelection selection(bundle);
     EXPECT_EQ(selection.wardCount(), 2u);
     EXPECT_EQ(selection.maps().byLevelId().size(), 1u);
-    EXPECT_EQ(selection.maps().convertWardCoordinate(3, 100, 0, LOG).x, 51.0);
-    EXPECT_EQ(selection.maps().convertWardCoordinate(4, 100, 0, LOG).x, 100.0);
+    EXPECT_EQ(selection.maps().convertWardCoordinate(3, 100, 0)->x, 51.0);
+    EXPECT_FALSE(selection.maps().convertWardCoordinate(4, 100, 0));
 }
 
 }  // namespace

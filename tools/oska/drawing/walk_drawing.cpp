@@ -7,14 +7,11 @@
 #include <utility>
 #include <vector>
 
-#include "oska/foundation/log_message.h"
 #include "tools/oska/cli/text_table.h"
 #include "tools/oska/drawing/svg.h"
 
 namespace oska::tool {
 namespace {
-
-constexpr Log LOG{"oska"};
 
 // Okabe and Ito's palette, which colour-blind people tell apart.
 constexpr std::string_view BLUE = "#0072b2";
@@ -85,9 +82,9 @@ std::vector<PlacedWard> wardsOn(const Site& site, std::size_t level) {
     std::vector<PlacedWard> wards;
     for (const auto& ward : site.wards) {
         if (ward.level != level) continue;
-        const auto point = site.maps.convertWardCoordinate(site.levels[level].id, ward.x.value_or(0),
-                                                           ward.y.value_or(0), LOG);
-        if (isDrawable(point)) wards.push_back({ward.name, point});
+        const auto point =
+            site.maps.convertWardCoordinate(site.levels[level].id, ward.x.value_or(0), ward.y.value_or(0));
+        if (point && isDrawable(*point)) wards.push_back({ward.name, *point});
     }
     return wards;
 }

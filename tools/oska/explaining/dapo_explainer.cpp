@@ -7,7 +7,6 @@
 namespace oska::tool {
 namespace {
 
-constexpr Log LOG{"DapoView"};
 constexpr auto NEEDED = DapoDetection::RFD_TRIGGER_COUNT;
 
 std::string count(std::int64_t number, const std::string& noun) {
@@ -92,7 +91,7 @@ void DapoExplainer::scheduleHoldRelease(std::chrono::nanoseconds delay) { holdRe
 
 void DapoExplainer::hear(const platform::ReceivedForce& sample) {
     if (detection_.isEmpty()) return;
-    detected_ = detection_.handle(sample, LOG);
+    detected_ = detection_.handle(sample).wards;
     noteSample();
     if (detected_.empty()) {
         output_.releaseExpiredHolds(wallTime());
