@@ -6,7 +6,6 @@
 #include <string_view>
 #include <utility>
 
-#include "oska/foundation/log_message.h"
 #include "oska/text/text.h"
 
 namespace oska {
@@ -15,7 +14,6 @@ namespace {
 using platform::WallTime;
 using std::chrono::nanoseconds;
 
-constexpr Log LOG{"DapoView"};
 constexpr double SHORTEST_OUTPUT_INTERVAL = 0.001;  // seconds
 
 using NameSet = std::set<std::string_view, text::CanonicalLess>;
@@ -57,11 +55,12 @@ std::vector<DapoWard> DapoOutput::currentWards() const {
 
 // ---- holds
 
-void DapoOutput::handleDetectedWards(std::vector<DapoWard> wards, WallTime now) {
+DapoOutput::Effects DapoOutput::handleDetectedWards(std::vector<DapoWard> wards, WallTime now) {
     currentDapoContents_ = DapoContents{std::move(wards)};
     currentDapoContentsHoldUntil_ = visibilityHoldUntil_ = now + DETECTION_HOLD_DURATION;
-    presenter_.applyVisibility(true);
-    scheduleHoldRelease(now);
+    auto effects = releaseScheduled(now);
+    effects.visibility = true;
+    return effects;
 }
 
 // No deadline is further away than a whole hold, unless the clock was set back since.
@@ -72,22 +71,24 @@ void DapoOutput::limitHolds(WallTime now) {
     }
 }
 
-void DapoOutput::scheduleHoldRelease(WallTime now) {
+/// The release that belongs to the holds, and nothing else.
+DapoOutput::Effects DapoOutput::releaseScheduled(WallTime now) {
     limitHolds(now);
     auto deadline = currentDapoContentsHoldUntil_;
     if (!deadline || (visibilityHoldUntil_ && *visibilityHoldUntil_ < *deadline))
         deadline = visibilityHoldUntil_;
-    if (!deadline) return presenter_.cancelHoldRelease();
-    presenter_.scheduleHoldRelease(std::max(nanoseconds::zero(), spanBetween(now, *deadline)));
+    if (!deadline) return {.release = Release::cancel};
+    return {.release = Release::schedule,
+            .releaseAfter = std::max(nanoseconds::zero(), spanBetween(now, *deadline))};
 }
 
-void DapoOutput::releaseExpiredHolds(WallTime now) {
+DapoOutput::Effects DapoOutput::releaseExpiredHolds(WallTime now) {
     if (isOver(currentDapoContentsHoldUntil_, now)) forgetSelection();
-    if (isOver(visibilityHoldUntil_, now)) {
-        visibilityHoldUntil_.reset();
-        if (!currentDapoContents_) presenter_.applyVisibility(false);
-    }
-    scheduleHoldRelease(now);
+    const bool isVisibilityOver = isOver(visibilityHoldUntil_, now);
+    if (isVisibilityOver) visibilityHoldUntil_.reset();
+    auto effects = releaseScheduled(now);
+    if (isVisibilityOver && !currentDapoContents_) effects.visibility = false;
+    return effects;
 }
 
 void DapoOutput::forgetSelection() {
@@ -99,50 +100,46 @@ void DapoOutput::forgetSelection() {
 
 // ---- delivery
 
-void DapoOutput::deliverCurrentWards(WallTime now) {
-    limitHolds(now);  // what is scheduled comes at the old deadline or before, and then schedules the rest
-    if (!currentDapoContents_ || !isDeliveryDue(now)) return;
+DapoOutput::Effects DapoOutput::deliverCurrentWards(WallTime now) {
+    limitHolds(now);  // the scheduled release comes no later than the limited holds, and then schedules again
+    if (!currentDapoContents_ || !isDeliveryDue(now)) return {};
     forceNextDelivery_ = false;
-    const auto wards = currentDapoContents_->wards;
-    lastDeliveredDapoWards_ = wards;
+    lastDeliveredDapoWards_ = currentDapoContents_->wards;
     lastDeliveredAt_ = now;
-    presenter_.deliver(wards);
+    return {.delivery = currentDapoContents_->wards};
 }
 
 bool DapoOutput::isDeliveryDue(WallTime now) const {
     if (forceNextDelivery_ || !lastDeliveredDapoWards_) return true;
     if (!haveEqualNames(currentDapoContents_->wards, *lastDeliveredDapoWards_)) return true;
     if (!unchangedDeliveryInterval_) return false;
-    if (!lastDeliveredAt_ || *lastDeliveredAt_ > now) return true;  // later than now: the clock was set back
+    if (!lastDeliveredAt_ || *lastDeliveredAt_ > now) return true;  // in the future: the clock was set back
     return *unchangedDeliveryInterval_ <= spanBetween(*lastDeliveredAt_, now);
 }
 
-void DapoOutput::enterForeground(WallTime now) {
+DapoOutput::Effects DapoOutput::enterForeground(WallTime now) {
     forceNextDelivery_ = true;
-    if (!unchangedDeliveryInterval_) deliverCurrentWards(now);
+    return unchangedDeliveryInterval_ ? Effects{} : deliverCurrentWards(now);
 }
 
 // ---- visibility
 
-void DapoOutput::setVisibility(bool isVisible, WallTime now) {
-    if (isVisible) {
-        visibilityHoldUntil_ = now + DETECTION_HOLD_DURATION;
-        presenter_.applyVisibility(true);
-        return scheduleHoldRelease(now);
+DapoOutput::Effects DapoOutput::setVisibility(bool isVisible, WallTime now) {
+    if (!isVisible && !(visibilityHoldUntil_ && *visibilityHoldUntil_ > now)) {
+        visibilityHoldUntil_.reset();
+        return {.visibility = false};
     }
-    if (visibilityHoldUntil_ && *visibilityHoldUntil_ > now) {
-        LOG.info("setVisibility", "delayed hide because visibility hold is active");
-        return scheduleHoldRelease(now);
-    }
-    visibilityHoldUntil_.reset();
-    presenter_.applyVisibility(false);
+    if (isVisible) visibilityHoldUntil_ = now + DETECTION_HOLD_DURATION;
+    auto effects = releaseScheduled(now);
+    effects.isHideDelayed = !isVisible;
+    if (isVisible) effects.visibility = true;
+    return effects;
 }
 
-void DapoOutput::reset() {
+DapoOutput::Effects DapoOutput::reset() {
     forgetSelection();
     visibilityHoldUntil_.reset();
-    presenter_.cancelHoldRelease();
-    presenter_.applyVisibility(false);
+    return {.release = Release::cancel, .visibility = false};
 }
 
 }  // namespace oska

@@ -9,80 +9,86 @@
 
 namespace oska {
 
-/// The output timer's period as it is used: at least a millisecond. None for what is no finite number above
-/// zero.
+/// The period of the output timer, in seconds, as it is used: at least 0.001. Nullopt when `seconds` is not a
+/// finite number above zero.
 [[nodiscard]] std::optional<double> acceptedOutputInterval(double seconds);
 
-/// After how long an unchanged selection is delivered again. None for what is no number from zero on.
+/// The time after which an unchanged selection is delivered again. Nullopt when `seconds` is negative or not
+/// a number; infinity gives the longest span.
 [[nodiscard]] std::optional<std::chrono::nanoseconds> acceptedUnchangedInterval(double seconds);
 
-/// The nearest nanosecond; what 64 bits cannot hold is their end. Requires: a number from zero on.
+/// `seconds` to the nearest nanosecond; at most the longest span. Requires: a number, not negative.
 [[nodiscard]] std::chrono::nanoseconds nanosecondsOf(double seconds);
 
-/// What a host sees of detections: a selection that is held for a while, the moments at which it is
-/// delivered, and whether the view shows.
+/// Dapo's second engine: from detections to what a host sees. It decides which wards are selected, when they
+/// are delivered, and whether the view is visible.
 ///
-/// A selection ends when 5 seconds have passed since the last detection; nobody is told. It is delivered at
-/// the first tick at which its set of ward names differs from the one delivered last, and again when asked to
-/// or when the unchanged-delivery interval has passed. The view shows from a detection, or from when a host
-/// shows it, for 5 seconds, and as long as anything is selected. Time is handed in; a deadline equal to now
-/// is over. The clock may be set back: a hold that would then last more than 5 seconds counts from the first
-/// call that finds it so, a tick included, and an unchanged selection whose last delivery lies ahead of now
-/// is due. Threads: one at a time. Each operation has changed all state before it delivers, so that the one
-/// who hears of it may call anything here.
+/// Selection: the wards of the last detection, for 5 seconds after it. Its end is not reported to the host.
+/// Delivery: at the first tick at which the set of ward names differs from the set delivered last; again when
+/// it is forced, or when the unchanged-delivery interval has passed. Visibility: for 5 seconds after each
+/// detection and after each request of the host to show, and as long as wards are selected.
+///
+/// Time: each operation takes the wall clock's time; a deadline equal to it has passed. When the clock was
+/// set back, a hold ends at most 5 seconds after the first operation that notices it, and an unchanged
+/// selection whose last delivery lies in the future is due.
+///
+/// The engine does nothing itself: each operation returns the effects that its caller must carry out.
+/// Threads: one at a time. Errors: none.
 class DapoOutput {
 public:
+    /// How long a selection and the view's visibility are held.
     static constexpr std::chrono::seconds DETECTION_HOLD_DURATION{5};
 
-    /// Whoever shows, schedules and delivers.
-    class Presenter {
-    public:
-        virtual ~Presenter() = default;
-        virtual void applyVisibility(bool isVisible) = 0;
-        /// `releaseExpiredHolds` is to be called after `delay`, instead of whenever it was to be called
-        /// before.
-        virtual void scheduleHoldRelease(std::chrono::nanoseconds delay) = 0;
-        /// It need not be called any more.
-        virtual void cancelHoldRelease() = 0;
-        virtual void deliver(const std::vector<DapoWard>& dapoWards) = 0;
+    /// What happens to the one call of `releaseExpiredHolds` that may be scheduled.
+    enum class Release {
+        keep,      ///< it stays as it is
+        cancel,    ///< it is not needed any more
+        schedule,  ///< it is replaced by a call after `Effects::releaseAfter`
     };
 
-    /// Keeps `presenter`, which must outlive it.
-    explicit DapoOutput(Presenter& presenter) : presenter_(presenter) {}
+    /// What the caller must do after an operation, in the order of the members. All state has changed before:
+    /// a host that is called meanwhile may use this object, and what the host causes comes last and counts.
+    struct Effects {
+        bool isHideDelayed = false;  ///< a request to hide has to wait for the visibility hold; to be logged
+        Release release = Release::keep;
+        std::chrono::nanoseconds releaseAfter{};  ///< from now, never negative
+        std::optional<bool> visibility = {};      ///< true: show the view, false: hide it, nullopt: neither
+        std::vector<DapoWard> delivery = {};      ///< wards to hand to the host; empty: no delivery
+    };
 
+    /// Nullopt, the initial value: an unchanged selection is never delivered again.
     void setUnchangedDeliveryInterval(std::optional<std::chrono::nanoseconds> interval) {
         unchangedDeliveryInterval_ = interval;
     }
 
-    /// Empty when nothing is selected.
+    /// The selection; empty when nothing is selected.
     [[nodiscard]] std::vector<DapoWard> currentWards() const;
 
-    /// A sample that detected `wards`, which are some.
-    void handleDetectedWards(std::vector<DapoWard> wards, platform::WallTime now);
+    /// A sample has detected `wards`, at least one.
+    [[nodiscard]] Effects handleDetectedWards(std::vector<DapoWard> wards, platform::WallTime now);
 
-    /// A sample that detected nothing, or the moment that was scheduled.
-    void releaseExpiredHolds(platform::WallTime now);
+    /// A sample has detected nothing, or the scheduled time has come.
+    [[nodiscard]] Effects releaseExpiredHolds(platform::WallTime now);
 
     /// A tick of the output timer.
-    void deliverCurrentWards(platform::WallTime now);
+    [[nodiscard]] Effects deliverCurrentWards(platform::WallTime now);
 
-    /// The application comes back to the foreground: the next tick delivers, and comes at once when there is
-    /// no unchanged-delivery interval.
-    void enterForeground(platform::WallTime now);
+    /// The application has returned to the foreground. Forces the next delivery; without an
+    /// unchanged-delivery interval that delivery is due at once.
+    [[nodiscard]] Effects enterForeground(platform::WallTime now);
 
-    /// A host shows or hides the view; hiding waits for the end of the time that it must show.
-    void setVisibility(bool isVisible, platform::WallTime now);
+    /// The host asks to show or to hide the view. Hiding waits for the end of the visibility hold.
+    [[nodiscard]] Effects setVisibility(bool isVisible, platform::WallTime now);
 
-    /// Forgets selection, history and holds, and hides the view. Interval and a forced delivery stay.
-    void reset();
+    /// Forgets selection, delivery history and holds. Keeps the unchanged-delivery interval and a forced
+    /// delivery that is still due.
+    [[nodiscard]] Effects reset();
 
 private:
     [[nodiscard]] bool isDeliveryDue(platform::WallTime now) const;
     void limitHolds(platform::WallTime now);
-    void scheduleHoldRelease(platform::WallTime now);
+    [[nodiscard]] Effects releaseScheduled(platform::WallTime now);
     void forgetSelection();
-
-    Presenter& presenter_;
 
     std::optional<DapoContents> currentDapoContents_;
     std::optional<platform::WallTime> currentDapoContentsHoldUntil_;
@@ -90,7 +96,7 @@ private:
 
     std::optional<std::vector<DapoWard>> lastDeliveredDapoWards_;
     std::optional<platform::WallTime> lastDeliveredAt_;
-    std::optional<std::chrono::nanoseconds> unchangedDeliveryInterval_;  // none: never deliver again
+    std::optional<std::chrono::nanoseconds> unchangedDeliveryInterval_;
     bool forceNextDelivery_ = false;
 };
 

@@ -23,28 +23,6 @@ constexpr Log LOG{"DapoView"};
 
 }  // namespace
 
-class DapoView::Presenter : public DapoOutput::Presenter {
-public:
-    explicit Presenter(DapoView& view) : view_(view) {}
-
-    void applyVisibility(bool isVisible) override { view_.setHidden(!isVisible); }
-
-    void scheduleHoldRelease(std::chrono::nanoseconds delay) override {
-        view_.holdReleaseWorkItem_ = view_.mainQueue_->after(delay, [weak = view_.weakSelf()] {
-            if (const auto self = weak.lock()) self->output_->releaseExpiredHolds(self->now());
-        });
-    }
-
-    void cancelHoldRelease() override { view_.holdReleaseWorkItem_.reset(); }
-
-    void deliver(const std::vector<DapoWard>& dapoWards) override {
-        if (const auto host = view_.delegate_.lock()) host->onDapoSelectionChanged(view_, dapoWards);
-    }
-
-private:
-    DapoView& view_;
-};
-
 // ---- life
 
 std::shared_ptr<DapoView> DapoView::create() {
@@ -60,8 +38,7 @@ DapoView::DapoView()
       generatorRun_(std::make_unique<GeneratorRun>(GeneratorRun::Settings{
           .log = LOG, .stopOperation = "stopGenerator", .stopsFailedGenerator = true})),
       detection_(std::make_unique<DapoDetection>()),
-      presenter_(std::make_unique<Presenter>(*this)),
-      output_(std::make_unique<DapoOutput>(*presenter_)),
+      output_(std::make_unique<DapoOutput>()),
       dapoImageView_(views::ImageView::create()) {
     setHidden(true);
 }
@@ -160,7 +137,7 @@ void DapoView::forgetBundle() {
     dapoBundle_ = nullptr;
     detection_->clearIndexes();
     detection_->reset();
-    output_->reset();
+    perform(output_->reset());
 }
 
 void DapoView::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
@@ -213,7 +190,7 @@ std::optional<DapoErrorCode> DapoView::start() {
 void DapoView::startTimer() {
     if (outputTimer_) return;
     outputTimer_ = mainQueue_->every(nanosecondsOf(outputInterval_), [weak = weakSelf()] {
-        if (const auto self = weak.lock()) self->output_->deliverCurrentWards(self->now());
+        if (const auto self = weak.lock()) self->perform(self->output_->deliverCurrentWards(self->now()));
     });
     LOG.info("startTimer", "success",
              {{"label", "com.quenlo.oska.outputTimer"}, {"interval", outputInterval_}});
@@ -229,7 +206,7 @@ void DapoView::stop() {
     if (!generatorRun_->isIdle()) return;  // a callback inside has stopped the service and started it again
     DapoBatchSender::shared().flush();
     detection_->reset();
-    output_->reset();
+    perform(output_->reset());
 }
 
 // ---- samples
@@ -258,8 +235,8 @@ void DapoView::handleRfd(platform::ReceivedForce receivedForce) {
     }
     auto detected = detection_->handle(std::move(receivedForce));
     logLevelsWithoutMap(detected.levelsWithoutMap);
-    if (detected.wards.empty()) return output_->releaseExpiredHolds(now());
-    output_->handleDetectedWards(std::move(detected.wards), now());
+    if (detected.wards.empty()) return perform(output_->releaseExpiredHolds(now()));
+    perform(output_->handleDetectedWards(std::move(detected.wards), now()));
 }
 
 void DapoView::logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds) {
@@ -268,11 +245,26 @@ void DapoView::logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds) {
     }
 }
 
-// ---- the foreground
+// ---- output
+
+void DapoView::perform(const DapoOutput::Effects& effects) {
+    if (effects.isHideDelayed) LOG.info("setVisibility", "delayed hide because visibility hold is active");
+    if (effects.release == DapoOutput::Release::cancel) holdReleaseWorkItem_.reset();
+    if (effects.release == DapoOutput::Release::schedule) scheduleHoldRelease(effects.releaseAfter);
+    if (effects.visibility) setHidden(!*effects.visibility);
+    if (effects.delivery.empty()) return;
+    if (const auto host = delegate_.lock()) host->onDapoSelectionChanged(*this, effects.delivery);
+}
+
+void DapoView::scheduleHoldRelease(std::chrono::nanoseconds delay) {
+    holdReleaseWorkItem_ = mainQueue_->after(delay, [weak = weakSelf()] {
+        if (const auto self = weak.lock()) self->perform(self->output_->releaseExpiredHolds(self->now()));
+    });
+}
 
 void DapoView::handleWillEnterForeground() {
     onMain("handleWillEnterForeground", [&] {
-        if (generatorRun_->isRunning()) output_->enterForeground(now());
+        if (generatorRun_->isRunning()) perform(output_->enterForeground(now()));
     });
 }
 

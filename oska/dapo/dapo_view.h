@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "oska/dapo/dapo_output.h"
 #include "oska/dapo/dapo_types.h"
 #include "oska/platform/notification_center.h"
 #include "oska/platform/platform.h"
@@ -20,7 +21,6 @@
 namespace oska {
 
 class DapoDetection;
-class DapoOutput;
 class GeneratorRun;
 
 /// The Dapo service: a view laid over one of the host's own, which shows itself while wards of the site are
@@ -120,8 +120,6 @@ public:
     void onRfdEmptyMillis(platform::RFDGenerator& generator, double time) override;
 
 private:
-    class Presenter;  // what DapoOutput asks for, done on this view
-
     DapoView();
     void connect();
     static void release(DapoView* view);
@@ -145,6 +143,8 @@ private:
     // Samples, taps and the host's settings.
     void handleRfd(platform::ReceivedForce receivedForce);
     static void logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds);
+    void perform(const DapoOutput::Effects& effects);
+    void scheduleHoldRelease(std::chrono::nanoseconds delay);
     void handleWillEnterForeground();
     void handleTapDapo();
     void storeUnchangedDeliveryInterval(std::string_view operation, std::optional<double> seconds,
@@ -169,7 +169,6 @@ private:
     // From samples to what the host sees.
     std::shared_ptr<const DapoBundle> dapoBundle_;
     const std::unique_ptr<DapoDetection> detection_;
-    const std::unique_ptr<Presenter> presenter_;
     const std::unique_ptr<DapoOutput> output_;
     double outputInterval_ = 1.0;  // seconds
     std::unique_ptr<platform::ScheduledWork> outputTimer_;

@@ -42,7 +42,7 @@ std::vector<DapoWard> DapoView::getCurrentDapoWards() const {
 }
 
 void DapoView::setVisibility(bool isVisible) {
-    onMain("setVisibility", [&] { output_->setVisibility(isVisible, now()); });
+    onMain("setVisibility", [&] { perform(output_->setVisibility(isVisible, now())); });
 }
 
 bool DapoView::getVisibility() const {

@@ -222,6 +222,9 @@ TEST_F(DapoViewTest, ShowsAtOnceDeliversAtTheTickAndHidesSilently) {
     detect();
     EXPECT_FALSE(view_->getVisibility());
     EXPECT_TRUE(host_->take().empty());
+    view_->setVisibility(false);
+    EXPECT_EQ(output_.take(),
+              Events{"[INFO]  [DapoView] (setVisibility) : delayed hide because visibility hold is active"});
     pass(499ms);
     EXPECT_TRUE(host_->take().empty());
     pass(1ms);

@@ -70,7 +70,7 @@ void judge(WardCase& ward, bool isDetected) {
 }  // namespace
 
 DapoExplainer::DapoExplainer(const DapoBundle& bundle, Question question)
-    : Explainer(std::move(question), "dapo"), output_(*this) {
+    : Explainer(std::move(question), "dapo") {
     detection_.indexDapoWards(bundle.buildings);
     detection_.indexDapoMapImages(bundle.buildings);
     if (this->question().ward) asked_ = detection_.names().find(*this->question().ward);
@@ -82,21 +82,25 @@ void DapoExplainer::advance() {
     while (holdRelease_ && *holdRelease_ <= wallTime()) {
         const auto due = *holdRelease_;
         holdRelease_.reset();
-        output_.releaseExpiredHolds(due);
+        perform(output_.releaseExpiredHolds(due));
         noteSelection(due.milliseconds);
     }
 }
 
-void DapoExplainer::scheduleHoldRelease(std::chrono::nanoseconds delay) { holdRelease_ = wallTime() + delay; }
+void DapoExplainer::perform(const DapoOutput::Effects& effects) {
+    if (effects.release == DapoOutput::Release::cancel) holdRelease_.reset();
+    if (effects.release == DapoOutput::Release::schedule) holdRelease_ = wallTime() + effects.releaseAfter;
+    if (effects.visibility) isVisible_ = *effects.visibility;
+}
 
 void DapoExplainer::hear(const platform::ReceivedForce& sample) {
     if (detection_.isEmpty()) return;
     detected_ = detection_.handle(sample).wards;
     noteSample();
     if (detected_.empty()) {
-        output_.releaseExpiredHolds(wallTime());
+        perform(output_.releaseExpiredHolds(wallTime()));
     } else {
-        output_.handleDetectedWards(detected_, wallTime());
+        perform(output_.handleDetectedWards(detected_, wallTime()));
         lastDetection_ = now();
     }
     noteSelection(now());
@@ -121,11 +125,11 @@ void DapoExplainer::perform(const Action& action) {
         case ActionKind::stop:
             setRunning(false);
             detection_.reset();
-            output_.reset();
+            perform(output_.reset());
             detected_.clear();
             return noteSelection(now());
         case ActionKind::setVisibility:
-            return output_.setVisibility(action.isVisible, wallTime());
+            return perform(output_.setVisibility(action.isVisible, wallTime()));
         default:
             return;  // an initialisation finds the same bundle; the others neither show nor hide
     }

@@ -13,7 +13,7 @@ namespace oska::tool {
 
 /// "Why did nothing show?" Verdicts: "detected", "held" (no longer detected, still selected), "too_weak"
 /// (enough readings, but below the threshold), "too_few", "not_heard".
-class DapoExplainer final : public Explainer, private DapoOutput::Presenter {
+class DapoExplainer final : public Explainer {
 public:
     DapoExplainer(const DapoBundle& bundle, Question question);
 
@@ -37,10 +37,7 @@ private:
     [[nodiscard]] std::vector<std::string> wardNames() const override;
     [[nodiscard]] bool isKnown(const std::string& name) const override;
 
-    void applyVisibility(bool isVisible) override { isVisible_ = isVisible; }
-    void scheduleHoldRelease(std::chrono::nanoseconds delay) override;
-    void cancelHoldRelease() override { holdRelease_.reset(); }
-    void deliver(const std::vector<DapoWard>&) override {}
+    void perform(const DapoOutput::Effects& effects);
 
     [[nodiscard]] platform::WallTime wallTime() const { return {now(), 0}; }
     [[nodiscard]] Strengths strengthsInWindow() const;
