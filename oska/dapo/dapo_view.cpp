@@ -1,20 +1,14 @@
-// The view as a service: its life, initialisation, start and stop, and the road of a sample.
+// What a host may call: each operation, on the main thread.
 #include "oska/dapo/dapo_view.h"
 
 #include <utility>
 
-#include "oska/dapo/dapo_detection.h"
-#include "oska/dapo/dapo_output.h"
+#include "oska/dapo/dapo_service.h"
 #include "oska/foundation/batch_sender.h"
-#include "oska/foundation/generator_run.h"
-#include "oska/foundation/log_message.h"
 #include "oska/foundation/main_thread.h"
-#include "oska/foundation/network_constants.h"
 #include "oska/foundation/signal_source.h"
-#include "oska/json/description.h"
-#include "oska/platform/quenlo_resource.h"
+#include "oska/foundation/weak_part.h"
 #include "oska/platform/quenlo_tovan.h"
-#include "oska/resources/resource_manager.h"
 
 namespace oska {
 namespace {
@@ -27,196 +21,114 @@ constexpr Log LOG{"DapoView"};
 
 std::shared_ptr<DapoView> DapoView::create() {
     std::shared_ptr<DapoView> view(new DapoView, &DapoView::release);
-    view->connect();
+    view->service_->connect();
     return view;
 }
 
-DapoView::DapoView()
-    : View({}),
-      mainQueue_(platform::current().mainQueue),
-      clock_(platform::current().clock),
-      generatorRun_(std::make_unique<GeneratorRun>(GeneratorRun::Settings{
-          .log = LOG, .stopOperation = "stopGenerator", .stopsFailedGenerator = true})),
-      detection_(std::make_unique<DapoDetection>()),
-      output_(std::make_unique<DapoOutput>()),
-      dapoImageView_(views::ImageView::create()) {
-    setHidden(true);
-}
-
-void DapoView::connect() {
-    tapRecognizer_ = std::make_shared<views::TapGestureRecognizer>([weak = weakSelf()] {
-        if (const auto self = weak.lock()) self->handleTapDapo();
-    });
-    foregroundObservation_ = platform::NotificationCenter::shared().addObserver(
-        platform::Notification::willEnterForeground, [weak = weakSelf()] {
-            if (const auto self = weak.lock()) self->handleWillEnterForeground();
-        });
-}
-
-// The job owns the view, so that a queue which has stopped, and destroys the job instead of running it,
-// leaves nothing.
-void DapoView::release(DapoView* view) {
-    auto owner = std::make_shared<std::unique_ptr<DapoView>>(view);
-    const auto queue = view->mainQueue_;
-    sendToMain(*queue, [owner = std::move(owner)] { (*owner)->tearDown(); });
-}
-
-void DapoView::tearDown() {
-    foregroundObservation_.reset();
-    stop();
-}
+DapoView::DapoView() : View({}), service_(std::make_unique<Service>(*this)) { setHidden(true); }
 
 DapoView::~DapoView() = default;
 
-std::weak_ptr<DapoView> DapoView::weakSelf() {
-    return std::static_pointer_cast<DapoView>(weak_from_this().lock());
+// The job owns the view: when the queue has stopped, it destroys the job without running it, and the view
+// too.
+void DapoView::release(DapoView* view) {
+    auto owner = std::make_shared<std::unique_ptr<DapoView>>(view);
+    const auto queue = view->service_->mainQueue();
+    sendToMain(*queue, [owner = std::move(owner)] { (*owner)->service_->tearDown(); });
 }
 
-void DapoView::onMain(std::string_view operation, const std::function<void()>& work) const {
-    const auto self = weak_from_this().lock();  // a callback of the host may let go of the view
-    runOnMain(*mainQueue_, LOG, operation, work);
+template <class Work>
+void DapoView::onMain(std::string_view operation, Work work) const {
+    const auto self = weak_from_this().lock();  // a callback of the host may release the last reference
+    runOnMain(*service_->mainQueue(), LOG, operation, [&] { work(*service_); });
 }
 
-platform::WallTime DapoView::now() const { return clock_->now(); }
+// ---- actions
 
 void DapoView::setDelegate(std::weak_ptr<DapoViewDelegate> delegate) {
-    onMain("setDelegate", [&] { delegate_ = std::move(delegate); });
+    onMain("setDelegate", [&](auto& service) { service.setDelegate(std::move(delegate)); });
 }
 
-std::shared_ptr<DapoViewDelegate> DapoView::delegate() const {
-    std::shared_ptr<DapoViewDelegate> delegate;
-    onMain("delegate", [&] { delegate = delegate_.lock(); });
-    return delegate;
+void DapoView::configureFrame(Placement placement) {
+    onMain("configureFrame", [&](auto& service) { service.configureFrame(placement); });
 }
-
-// ---- initialisation
 
 void DapoView::initialize(Initialization arguments) {
     platform::TovanNetworkConstants::setOnPremise(arguments.baseURL);
-    onMain("initialize", [&] {
-        storeUnchangedDeliveryInterval("initialize", arguments.unchangedDeliveryInterval, true);
-        load(arguments);
-    });
+    onMain("initialize", [&](auto& service) { service.initialize(arguments); });
 }
-
-void DapoView::load(const Initialization& arguments) {
-    if (!isValidServiceId(arguments.id)) {
-        logInvalidId(LOG, arguments.id);
-        return reportInit(DapoInitErrorCode::INVALID_ID);
-    }
-    id_ = arguments.id;
-    LOG.write(OskaLogLevel::INFO, "call initialize");
-    platform::QuenloResourceNetworkConstants::setServerURL("AWS", "KOREA", false);
-    OskaNetworkConstants::setServerURL("KOREA");
-    OskaResourceManager::shared()->loadDapoResources(arguments.sectorId, arguments.forceUpdate,
-                                                     [weak = weakSelf(), arguments](bool success) {
-                                                         if (const auto self = weak.lock())
-                                                             self->finishInitialization(arguments, success);
-                                                     });
-}
-
-void DapoView::finishInitialization(const Initialization& arguments, bool loaded) {
-    auto bundle = loaded ? OskaResourceManager::shared()->currentDapoBundle() : nullptr;
-    isInitSuccess_ = bundle != nullptr;
-    if (!bundle) {
-        LOG.error(
-            "initialize", "resource load failed",
-            {{"id", arguments.id}, {"sectorId", arguments.sectorId}, {"forceUpdate", arguments.forceUpdate}});
-        forgetBundle();
-        return reportInit(DapoInitErrorCode::RESOURCE_FAIL);
-    }
-    LOG.info(
-        "initialize", "success",
-        {{"id", arguments.id}, {"sectorId", arguments.sectorId}, {"forceUpdate", arguments.forceUpdate}});
-    takeIntoUse(std::move(bundle));
-    reportMapImages();
-    reportInit(std::nullopt);
-}
-
-void DapoView::forgetBundle() {
-    dapoBundle_ = nullptr;
-    detection_->clearIndexes();
-    detection_->reset();
-    perform(output_->reset());
-}
-
-void DapoView::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
-    if (OskaLogger::isEnabled()) LOG.info("initialize", describe(*bundle));
-    dapoBundle_ = std::move(bundle);
-    detection_->indexDapoWards(dapoBundle_->buildings);
-    if (OskaLogger::isEnabled()) {
-        LOG.info("indexDapoWards",
-                 "indexedDapoWardsByName= " + describe(detection_->indexedDapoWardsByName()));
-    }
-    detection_->indexDapoMapImages(dapoBundle_->buildings);
-    LOG.info("indexDapoMapImages", "levelCount = " + std::to_string(detection_->maps().byLevelId().size()));
-}
-
-void DapoView::reportMapImages() {
-    const auto mapImages = detection_->maps().byLevelId();  // the host may initialise again
-    for (const auto& [levelId, mapImage] : mapImages) {
-        if (const auto host = delegate_.lock()) host->onDapoMapImageData(*this, levelId, mapImage);
-    }
-}
-
-void DapoView::reportInit(std::optional<DapoInitErrorCode> failure) {
-    if (const auto host = delegate_.lock()) host->onInitSuccess(*this, !failure, failure);
-}
-
-// ---- start and stop
 
 void DapoView::startService() {
-    onMain("startService", [&] {
-        const auto failure = start();
-        if (const auto host = delegate_.lock()) host->onDapoSuccess(*this, !failure, failure);
-    });
-}
-
-std::optional<DapoErrorCode> DapoView::start() {
-    if (!id_ || !isInitSuccess_ || !dapoBundle_) return DapoErrorCode::NOT_INITIALIZED;
-    const auto claim = generatorRun_->claim();
-    if (!claim) return DapoErrorCode::DUPLICATE_SERVICE;
-    const auto self = weakSelf().lock();
-    const auto outcome = generatorRun_->start(
-        *claim, {.id = *id_,
-                 .delegate = self,
-                 .pressure = std::shared_ptr<const std::atomic<float>>(self, &pressure_)});
-    if (outcome.failure || outcome.isOvertaken) return outcome.failure;
-    DapoBatchSender::shared().reset();
-    startTimer();
-    return std::nullopt;
-}
-
-void DapoView::startTimer() {
-    if (outputTimer_) return;
-    outputTimer_ = mainQueue_->every(nanosecondsOf(outputInterval_), [weak = weakSelf()] {
-        if (const auto self = weak.lock()) self->perform(self->output_->deliverCurrentWards(self->now()));
-    });
-    LOG.info("startTimer", "success",
-             {{"label", "com.quenlo.oska.outputTimer"}, {"interval", outputInterval_}});
+    onMain("startService", [](auto& service) { service.startService(); });
 }
 
 void DapoView::stopService() {
-    onMain("stopService", [&] { stop(); });
+    onMain("stopService", [](auto& service) { service.stopService(); });
 }
 
-void DapoView::stop() {
-    outputTimer_.reset();
-    generatorRun_->stop();
-    if (!generatorRun_->isIdle()) return;  // a callback inside has stopped the service and started it again
-    DapoBatchSender::shared().flush();
-    detection_->reset();
-    perform(output_->reset());
+void DapoView::setVisibility(bool isVisible) {
+    onMain("setVisibility", [&](auto& service) { service.presentation().setVisibility(isVisible); });
 }
 
-// ---- samples
+void DapoView::setSelectionInterval(double seconds) {
+    onMain("setSelectionInterval",
+           [&](auto& service) { service.presentation().setSelectionInterval(seconds); });
+}
 
-// A sample that arrives after the view is gone is uploaded all the same.
-void DapoView::onRfdResult(platform::RFDGenerator&, platform::ReceivedForce receivedForce) {
-    sendToMain(*mainQueue_, [weak = weakSelf(), sample = std::move(receivedForce)]() mutable {
-        DapoBatchSender::shared().inputReceivedForce(sample);
-        if (const auto self = weak.lock()) self->handleRfd(std::move(sample));
+void DapoView::setUnchangedDeliveryInterval(std::optional<double> seconds) {
+    constexpr std::string_view OPERATION = "setUnchangedDeliveryInterval";
+    onMain(OPERATION, [&](auto& service) {
+        service.presentation().setUnchangedDeliveryInterval(OPERATION, seconds, false);
     });
+}
+
+// ---- queries
+
+std::shared_ptr<DapoViewDelegate> DapoView::delegate() const {
+    std::shared_ptr<DapoViewDelegate> delegate;
+    onMain("delegate", [&](auto& service) { delegate = service.delegate(); });
+    return delegate;
+}
+
+std::map<std::int64_t, DapoMapImage> DapoView::getDapoMapImages() const {
+    std::map<std::int64_t, DapoMapImage> images;
+    onMain("getDapoMapImages", [&](auto& service) { images = service.maps().byLevelId(); });
+    return images;
+}
+
+std::optional<DapoMapImage> DapoView::getDapoMapImage(std::int64_t levelId) const {
+    std::optional<DapoMapImage> image;
+    onMain("getDapoMapImage", [&](auto& service) { image = service.maps().find(levelId); });
+    return image;
+}
+
+std::optional<DapoSectorInfo> DapoView::getDapoSectorInfo() const {
+    std::optional<DapoSectorInfo> info;
+    onMain("getDapoSectorInfo", [&](auto& service) { info = service.sectorInfo(); });
+    return info;
+}
+
+std::vector<DapoWard> DapoView::getCurrentDapoWards() const {
+    std::vector<DapoWard> wards;
+    onMain("getCurrentDapoWards", [&](auto& service) { wards = service.presentation().currentWards(); });
+    return wards;
+}
+
+bool DapoView::getVisibility() const {
+    bool hidden = true;
+    onMain("getVisibility", [&](auto&) { hidden = isHidden(); });
+    return hidden;
+}
+
+// ---- the generator's callbacks
+
+// A sample that arrives after the view has gone is uploaded all the same.
+void DapoView::onRfdResult(platform::RFDGenerator&, platform::ReceivedForce receivedForce) {
+    sendToMain(*service_->mainQueue(),
+               [weak = weakPart(*this, *service_), sample = std::move(receivedForce)]() mutable {
+                   DapoBatchSender::shared().inputReceivedForce(sample);
+                   if (const auto service = weak.lock()) service->handleRfd(std::move(sample));
+               });
 }
 
 void DapoView::onRfdError(platform::RFDGenerator&, int code, const std::string& msg) {
@@ -224,47 +136,8 @@ void DapoView::onRfdError(platform::RFDGenerator&, int code, const std::string& 
 }
 
 void DapoView::onRfdEmptyMillis(platform::RFDGenerator&, double time) {
-    sendToMain(*mainQueue_, [weak = weakSelf(), time] {
-        if (const auto self = weak.lock()) self->rfdEmptyMillis_ = time;
-    });
-}
-
-void DapoView::handleRfd(platform::ReceivedForce receivedForce) {
-    if (!isInitSuccess_ || !dapoBundle_ || detection_->isEmpty()) {
-        return LOG.warn("handleRfd", "skipped because Dapo bundle is not ready");
-    }
-    auto detected = detection_->handle(std::move(receivedForce));
-    logLevelsWithoutMap(detected.levelsWithoutMap);
-    if (detected.wards.empty()) return perform(output_->releaseExpiredHolds(now()));
-    perform(output_->handleDetectedWards(std::move(detected.wards), now()));
-}
-
-void DapoView::logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds) {
-    for (const auto levelId : levelIds) {
-        LOG.warn("convertWardCoordinate", "map_image not found", {{"levelId", levelId}});
-    }
-}
-
-// ---- output
-
-void DapoView::perform(const DapoOutput::Effects& effects) {
-    if (effects.isHideDelayed) LOG.info("setVisibility", "delayed hide because visibility hold is active");
-    if (effects.release == DapoOutput::Release::cancel) holdReleaseWorkItem_.reset();
-    if (effects.release == DapoOutput::Release::schedule) scheduleHoldRelease(effects.releaseAfter);
-    if (effects.visibility) setHidden(!*effects.visibility);
-    if (effects.delivery.empty()) return;
-    if (const auto host = delegate_.lock()) host->onDapoSelectionChanged(*this, effects.delivery);
-}
-
-void DapoView::scheduleHoldRelease(std::chrono::nanoseconds delay) {
-    holdReleaseWorkItem_ = mainQueue_->after(delay, [weak = weakSelf()] {
-        if (const auto self = weak.lock()) self->perform(self->output_->releaseExpiredHolds(self->now()));
-    });
-}
-
-void DapoView::handleWillEnterForeground() {
-    onMain("handleWillEnterForeground", [&] {
-        if (generatorRun_->isRunning()) perform(output_->enterForeground(now()));
+    sendToMain(*service_->mainQueue(), [weak = weakPart(*this, *service_), time] {
+        if (const auto service = weak.lock()) service->setRfdEmptyMillis(time);
     });
 }
 

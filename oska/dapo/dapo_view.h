@@ -1,30 +1,22 @@
 #pragma once
 
-#include <array>
-#include <atomic>
 #include <cstdint>
-#include <functional>
 #include <map>
 #include <memory>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
-#include "oska/dapo/dapo_output.h"
 #include "oska/dapo/dapo_types.h"
-#include "oska/platform/notification_center.h"
-#include "oska/platform/platform.h"
-#include "oska/resources/bundle.h"
-#include "oska/views/image_view.h"
+#include "oska/platform/quenlo_common.h"
+#include "oska/views/image.h"
+#include "oska/views/view.h"
 
 namespace oska {
 
-class DapoDetection;
-class GeneratorRun;
-
-/// The Dapo service: a view laid over one of the host's own, which shows itself while wards of the site are
-/// near, tells the host which, and reports taps. Every sample that it hears is also uploaded.
+/// The Dapo service: a view over one of the host's own views. It listens for the wards of a site, shows
+/// itself while wards are near, reports them to the host, and reports taps. It uploads each sample that it
+/// hears.
 ///
 ///     auto view = DapoView::create();
 ///     view->setDelegate(host);
@@ -33,153 +25,122 @@ class GeneratorRun;
 ///     // after onInitSuccess:
 ///     view->startService();
 ///
-/// Threads: everything happens on the main thread. Public operations called elsewhere wait for it; when the
-/// main queue has stopped they do nothing, which is logged, and answer nothing (a view counts as hidden
-/// then). Lifetime: the last reference may go on any thread. The service is then stopped on the main thread,
-/// and no sample, tick or work item touches the view any more; should the main queue have stopped, the view
-/// is destroyed where it is.
-/// Shared by all views of the process: the batch that is being collected for upload, and the server that it
-/// goes to. A batch holds the samples of every view that runs; a start forgets what any of them has
-/// collected, a stop uploads it; and the base URL that was given last counts.
+/// Requires: a platform is installed (see platform/platform.h).
+/// Threads: all work is done on the main thread. A public operation that is called on another thread waits
+/// until the main thread has done it. When the main queue has stopped, such a call does nothing, logs an
+/// error and returns an empty value; `getVisibility` returns true then.
+/// Lifetime: the last reference may be released on any thread. The service is then stopped and the view
+/// destroyed on the main thread; no sample, timer or job uses the view afterwards. When the main queue has
+/// stopped, the view is destroyed on the releasing thread instead.
+/// Shared by all views of the process: the samples that wait for upload, and the server that they go to. A
+/// batch contains the samples of each running view. Each start drops the samples that wait, each stop uploads
+/// them, and the base URL given last is used for all.
+/// Errors: no operation throws; outcomes are reported to the delegate, and logged with the tag DapoView.
 class DapoView final : public views::View, public platform::RFDGeneratorDelegate {
 public:
+    /// The arguments of `initialize`.
     struct Initialization {
-        std::string id;  ///< ASCII letters, digits, underscores and hyphens
+        /// The service id: one or more ASCII letters, digits, underscores and hyphens.
+        std::string id = {};
+        /// The sector whose bundle is loaded.
         std::int64_t sectorId = 0;
-        bool forceUpdate = false;  ///< download the bundle even when its version is unchanged
-        std::string baseURL;       ///< of the server that samples are uploaded to
-        /// As for `setUnchangedDeliveryInterval`; one that is refused there counts as none.
-        std::optional<double> unchangedDeliveryInterval;
+        /// Whether the bundle is downloaded even when its version has not changed.
+        bool forceUpdate = false;
+        /// The server that samples are uploaded to: scheme, host and port.
+        std::string baseURL = {};
+        /// Seconds, as for `setUnchangedDeliveryInterval`. A value that is refused there counts as nullopt.
+        std::optional<double> unchangedDeliveryInterval = {};
     };
 
+    /// The arguments of `configureFrame`.
     struct Placement {
-        std::shared_ptr<views::View> to;                ///< the view to cover; not one inside this view
-        std::shared_ptr<const views::Image> dapoImage;  ///< null: the built-in one
+        /// The view to cover. Must not be this view or inside it.
+        std::shared_ptr<views::View> to = {};
+        /// The image to show. Null: the image that the kit contains.
+        std::shared_ptr<const views::Image> dapoImage = {};
     };
 
-    /// A view that is hidden, placed nowhere, and knows no site.
+    /// Makes a view that is hidden, has no superview and has no bundle.
     [[nodiscard]] static std::shared_ptr<DapoView> create();
 
     ~DapoView() override;
 
-    /// Held weakly; may be set, replaced and taken away at any time.
+    /// The receiver of all reports. The view holds it weakly; it may be replaced or cleared at any time.
     void setDelegate(std::weak_ptr<DapoViewDelegate> delegate);
+    /// Null when no delegate is set or when it has been destroyed.
     [[nodiscard]] std::shared_ptr<DapoViewDelegate> delegate() const;
 
-    /// Puts the view over `to`, with pinned edges, and shows the image in it. May be called again, with
-    /// another view, too.
+    /// Puts the view on top of `placement.to`, pins its edges to it, and shows the image. May be called
+    /// again, also with another view. Without a valid view it logs an error and changes nothing.
     void configureFrame(Placement placement);
 
-    /// Loads the sector's bundle; the outcome is `onInitSuccess`: of an id that is refused inside this call,
-    /// of a load in a later job of the main queue. May be called again at any time: while the
-    /// service runs it goes on, and what it has heard counts for the new bundle. A failure forgets the bundle
-    /// and all that was heard.
+    /// Loads the sector's bundle. The outcome is `onInitSuccess`: for an invalid id inside this call,
+    /// otherwise in a later job of the main queue.
+    ///
+    /// May be called again at any time. A running service goes on, and samples heard before count for the new
+    /// bundle. A failure removes the old bundle and all samples, and hides the view.
     void initialize(Initialization arguments);
 
-    /// Starts to listen. The outcome is `onDapoSuccess`, called before this returns; it tells of the start
-    /// alone, also when the host has stopped the service meanwhile, in a callback or in an event loop that
-    /// the signal generator ran.
+    /// Starts the signal generator and the output timer. The outcome is `onDapoSuccess`, inside this call. It
+    /// describes this start only: the host may have stopped the service meanwhile, in a callback or in an
+    /// event loop that the generator runs.
     void startService();
 
-    /// Stops listening, uploads what is left, forgets what was heard and hides the view; the bundle stays. No
-    /// delegate call.
-    /// A sample that the generator has handed over on another thread before, and that waits in the main
-    /// queue, is still handled afterwards: it counts as heard, also for the next start; enough of them select
-    /// their ward and show the view for 5 seconds, though nothing is delivered until the next start.
+    /// Stops the generator and the timer, uploads the samples that wait, forgets samples and selection, and
+    /// hides the view. The bundle stays, so that the service can start again. Calls no delegate.
+    ///
+    /// A sample that the generator sent on another thread before, and that still waits in the main queue, is
+    /// handled after the stop. It counts also for the next start. Enough such samples select their ward and
+    /// show the view for 5 seconds, but nothing is delivered until the next start.
     void stopService();
 
-    /// By level id; empty without a bundle.
+    /// The map images of the site by level id; empty without a bundle.
     [[nodiscard]] std::map<std::int64_t, DapoMapImage> getDapoMapImages() const;
+    /// The map image of one level; nullopt for an unknown level.
     [[nodiscard]] std::optional<DapoMapImage> getDapoMapImage(std::int64_t levelId) const;
-    /// None without a bundle.
+    /// The site as a tree of buildings, levels and wards; nullopt without a bundle.
     [[nodiscard]] std::optional<DapoSectorInfo> getDapoSectorInfo() const;
 
-    /// Shows the view for 5 seconds, or hides it: at once, or when the time is over that it must show.
+    /// True: shows the view for 5 seconds. False: hides it; when a detection or an earlier call still keeps
+    /// it visible, at the end of those 5 seconds.
     void setVisibility(bool isVisible);
-    /// True while the view is hidden.
+    /// True while the view is HIDDEN, false while it is shown.
     [[nodiscard]] bool getVisibility() const;
 
-    /// The period at which selections are delivered, from the next start on; 1 second from the beginning.
-    /// Takes finite numbers above zero, and what is under a millisecond counts as one. Anything else is
-    /// refused and logged.
+    /// The period of the output timer in seconds, initially 1; used from the next start on. Accepts finite
+    /// numbers above zero; less than 0.001 counts as 0.001. Any other value is ignored and logged.
     void setSelectionInterval(double seconds);
 
-    /// After how many seconds an unchanged selection is delivered again, at the first tick; none, as at the
-    /// beginning: never. Takes numbers from zero on. Anything else is refused and logged.
-    /// With a multiple of the selection interval chance decides: ticks are late by a little, now more, now
-    /// less, so the tick that was meant may come just short of it, and the next one delivers. Half a
-    /// selection interval less avoids that.
+    /// The number of seconds after which an unchanged selection is delivered again, at the first tick of the
+    /// output timer. Nullopt, the initial value: never. Accepts numbers from zero on, infinity included. Any
+    /// other value is ignored and logged.
+    ///
+    /// Do not use a multiple of the selection interval: ticks come a little late, so the expected tick may
+    /// come just before the time is over, and then the next tick delivers. Subtract half a selection
+    /// interval.
     void setUnchangedDeliveryInterval(std::optional<double> seconds);
 
-    /// Empty while nothing is selected.
+    /// The wards that are selected now, in the order of a delivery; empty when nothing is selected.
     [[nodiscard]] std::vector<DapoWard> getCurrentDapoWards() const;
 
-    // The generator's callbacks, on any thread.
+    // The generator's callbacks, called by the generator on any thread; a host does not call them.
+
+    /// One sample. On the main thread it is handled inside the call, otherwise in a job of the main queue.
     void onRfdResult(platform::RFDGenerator& generator, platform::ReceivedForce receivedForce) override;
+    /// Logs the error; the service goes on.
     void onRfdError(platform::RFDGenerator& generator, int code, const std::string& msg) override;
+    /// Stores the time, in milliseconds, for which nothing was received.
     void onRfdEmptyMillis(platform::RFDGenerator& generator, double time) override;
 
 private:
+    class Service;
+
     DapoView();
-    void connect();
     static void release(DapoView* view);
-    void tearDown();
+    template <class Work>
+    void onMain(std::string_view operation, Work work) const;
 
-    [[nodiscard]] std::weak_ptr<DapoView> weakSelf();
-    void onMain(std::string_view operation, const std::function<void()>& work) const;
-    [[nodiscard]] platform::WallTime now() const;
-
-    // Initialisation and start.
-    void load(const Initialization& arguments);
-    void finishInitialization(const Initialization& arguments, bool loaded);
-    void takeIntoUse(std::shared_ptr<const DapoBundle> bundle);
-    void forgetBundle();
-    void reportMapImages();
-    void reportInit(std::optional<DapoInitErrorCode> failure);
-    [[nodiscard]] std::optional<DapoErrorCode> start();
-    void startTimer();
-    void stop();
-
-    // Samples, taps and the host's settings.
-    void handleRfd(platform::ReceivedForce receivedForce);
-    static void logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds);
-    void perform(const DapoOutput::Effects& effects);
-    void scheduleHoldRelease(std::chrono::nanoseconds delay);
-    void handleWillEnterForeground();
-    void handleTapDapo();
-    void storeUnchangedDeliveryInterval(std::string_view operation, std::optional<double> seconds,
-                                        bool refusedCountsAsNone);
-
-    // Placement.
-    void place(const Placement& placement);
-    void pinEdges();
-    void setupAssets(std::shared_ptr<const views::Image> image);
-
-    const std::shared_ptr<platform::MainQueue> mainQueue_;
-    const std::shared_ptr<platform::WallClock> clock_;
-
-    // The service. Here and below: main thread only, but for what is atomic.
-    std::weak_ptr<DapoViewDelegate> delegate_;
-    std::optional<std::string> id_;
-    bool isInitSuccess_ = false;
-    const std::unique_ptr<GeneratorRun> generatorRun_;
-    double rfdEmptyMillis_ = 0;       // milliseconds, as the generator last said
-    std::atomic<float> pressure_{0};  // for the generator; nothing here changes it
-
-    // From samples to what the host sees.
-    std::shared_ptr<const DapoBundle> dapoBundle_;
-    const std::unique_ptr<DapoDetection> detection_;
-    const std::unique_ptr<DapoOutput> output_;
-    double outputInterval_ = 1.0;  // seconds
-    std::unique_ptr<platform::ScheduledWork> outputTimer_;
-    std::unique_ptr<platform::ScheduledWork> holdReleaseWorkItem_;
-
-    // On the screen.
-    std::array<std::shared_ptr<views::LayoutConstraint>, 4> edgeConstraints_;
-    std::shared_ptr<const views::Image> dapoImage_;
-    const std::shared_ptr<views::ImageView> dapoImageView_;
-    std::shared_ptr<views::TapGestureRecognizer> tapRecognizer_;
-    std::unique_ptr<platform::Observation> foregroundObservation_;
+    const std::unique_ptr<Service> service_;
 };
 
 }  // namespace oska

@@ -1,10 +1,8 @@
 #pragma once
 
-#include <atomic>
 #include <cstdint>
 #include <map>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 
@@ -13,9 +11,6 @@
 
 namespace oska {
 
-class GeneratorRun;
-class PelioWardSelection;
-
 /// The Pelio service: from received-signal samples to the phone's position in a building.
 ///
 ///     auto service = PelioServiceManager::create(
@@ -23,79 +18,76 @@ class PelioWardSelection;
 ///     // after onInitSuccess:
 ///     service->startService();
 ///
-/// Threads: operations on any thread. Initialisation is reported on the main queue, a start inside
-/// `startService`, results on the generator's thread. The service guards its state with a mutex that it never
-/// holds while it calls a delegate or the generator, so a host may call anything from any callback. Lifetime:
-/// the last reference may go on any thread, inside a callback, too; that stops the service. A load under way
-/// then ends without a callback.
+/// Requires: a platform is installed (see platform/platform.h).
+/// Threads: operations on any thread, also inside a callback. The initialisation is reported on the main
+/// queue, a start inside `startService`, a position on the generator's thread. No lock is held during a
+/// callback.
+/// Lifetime: the last reference may be released on any thread, also inside a callback. That stops the
+/// service; a load that is not finished ends without a callback. Errors: no operation throws; outcomes are
+/// reported to the delegate, and logged with the tag PelioServiceManager.
 class PelioServiceManager : public platform::RFDGeneratorDelegate,
                             public std::enable_shared_from_this<PelioServiceManager> {
 public:
+    /// The arguments of `create`.
     struct Options {
-        std::string id;      ///< ASCII letters, digits, underscores and hyphens
-        std::string region;  ///< "KOREA" or "CANADA"; anything else counts as Korea
+        /// The service id: one or more ASCII letters, digits, underscores and hyphens.
+        std::string id = {};
+        /// The region whose servers are used: "KOREA" or "CANADA". Any other text counts as "KOREA".
+        std::string region = {};
+        /// The sector whose bundle is loaded.
         std::int64_t sectorId = 0;
-        bool forceUpdate = false;  ///< download the bundle even when its version is unchanged
-
-        /// The first delegate, held weakly. It hears the outcome for certain; one that is set afterwards may
-        /// miss it when `create` is called off the main thread, and never hears of an id that is not valid.
+        /// Whether the bundle is downloaded even when its version has not changed.
+        bool forceUpdate = false;
+        /// The first delegate, held weakly; it receives the outcome of the initialisation in any case. A
+        /// delegate that is set later may miss the outcome when `create` is called off the main thread, and
+        /// always misses the report of an invalid id.
         std::weak_ptr<PelioServiceManagerDelegate> delegate = {};
     };
 
-    /// Makes the service and starts its initialisation, which ends with `onInitSuccess`, on the main queue.
-    /// With an id that is not valid nothing is loaded: that is logged, and the delegate of the options hears
-    /// it inside this call, on its thread. It may call the service, and keep it by `shared_from_this`.
+    /// Makes the service and starts its initialisation, which ends with `onInitSuccess` in a job of the main
+    /// queue. An invalid id is reported inside this call, on its thread, to the delegate of the options, and
+    /// nothing is loaded. The delegate may already use the service then, and keep it by `shared_from_this`.
+    /// Never null.
     [[nodiscard]] static std::shared_ptr<PelioServiceManager> create(Options options);
 
     ~PelioServiceManager() override;
     PelioServiceManager(const PelioServiceManager&) = delete;
     PelioServiceManager& operator=(const PelioServiceManager&) = delete;
 
-    /// Held weakly; may be set, replaced and taken away at any time.
+    /// The receiver of all reports. The service holds it weakly; it may be replaced or cleared at any time.
     void setDelegate(std::weak_ptr<PelioServiceManagerDelegate> delegate);
+    /// Null when no delegate is set or when it has been destroyed.
     [[nodiscard]] std::shared_ptr<PelioServiceManagerDelegate> delegate() const;
 
-    /// Starts the generator. The outcome is `onPelioSuccess`, called before this returns; it tells of the
-    /// start alone, also when a callback or another thread has stopped the service meanwhile.
+    /// Starts the signal generator. The outcome is `onPelioSuccess`, inside this call. It describes this
+    /// start only: a callback or another thread may have stopped the service meanwhile.
     void startService();
 
-    /// Stops the generator and forgets what was heard; the bundle stays. What the generator still delivers
-    /// while it is being stopped is reported as before, and the service counts as started until then. No
-    /// other delegate call.
+    /// Stops the generator and forgets samples and position; the bundle stays, so that the service can start
+    /// again. What the generator still delivers while it is being stopped is reported as before, and the
+    /// service counts as started until then. Calls no delegate otherwise.
     void stopService();
 
-    /// By level id; empty before a successful initialisation.
+    /// The map images of the site by level id; empty before a successful initialisation.
     [[nodiscard]] std::map<std::int64_t, PelioMapImage> getPelioMapImages() const;
+    /// The map image of one level; nullopt for an unknown level.
     [[nodiscard]] std::optional<PelioMapImage> getPelioMapImage(std::int64_t levelId) const;
 
-    // The generator's callbacks, on the generator's thread. A result is reported before onRfdResult returns.
+    // The generator's callbacks, called by the generator on its own thread; a host does not call them.
+
+    /// One sample. A position that follows from it is reported before this returns.
     void onRfdResult(platform::RFDGenerator& generator, platform::ReceivedForce receivedForce) override;
+    /// Logs the error; the service goes on.
     void onRfdError(platform::RFDGenerator& generator, int code, const std::string& msg) override;
+    /// Stores the time, in milliseconds, for which nothing was received.
     void onRfdEmptyMillis(platform::RFDGenerator& generator, double time) override;
 
 private:
+    class Service;
+
     explicit PelioServiceManager(Options options);
 
-    void initialize();
-    void finishInitialization(bool loaded);
-    void reportMapImages();
-    void reportInit(bool success, std::optional<PelioInitErrorCode> code);
-    void reportStart(bool success, std::optional<PelioErrorCode> code);
-
-    [[nodiscard]] std::optional<PelioErrorCode> start();
-    [[nodiscard]] bool isInitialized() const;
-
-    void handleRfd(platform::ReceivedForce receivedForce);
-
-    const Options options_;
-    const std::unique_ptr<GeneratorRun> generatorRun_;
-    std::atomic<double> rfdEmptyMillis_{0};  // milliseconds, as the generator last said
-    std::atomic<float> pressure_{0};         // for the generator; nothing here changes it
-
-    mutable std::mutex mutex_;  // guards all below
-    std::weak_ptr<PelioServiceManagerDelegate> delegate_;
-    bool isInitSuccess_ = false;
-    std::unique_ptr<PelioWardSelection> selection_;  // never null; built from the bundle
+    const std::unique_ptr<Service> service_;
 };
 
 }  // namespace oska

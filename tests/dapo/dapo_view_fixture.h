@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "oska/dapo/dapo_view.h"
+#include "oska/platform/notification_center.h"
 #include "tests/fakes/output_capture.h"
 #include "tests/fakes/site_server.h"
 

@@ -1,6 +1,7 @@
-// The view on the screen: where it lies, what it shows, and taps.
-#include "oska/dapo/dapo_output.h"
-#include "oska/dapo/dapo_view.h"
+#include "oska/dapo/dapo_placement.h"
+
+#include <utility>
+
 #include "oska/foundation/log_message.h"
 
 namespace oska {
@@ -15,56 +16,50 @@ constexpr std::array EDGES{top, bottom, leading, trailing};
 
 }  // namespace
 
-void DapoView::configureFrame(Placement placement) {
-    onMain("configureFrame", [&] { place(placement); });
+void DapoPlacement::setTapAction(std::function<void()> action) {
+    tapRecognizer_ = std::make_shared<views::TapGestureRecognizer>(std::move(action));
 }
 
-void DapoView::place(const Placement& placement) {
+void DapoPlacement::place(const DapoView::Placement& placement, const std::optional<std::string>& id) {
     const auto& matchView = placement.to;
     if (!matchView) return LOG.error("configureFrame", "failed because matchView is nil");
-    if (matchView->isAtOrBelow(*this))
+    if (matchView->isAtOrBelow(view_))
         return LOG.error("configureFrame", "failed because matchView is in the view");
     writeDirectLine(logMessage("DapoView", "configureFrame",
                                {{"matchView.frame", describe(matchView->frame())},
                                 {"matchView.bounds", describe(matchView->bounds())}}));
-    if (superview() != matchView) matchView->addSubview(shared_from_this());
+    if (view_.superview() != matchView) matchView->addSubview(view_.shared_from_this());
     pinEdges();
     matchView->setNeedsLayout();
     matchView->layoutIfNeeded();
     setupAssets(placement.dapoImage);
-    setUserInteractionEnabled(true);
-    addGestureRecognizer(tapRecognizer_);
+    view_.setUserInteractionEnabled(true);
+    view_.addGestureRecognizer(tapRecognizer_);
     LOG.info("configureFrame", "success",
-             {{"id", id_.value_or("nil")}, {"frame", describe(matchView->bounds())}});
+             {{"id", id.value_or("nil")}, {"frame", describe(matchView->bounds())}});
 }
 
-void DapoView::pinEdges() {
+void DapoPlacement::pinEdges() {
     for (std::size_t i = 0; i < EDGES.size(); ++i) {
         auto& constraint = edgeConstraints_[i];
         if (constraint) constraint->setActive(false);
-        constraint = LayoutConstraint::pin(shared_from_this(), EDGES[i]);
+        constraint = LayoutConstraint::pin(view_.shared_from_this(), EDGES[i]);
         constraint->setActive(true);
     }
 }
 
-void DapoView::setupAssets(std::shared_ptr<const views::Image> image) {
+void DapoPlacement::setupAssets(std::shared_ptr<const views::Image> image) {
     dapoImage_ = image ? std::move(image) : views::imageNamed("ic_dapo");
     if (!dapoImage_) return LOG.error("setupAssets", "failed because dapo image is nil");
-    if (dapoImageView_->superview().get() != this) {
-        addSubview(dapoImageView_);
+    if (dapoImageView_->superview().get() != &view_) {
+        view_.addSubview(dapoImageView_);
         for (const auto edge : EDGES) LayoutConstraint::pin(dapoImageView_, edge)->setActive(true);
     }
     dapoImageView_->setImage(dapoImage_);
     dapoImageView_->setAlpha(IMAGE_ALPHA);
     dapoImageView_->setClipsToBounds(false);
-    layoutIfNeeded();
+    view_.layoutIfNeeded();
     LOG.info("setupAssets", "success");
-}
-
-void DapoView::handleTapDapo() {
-    const auto wards = output_->currentWards();
-    if (wards.empty()) return;
-    if (const auto host = delegate_.lock()) host->onClick(*this, wards);
 }
 
 }  // namespace oska
