@@ -1,297 +1,198 @@
 #include "oska/tovan/tovan_service_manager.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <latch>
 #include <thread>
 
 #include "adapters/virtual/virtual_platform.h"
-#include "tests/fakes/fake_navigation_manager.h"
+#include "tests/tovan/recording_navigation.h"
 
 namespace oska {
 namespace {
 
-using fakes::FakeNavigationHost;
-using fakes::FakeNavigationManager;
-using platform::InitErrorCode;
+using fakes::line;
+using fakes::Lines;
+using fakes::RecordingNavigation;
+using fakes::RecordingNavigationHost;
 using platform::TovanServiceResult;
-using Delegate = std::weak_ptr<platform::NavigationManagerDelegate>;
-using testing::_;
-using testing::Eq;
-using testing::Field;
-using testing::HasSubstr;
-using testing::InSequence;
-using testing::NiceMock;
-using testing::Property;
-using testing::Ref;
-using testing::Return;
-using testing::SaveArg;
-using testing::StrictMock;
 
-/// Whatever a test does not expect the host to hear fails it.
+const std::string MISSING =
+    "The navigation framework QuenloTovan is missing: the installed platform makes no NavigationManager";
+
 class TovanService : public testing::Test {
 protected:
-    explicit TovanService(bool hasFramework = true) {
+    TovanService() {
         auto parts = world_.platform();
-        if (hasFramework) {
-            parts.makeNavigationManager = [this](const platform::NavigationOptions& options) {
-                options_ = options;
-                if (!manager_) throw 1;
-                return manager_;
-            };
-        }
+        parts.makeNavigationManager = [this](const platform::NavigationOptions& o) {
+            calls_.add("make", o.id, o.cloud, o.region, o.sectorId, o.debugOption, o.uploadOption, o.dev,
+                       o.onPremiseBaseURL.value_or("nil"));
+            if (!manager_) throw 1;
+            return manager_;
+        };
         platform::install(std::move(parts));
     }
 
     std::shared_ptr<TovanServiceManager> create() {
-        return TovanServiceManager::create({.id = "demo", .region = "KOREA", .delegate = host_});
+        auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA", .delegate = host_});
+        calls_.take();
+        host_->record.take();
+        return service;
+    }
+    bool notifyArrival() {
+        return manager_->notify([](auto& delegate) { delegate.isUserArrived(); });
     }
 
     virtual_world::VirtualPlatform world_{{}};
-    const TovanServiceResult result_{"as it came"};
-    std::shared_ptr<StrictMock<FakeNavigationHost>> host_ =
-        std::make_shared<StrictMock<FakeNavigationHost>>();
-    std::shared_ptr<FakeNavigationManager> manager_ = std::make_shared<NiceMock<FakeNavigationManager>>();
-    platform::NavigationOptions options_;
+    fakes::Record calls_;  // to the navigation service
+    std::shared_ptr<RecordingNavigationHost> host_ = std::make_shared<RecordingNavigationHost>();
+    std::shared_ptr<RecordingNavigation> manager_ = std::make_shared<RecordingNavigation>(calls_);
 };
 
-TEST_F(TovanService, CreatesOneNavigationServiceFromUncheckedOptions) {
+TEST_F(TovanService, MakesOneNavigationServiceFromUncheckedOptionsAndThenInitialisesIt) {
     const auto service = TovanServiceManager::create({.id = "no id!",
                                                       .region = "MOON",
                                                       .sectorId = -12,
                                                       .debugOption = true,
-                                                      .onPremiseBaseURL = " not a url"});
-    EXPECT_EQ(options_.id, "no id!");
-    EXPECT_EQ(options_.region, "MOON");
-    EXPECT_EQ(options_.sectorId, -12);
-    EXPECT_TRUE(options_.debugOption);
-    EXPECT_EQ(options_.onPremiseBaseURL, " not a url");
-    EXPECT_EQ(options_.cloud, "GCP");
-    EXPECT_FALSE(options_.uploadOption);
-    EXPECT_TRUE(options_.dev);
-}
-
-TEST_F(TovanService, InitialisesOnceWhenTheDelegateIsSetSoThatAnAnswerAtOnceReachesTheHost) {
-    const InSequence order;
-    EXPECT_CALL(*manager_, setDelegate(_));
-    EXPECT_CALL(*manager_, initialize()).WillOnce([this] {
-        manager_->notify([this](auto& d) { d.onInitSuccess(false, InitErrorCode::UNKNOWN, result_); });
-    });
-    EXPECT_CALL(*host_, onInitSuccess(false, Eq(InitErrorCode::UNKNOWN), Ref(result_)));
-    const auto service = create();
-    EXPECT_CALL(*manager_, setDelegate(_));  // at its end
+                                                      .onPremiseBaseURL = " not a url",
+                                                      .delegate = host_});
+    EXPECT_EQ(calls_.take(), (Lines{"make no id! GCP MOON -12 true false true  not a url", "setDelegate some",
+                                    "initialize"}));
+    EXPECT_EQ(host_->record.take(), Lines{"init true nil at once"});
 }
 
 TEST_F(TovanService, PassesCallsOnUnchanged) {
     const auto service = create();
-    const platform::Point dest{.level_id = 3, .x = 1.5, .y = -2};
-    EXPECT_CALL(*manager_, startService(platform::UserMode::VEHICLE));
-    EXPECT_CALL(*manager_, setNaviDestination(Ref(dest), true));
-    EXPECT_CALL(*manager_, setNaviDestination(Ref(dest), false));
     service->startService(platform::UserMode::VEHICLE);
-    service->setNaviDestination(dest, true);
-    service->setNaviDestination(dest, false);
-
-    EXPECT_CALL(*manager_, getBuildingName(7)).WillOnce(Return("Hall"));
-    EXPECT_CALL(*manager_, getBuildingId("Hall")).WillOnce(Return(7));
-    EXPECT_CALL(*manager_, getLevelName(9)).WillOnce(Return(std::nullopt));
-    EXPECT_CALL(*manager_, getLevelId(12, "Hall", "B1")).WillOnce(Return(9));
-    EXPECT_CALL(*manager_, getScaleOffset(12, "Hall", "B1"))
-        .WillOnce(Return(std::vector{1.0F, -0.5F}))
-        .WillOnce(Return(std::nullopt));
-    EXPECT_EQ(service->getBuildingName(7), "Hall");
+    service->setNaviDestination({3, 1.5, -2}, true);
+    service->setNaviDestination({}, false);
+    EXPECT_EQ(service->getBuildingName(7), "buildingName 7");
     EXPECT_EQ(service->getBuildingId("Hall"), 7);
-    EXPECT_EQ(service->getLevelName(9), std::nullopt);
-    EXPECT_EQ(service->getLevelId(12, "Hall", "B1"), 9);
-    EXPECT_EQ(service->getScaleOffset(12, "Hall", "B1"), (std::vector{1.0F, -0.5F}));
-    EXPECT_EQ(service->getScaleOffset(12, "Hall", "B1"), std::nullopt);
+    EXPECT_EQ(service->getLevelName(9), "levelName 9");
+    EXPECT_EQ(service->getLevelId(12, "Hall", "B1"), 8);
+    EXPECT_EQ(service->getScaleOffset(12, "Hall", "B1"), (std::vector{1.5F, -2.0F}));
+    EXPECT_EQ(calls_.take(),
+              (Lines{line("start", static_cast<int>(platform::UserMode::VEHICLE)),
+                     "destination 3 1.5 -2 true", "destination 0 0 0 false", "buildingName 7",
+                     "buildingId Hall", "levelName 9", "levelId 12 Hall B1", "scaleOffset 12 Hall B1"}));
+    manager_->hasAnswers = false;
+    EXPECT_FALSE(service->getBuildingName(7) || service->getBuildingId("") || service->getLevelName(9) ||
+                 service->getLevelId(1, "", "") || service->getScaleOffset(1, "", ""));
 }
 
 TEST_F(TovanService, PassesCompletionsOnUnchanged) {
     const auto service = create();
-    const platform::RoutingStart start{};
-    const platform::Point end{};
-    const std::vector<platform::Point> waypoints{{}, {}};
+    Lines completed;
     for (const bool isVehicle : {true, false}) {
-        platform::NavigationManager::RoutingCompletion routed;
-        EXPECT_CALL(*manager_, requestRouting(Ref(start), Ref(end), Ref(waypoints), isVehicle, _))
-            .WillOnce(SaveArg<4>(&routed));
-        const std::optional<platform::RoutingResult> found{{.distance = 4, .time = 2}};
-        const std::vector<platform::NavigationLevelRoute> routes(2);
-        int calls = 0;
-        service->requestRouting(start, end, waypoints, isVehicle,
-                                [&](const auto& gotResult, const auto& gotRoutes, auto reason) {
-                                    ++calls;
-                                    EXPECT_EQ(&gotResult, &found);
-                                    EXPECT_EQ(&gotRoutes, &routes);
-                                    EXPECT_EQ(reason, platform::NavigationRouteFailureReason::UNKNOWN);
-                                });
-        EXPECT_EQ(calls, 0);
-        routed(found, routes, platform::NavigationRouteFailureReason::UNKNOWN);
-        EXPECT_EQ(calls, 1);
+        service->requestRouting(
+            {{1, 2, 3}, 90}, {4, 5, 6}, {{7, 8, 9}}, isVehicle,
+            [&](const auto& found, const auto& routes, auto reason) {
+                completed.push_back(line(found->time, routes.size(), fakes::text(reason)));
+            });
+        EXPECT_EQ(calls_.take(), Lines{line("routing 1 2 3 90 4 5 6 7 8 9", isVehicle)});
     }
-
-    EXPECT_CALL(*manager_, stopService(_)).Times(2).WillRepeatedly([this](auto completion) {
-        completion(true, "stopped", result_);
+    service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
+        completed.push_back(line(success, text, result.message));
     });
-    std::string text;
-    service->stopService([&](bool success, const std::string& words, const TovanServiceResult& result) {
-        text = words;
-        EXPECT_TRUE(success);
-        EXPECT_EQ(&result, &result_);
-    });
-    EXPECT_EQ(text, "stopped");
+    EXPECT_TRUE(completed.empty()) << "it is the navigation service that completes";
+    manager_->routed({{.distance = 4, .time = 2}}, {{}, {}}, platform::NavigationRouteFailureReason{5});
+    manager_->stopped(true, "stopped", {"as it came"});
+    EXPECT_EQ(completed, (Lines{"2 2 5", "true stopped as it came"}));
 }
 
 TEST_F(TovanService, RelaysEveryNotificationButOne) {
     const auto service = create();
-    const platform::TovanResult position;
-    const std::string report = "report";
-    const std::vector<platform::NavigationRouteEntry> route{{"Hall", "B1", 0.1F, -2.0F}};
-    const std::vector<std::vector<double>> waypoints{{0.1, 2}, {}};
-    EXPECT_CALL(*host_, onInitSuccess(true, Eq(std::nullopt), Ref(result_)));
-    EXPECT_CALL(*host_, onTovanSuccess(false, Eq(platform::TovanErrorCode::UNKNOWN), Ref(result_)));
-    EXPECT_CALL(*host_, onTovanResult(Ref(position)));
-    EXPECT_CALL(*host_, onTovanReport(platform::TovanServiceCode{77}, Ref(report)));
-    EXPECT_CALL(*host_, isTovanInOutStateChanged(platform::InOutState::OUTDOOR));
-    EXPECT_CALL(*host_, isUserArrived());
-    EXPECT_CALL(*host_, isNavigationRouteChanged(Ref(route)));
-    EXPECT_CALL(*host_, isNavigationRouteFailed(platform::NavigationRouteFailureReason{5}));
-    EXPECT_CALL(*host_, isUserGuidanceOut());
-    EXPECT_CALL(*host_, isWaypointChanged(Ref(waypoints)));
-
-    EXPECT_TRUE(manager_->notify([&](auto& d) {
-        d.onInitSuccess(true, std::nullopt, result_);
-        d.onTovanSuccess(false, platform::TovanErrorCode::UNKNOWN, result_);
-        d.onTovanResult(position);
-        d.onTovanReport(platform::TovanServiceCode{77}, report);
+    manager_->notify([](platform::NavigationManagerDelegate& d) {
+        d.onInitSuccess(false, platform::InitErrorCode::UNKNOWN, {"a"});
+        d.onTovanSuccess(true, std::nullopt, {"b"});
+        d.onTovanSuccess(false, platform::TovanErrorCode{4}, {"c"});
+        d.onTovanResult({1, "Hall", "B1", 2, 3});
+        d.onTovanReport(platform::TovanServiceCode{77}, "d");
         d.isTovanInOutStateChanged(platform::InOutState::OUTDOOR);
         d.isUserArrived();
-        d.isNavigationRouteChanged(route);
+        d.isNavigationRouteChanged({{"Hall", "B1", 0.5F, -2.0F}});
         d.isNavigationRouteFailed(platform::NavigationRouteFailureReason{5});
         d.isUserGuidanceOut();
-        d.isWaypointChanged(waypoints);
-        d.onBuildingLevelChangeStateChanged(platform::BuildingLevelChangeState::UNKNOWN, "a", "b", "c", "d",
-                                            1);
-    }));
+        d.isWaypointChanged({{0.5, 2}, {}});
+        d.onBuildingLevelChangeStateChanged({}, "a", "b", "c", "d", 1);
+    });
+    EXPECT_EQ(host_->record.take(),
+              (Lines{"init false -1 a", "start true nil b", "start false 4 c", "result 1 Hall B1 2 3",
+                     "report 77 d", "inOut 1", "arrived", "route 1 Hall B1 0.5 -2", "failed 5", "guidanceOut",
+                     "waypoints 2 2"}));
 }
 
-TEST_F(TovanService, TellsTheDelegateOfTheMomentAndKeepsNoneAlive) {
+TEST_F(TovanService, NotifiesTheDelegateThatIsSetAndKeepsNoneAlive) {
     const auto service = create();
-    const auto arrive = [](auto& d) { d.isUserArrived(); };
-    const auto second = std::make_shared<StrictMock<FakeNavigationHost>>();
+    const auto second = std::make_shared<RecordingNavigationHost>();
     service->setDelegate(second);
     EXPECT_EQ(service->delegate(), second);
-    EXPECT_CALL(*second, isUserArrived());
-    manager_->notify(arrive);
-
+    notifyArrival();
+    EXPECT_EQ(second->record.take(), Lines{"arrived"});
+    EXPECT_TRUE(host_->record.take().empty());
     service->setDelegate(host_);
     host_.reset();
     EXPECT_EQ(service->delegate(), nullptr);
-    EXPECT_TRUE(manager_->notify(arrive));
+    EXPECT_TRUE(notifyArrival());
 }
 
 TEST_F(TovanService, ItsEndStopsTheNavigationServiceAndNothingReachesTheHost) {
     auto service = create();
-    platform::NavigationManager::StopCompletion stopped;
-    {
-        const InSequence order;
-        EXPECT_CALL(*manager_, setDelegate(Property(&Delegate::expired, true)));
-        EXPECT_CALL(*manager_, stopService(_)).WillOnce(SaveArg<0>(&stopped));
-    }
-    service.reset();
-    stopped(true, "stopped", result_);
-    EXPECT_FALSE(manager_->notify([](auto& d) { d.isUserArrived(); }));
+    host_->reaction = [&] { service.reset(); };  // inside a notification
+    notifyArrival();
+    EXPECT_EQ(calls_.take(), (Lines{"setDelegate nil", "stop"}));
+    manager_->stopped(true, "stopped", {});
+    EXPECT_FALSE(notifyArrival());
+    EXPECT_EQ(host_->record.take(), Lines{"arrived"});
     EXPECT_EQ(manager_.use_count(), 1);
-}
-
-TEST_F(TovanService, TheLastReferenceMayGoInsideANotification) {
-    auto service = create();
-    EXPECT_CALL(*host_, isUserArrived()).WillOnce([&] { service.reset(); });
-    EXPECT_CALL(*manager_, stopService(_)).WillOnce(testing::Throw(1));
-    manager_->notify([](auto& d) { d.isUserArrived(); });
-    EXPECT_FALSE(manager_->notify([](auto& d) { d.isUserArrived(); }));
+    manager_->throwsInStop = true;
+    create().reset();
 }
 
 TEST_F(TovanService, MayChangeItsDelegateAndEndWhileAnotherThreadNotifies) {
-    const auto countDownOnce = [](FakeNavigationHost& host, std::latch& heard) {
-        EXPECT_CALL(host, isUserArrived())
-            .WillOnce([&heard] { heard.count_down(); })
-            .WillRepeatedly(Return());
-    };
     for (int round = 0; round < 100; ++round) {
-        manager_ = std::make_shared<NiceMock<FakeNavigationManager>>();
-        EXPECT_CALL(*manager_, stopService(_));
-        const auto first = std::make_shared<FakeNavigationHost>();
-        const auto second = std::make_shared<FakeNavigationHost>();
-        std::latch firstHeard{1};
-        std::latch secondHeard{1};
-        countDownOnce(*first, firstHeard);
-        countDownOnce(*second, secondHeard);
-        auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA", .delegate = first});
-        std::thread notifier([manager = manager_] {
-            while (manager->notify([](auto& d) { d.isUserArrived(); })) {
-            }
+        manager_ = std::make_shared<RecordingNavigation>(calls_);
+        const auto second = std::make_shared<RecordingNavigationHost>();
+        auto service = create();
+        std::thread notifier([this] {
+            while (notifyArrival()) continue;
         });
-        firstHeard.wait();
+        host_->record.awaitAny();
         service->setDelegate(second);
-        secondHeard.wait();
+        second->record.awaitAny();
         service.reset();
         notifier.join();
     }
 }
 
-// ---- no navigation framework
+// ---- no navigation framework: the factory throws
 
-auto namesTheFramework() { return Field(&TovanServiceResult::message, HasSubstr("QuenloTovan is missing")); }
-
-TEST_F(TovanService, AFactoryThatThrowsCountsAsNoFramework) {
+TEST_F(TovanService, WithoutFrameworkInitialisationAndStartFailWithTextsThatNameIt) {
     manager_.reset();
-    EXPECT_CALL(*host_, onTovanSuccess(false, _, namesTheFramework()));
-    create()->startService(platform::UserMode::PEDESTRIAN);
-}
-
-class TovanServiceWithoutFramework : public TovanService {
-protected:
-    TovanServiceWithoutFramework() : TovanService(false) {}
-};
-
-TEST_F(TovanServiceWithoutFramework, InitialisationAndStartFailInWordsThatNameIt) {
     const auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA"});
     service->setDelegate(host_);
-    EXPECT_CALL(*host_, onInitSuccess(false, Eq(InitErrorCode::UNKNOWN), namesTheFramework()));
     world_.time().runDue();
-    EXPECT_CALL(*host_, onTovanSuccess(false, Eq(platform::TovanErrorCode::UNKNOWN), namesTheFramework()));
     service->startService(platform::UserMode::PEDESTRIAN);
-}
-
-TEST_F(TovanServiceWithoutFramework, CompletionsFailAndGettersAnswerNone) {
-    const auto service = create();
-    int completed = 0;
-    service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
-        ++completed;
-        EXPECT_FALSE(success);
-        EXPECT_THAT(text, HasSubstr("QuenloTovan is missing"));
-        EXPECT_THAT(result, namesTheFramework());
-    });
-    service->requestRouting({}, {}, {}, true, [&](const auto& found, const auto& routes, auto reason) {
-        ++completed;
-        EXPECT_FALSE(found);
-        EXPECT_TRUE(routes.empty());
-        EXPECT_TRUE(reason);
-    });
-    EXPECT_EQ(completed, 2);
-    EXPECT_CALL(*host_, isNavigationRouteFailed(_));
     service->setNaviDestination({}, false);
-
-    EXPECT_FALSE(service->getBuildingName(1) || service->getBuildingId("") || service->getLevelName(1) ||
-                 service->getLevelId(1, "", "") || service->getScaleOffset(1, "", ""));
-}
-
-TEST_F(TovanServiceWithoutFramework, AnAdapterThatIsGoneIsNotReportedOn) {
+    EXPECT_EQ(host_->record.take(),
+              (Lines{"init false -1 " + MISSING, "start false -1 " + MISSING, "failed -1"}));
     create().reset();
     world_.time().runDue();
+    EXPECT_TRUE(host_->record.take().empty()) << "nothing is reported for a service that has gone";
+}
+
+TEST_F(TovanService, WithoutFrameworkCompletionsFailAndGettersReturnNullopt) {
+    manager_.reset();
+    const auto service = create();
+    Lines completed;
+    service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
+        completed.push_back(line(success, text == MISSING, result.message == MISSING));
+    });
+    service->requestRouting({}, {}, {}, true, [&](const auto& found, const auto& routes, auto reason) {
+        completed.push_back(line(found.has_value(), routes.empty(), fakes::text(reason)));
+    });
+    EXPECT_EQ(completed, (Lines{"false true true", "false true -1"}));
+    EXPECT_FALSE(service->getBuildingName(1) || service->getBuildingId("") || service->getLevelName(1) ||
+                 service->getLevelId(1, "", "") || service->getScaleOffset(1, "", ""));
 }
 
 }  // namespace
