@@ -1,8 +1,9 @@
 #include "adapters/native/curl_multi.h"
 
 #include <algorithm>
-#include <limits>
 #include <new>
+
+#include "adapters/native/wake_pipe.h"
 
 namespace oska::native {
 namespace {
@@ -60,23 +61,13 @@ int CurlMulti::onTimer(CURLM*, long milliseconds, void* self) noexcept {
 void CurlMulti::wait(Clock::time_point deadline, int wakeDescriptor, const OnActivity& onActivity) {
     polled_.assign(1, {wakeDescriptor, POLLIN, 0});
     for (const auto& [socket, watch] : watches_) polled_.push_back({socket, watch.events, 0});
-    const int readyCount = ::poll(polled_.data(), polled_.size(), pollTimeout(deadline));
+    const auto next = std::min(deadline, timer_.value_or(Clock::time_point::max()));
+    const int readyCount = ::poll(polled_.data(), polled_.size(), pollTimeout(next));
     for (std::size_t i = 1; readyCount > 0 && i < polled_.size(); ++i) {
         if (polled_[i].revents != 0) advance(polled_[i], onActivity);
     }
     advanceTimer();
     if (isBroken_) throw std::bad_alloc();
-}
-
-/// Rounded up: a deadline that is almost there must not be polled for. A far one is polled for in two steps,
-/// because the kernel may end a long wait late by a thousandth of it.
-int CurlMulti::pollTimeout(Clock::time_point deadline) const {
-    const auto next = std::min(deadline, timer_.value_or(Clock::time_point::max()));
-    if (next == Clock::time_point::max()) return -1;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(next - Clock::now()).count();
-    constexpr std::int64_t LAST_STEP = 1000;
-    const auto step = left > 2 * LAST_STEP ? left - LAST_STEP : left;
-    return static_cast<int>(std::clamp<std::int64_t>(step, 0, std::numeric_limits<int>::max()));
 }
 
 void CurlMulti::advance(const pollfd& ready, const OnActivity& onActivity) {

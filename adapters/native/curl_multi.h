@@ -53,7 +53,6 @@ private:
 
     static int onSocket(CURL* transfer, curl_socket_t socket, int what, void* self, void* perSocket) noexcept;
     static int onTimer(CURLM* handle, long milliseconds, void* self) noexcept;
-    [[nodiscard]] int pollTimeout(Clock::time_point deadline) const;
     void advance(const pollfd& ready, const OnActivity& onActivity);
     void advanceTimer();
 

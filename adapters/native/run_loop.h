@@ -4,7 +4,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <thread>
 
 #include "oska/platform/main_queue.h"
 
@@ -55,13 +54,13 @@ public:
     [[nodiscard]] bool sync(platform::Task task) override;
 
 private:
-    std::shared_ptr<class Job> schedule(Clock::time_point deadline, std::chrono::nanoseconds interval,
-                                        platform::Task task);
+    void wakeUnlessPumping();
+    void waitUntilDue();
 
-    const std::thread::id mainThread_ = std::this_thread::get_id();
     const std::function<void()> wake_;
-    const std::shared_ptr<class JobQueue> jobs_;  // shared with the handles
-    bool isPumping_ = false;                      // main thread only
+    const std::unique_ptr<class WakePipe> wakePipe_;
+    const std::unique_ptr<class RunLoopJobs> jobs_;
+    bool isPumping_ = false;  // main thread only
 };
 
 }  // namespace oska::native

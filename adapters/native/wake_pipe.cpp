@@ -1,9 +1,13 @@
 #include "adapters/native/wake_pipe.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdint>
+#include <limits>
 
 #include "oska/platform/platform.h"
 
@@ -12,7 +16,7 @@ namespace oska::native {
 WakePipe::WakePipe() {
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0)
-        platform::programmingError("no file descriptors are left for the network thread");
+        platform::programmingError("no file descriptors are left to wake a thread by");
     readEnd_ = ends[0];
     writeEnd_ = ends[1];
     for (const int end : ends) {
@@ -36,6 +40,20 @@ void WakePipe::wake() {
 void WakePipe::reset() {
     char byte = 0;
     if (::read(readEnd_, &byte, 1) == 1) isAwake_.store(false);
+}
+
+void WakePipe::wait(Clock::time_point deadline) const {
+    pollfd polled{readEnd_, POLLIN, 0};
+    (void)::poll(&polled, 1, pollTimeout(deadline));  // ended by a signal: as if the time were over
+}
+
+int pollTimeout(WakePipe::Clock::time_point deadline) {
+    using Clock = WakePipe::Clock;
+    if (deadline == Clock::time_point::max()) return -1;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    constexpr std::int64_t LAST_STEP = 1000;
+    const auto step = left > 2 * LAST_STEP ? left - LAST_STEP : left;
+    return static_cast<int>(std::clamp<std::int64_t>(step, 0, std::numeric_limits<int>::max()));
 }
 
 }  // namespace oska::native

@@ -3,7 +3,6 @@
 #include <chrono>
 #include <functional>
 #include <memory>
-#include <thread>
 
 #include "oska/platform/clock.h"
 #include "oska/platform/main_queue.h"
@@ -61,9 +60,8 @@ public:
 private:
     void beginMoving();
 
-    const std::thread::id mainThread_ = std::this_thread::get_id();
+    const std::unique_ptr<class VirtualJobs> jobs_;
     bool isRunningJobs_ = false;
-    const std::shared_ptr<class Schedule> schedule_;  // shared with the handles
 };
 
 }  // namespace oska::virtual_world
