@@ -12,27 +12,27 @@ namespace oska::native {
 
 class HttpTransfer;
 
-/// Who may use how many connections: six a session and host (name and port). Transfers beyond that wait, in
-/// the order in which they came; transfers to other hosts pass them by.
-/// Threads: one at a time. Lifetime: a transfer leaves before it is destroyed.
+/// Limits the requests under way to six for each session and host (name and port). More transfers wait, in
+/// the order in which they came; transfers to other hosts do not wait for them.
+/// Threads: one at a time. Lifetime: a transfer must leave before it is destroyed.
 class ConnectionSlots {
 public:
     static constexpr std::size_t MAXIMUM = 6;
 
-    /// Gets in line. Requires: the transfer is prepared, and neither waits nor has a slot.
+    /// Adds the transfer to those that wait. Requires: it is prepared, does not wait and has no slot.
     void enter(HttpTransfer& transfer);
 
-    /// The next that may go, which has a slot from now on; null when all others must wait.
+    /// Gives a slot to the next transfer that may have one, and returns it; null when all must wait.
     [[nodiscard]] HttpTransfer* next();
 
-    /// Gives the slot, or the place in the line, back; nothing when the transfer has neither.
+    /// Gives up the slot, or stops to wait. Does nothing when the transfer has no slot and does not wait.
     void leave(HttpTransfer& transfer);
 
 private:
     using Key = std::pair<const void*, std::string>;  // session, host and port
     struct Host {
         std::size_t active = 0;
-        std::map<std::uint64_t, HttpTransfer*> waiting;  // in the order of coming
+        std::map<std::uint64_t, HttpTransfer*> waiting;  // by number: in the order in which they came
     };
     struct Place {
         Key key;
@@ -42,7 +42,7 @@ private:
 
     std::map<Key, Host> hosts_;
     std::unordered_map<HttpTransfer*, Place> places_;
-    std::deque<Key> changed_;  // one entry for each that came or left: where somebody may be able to go
+    std::deque<Key> changed_;  // hosts where a transfer came or left, so that one may be able to start
     std::uint64_t lastNumber_ = 0;
 };
 

@@ -12,10 +12,10 @@ namespace {
 using Space = std::array<char, 32768>;
 
 constexpr int WINDOW_BITS = 15;        // the largest window that either coding allows
-constexpr int GZIP = 16;               // added to the window bits: zlib's own way to say so
+constexpr int GZIP = 16;               // added to the window bits, it makes zlib read gzip
 constexpr unsigned char DEFLATED = 8;  // RFC 1950, 2.2: the low half of the first byte
 
-/// Without a wrapper the first byte opens a block, whose bits are never those of the wrapper's first byte.
+/// Without a wrapper the first byte begins a block, and never has the low half of a wrapper's first byte.
 int windowBits(ContentDecoder::Coding coding, unsigned char firstByte) {
     if (coding == ContentDecoder::Coding::gzip) return WINDOW_BITS + GZIP;
     return (firstByte & 0x0F) == DEFLATED ? WINDOW_BITS : -WINDOW_BITS;
@@ -33,7 +33,7 @@ struct ContentDecoder::Stream {
         z.avail_in = static_cast<unsigned>(piece.size());
     }
 
-    /// False for what follows the end but may not: only gzip streams stand one after the other.
+    /// False when bytes follow the end of a deflate stream: only gzip streams may follow each other.
     bool begin(Coding coding) {
         if (hasEnded && coding == Coding::deflate) return false;
         const int result = hasBegun ? inflateReset(&z) : inflateInit2(&z, windowBits(coding, *z.next_in));
@@ -42,7 +42,7 @@ struct ContentDecoder::Stream {
         return result == Z_OK;
     }
 
-    /// Fills `space` as far as the input goes. Nothing when the input is broken.
+    /// Fills `space` as far as the input goes. Nullopt when the input is broken.
     std::optional<std::string_view> inflateInto(Space& space) {
         z.next_out = reinterpret_cast<unsigned char*>(space.data());
         z.avail_out = static_cast<unsigned>(space.size());

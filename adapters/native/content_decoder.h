@@ -6,17 +6,16 @@
 
 namespace oska::native {
 
-/// Undoes the compression of a body, piece by piece. libcurl could, but takes a stream cut off for a whole
-/// one.
+/// Decompresses a body, piece by piece. libcurl could do it, but accepts a stream that is cut off.
 ///
-/// Codings: gzip (RFC 1952) and deflate (RFC 1950; servers that send RFC 1951 without a wrapper are
-/// understood, too). Threads: one at a time.
+/// Codings: gzip (RFC 1952) and deflate (RFC 1950, and RFC 1951 without a wrapper, as some servers send it).
+/// Threads: one at a time.
 class ContentDecoder {
 public:
     enum class Coding { gzip, deflate };
     enum class Progress { going, refused, broken };
 
-    /// Takes a piece of the plain body; false refuses it and ends the decoding.
+    /// Receives a piece of the plain body; returns false to refuse it, which ends the decoding.
     using Sink = std::function<bool(std::string_view)>;
 
     explicit ContentDecoder(Coding coding);
@@ -26,7 +25,7 @@ public:
 
     [[nodiscard]] Progress decode(std::string_view piece, const Sink& sink);
 
-    /// Whether the stream came to its end, its checksum included.
+    /// Whether the stream has ended, including its checksum.
     [[nodiscard]] bool isComplete() const;
 
 private:

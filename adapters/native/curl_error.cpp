@@ -9,7 +9,7 @@ using platform::HttpErrorKind;
 
 namespace {
 
-/// The system's words where there are any, else libcurl's.
+/// The system's text if there is one, else libcurl's.
 std::string because(const CurlFailure& failure) {
     if (failure.systemError != 0) return ": " + std::generic_category().message(failure.systemError) + ".";
     return ": " + (failure.detail.empty() ? curl_easy_strerror(failure.code) : failure.detail) + ".";
@@ -51,18 +51,18 @@ HttpError httpError(const CurlFailure& failure) {
         case CURLE_SSL_CONNECT_ERROR:
         case CURLE_SSL_CIPHER:
             return insecure(failure);
-        case CURLE_UNSUPPORTED_PROTOCOL:  // what libcurl calls a reply that does not begin with a status line
+        case CURLE_UNSUPPORTED_PROTOCOL:  // for libcurl also a reply that does not begin with a status line
         case CURLE_WEIRD_SERVER_REPLY:
         case CURLE_HTTP2:
             return badReply(failure);
-        case CURLE_OUT_OF_MEMORY:  // what libcurl also calls headers beyond its limits
+        case CURLE_OUT_OF_MEMORY:  // for libcurl also headers beyond its limits
             return {HttpErrorKind::badServerReply,
                     failure.server + " sent more headers than can be taken, or there is no memory for them."};
         case CURLE_GOT_NOTHING:
         case CURLE_PARTIAL_FILE:
         case CURLE_RECV_ERROR:
         case CURLE_SEND_ERROR:
-        case CURLE_SEND_FAIL_REWIND:  // a body that must not be sent twice met a dead connection
+        case CURLE_SEND_FAIL_REWIND:  // a kept connection was dead, and the body must not be sent twice
         case CURLE_HTTP2_STREAM:
             return lost(failure);
         default:

@@ -34,7 +34,7 @@ HttpError unsupported(const HttpRequest& request, const std::string& reason) {
             "Unsupported URL \"" + request.url.absoluteString() + "\": " + reason + "."};
 }
 
-/// libcurl keeps brackets around an address, and its zone as a part of its own.
+/// libcurl writes an IPv6 address in brackets, and keeps its zone apart.
 bool isSameHost(std::string_view curlHost, std::string_view host) {
     if (curlHost.starts_with('[') && curlHost.ends_with(']'))
         curlHost = curlHost.substr(1, curlHost.size() - 2);
@@ -78,7 +78,8 @@ std::optional<HttpError> CurlExchange::start(CurlMulti& multi) {
     return std::nullopt;
 }
 
-/// libcurl reads URLs by rules of its own, but must not go to another host than trust is decided for.
+/// libcurl has its own rules for URLs. It must not connect to another host than the one that trust is decided
+/// for.
 std::optional<HttpError> CurlExchange::setUrl() {
     const auto result = url_.set(CURLUPART_URL, request_.url.absoluteString(), CURLU_PATH_AS_IS);
     if (result != CURLUE_OK) return unsupported(request_, curl_url_strerror(result));
@@ -108,9 +109,10 @@ void CurlExchange::setBody() {
         .set(CURLOPT_POSTFIELDS, body ? body->c_str() : "");
 }
 
-/// libcurl would send it again over a new connection when one kept alive turns out to be dead. Where a new
-/// connection asks the delegate anew, one kept alive is used all the same, with a body that libcurl can read
-/// once only: with a part of it gone, libcurl gives up. Without a body nothing would hold it back.
+/// libcurl sends a request again over a new connection when a kept connection turns out to be dead. To
+/// prevent that, the request gets a connection of its own. In a pool of the session's own a kept connection
+/// is used all the same, because a new one costs a question to the delegate: there the body is given through
+/// a callback that works once, so that libcurl cannot send it again. Without a body that does not help.
 void CurlExchange::sendOnlyOnce() {
     if (!hasOwnConnections_ || !request_.body || request_.body->empty()) {
         easy_.set(CURLOPT_FRESH_CONNECT, 1L).set(CURLOPT_FORBID_REUSE, 1L);
@@ -131,11 +133,11 @@ void CurlExchange::sendOnlyOnce() {
 void CurlExchange::setConnection(const ExchangeLimits& limits) {
     easy_.set(CURLOPT_PROTOCOLS_STR, "http,https")
         .set(CURLOPT_HTTP_VERSION, long{CURL_HTTP_VERSION_2TLS})
-        .set(CURLOPT_PROXY, "")  // else the environment names one
+        .set(CURLOPT_PROXY, "")  // otherwise the environment may name one
         .set(CURLOPT_CONNECTTIMEOUT_MS, connectTimeout(limits.connecting))
         .set(CURLOPT_BUFFERSIZE, RECEIVE_BUFFER_BYTES)
         .set(CURLOPT_NOSIGNAL, 1L)
-        .set(CURLOPT_QUICK_EXIT, 1L);  // else breaking off waits for a name server that does not answer
+        .set(CURLOPT_QUICK_EXIT, 1L);  // otherwise breaking off waits for a name server that is silent
 }
 
 void CurlExchange::setCallbacks(void* owner) {
@@ -162,7 +164,7 @@ bool CurlExchange::metDeadConnection(CURLcode code) const {
 
 HttpOutcome CurlExchange::outcome(CURLcode code) {
     if (collector_.redirects()) return {.reply = collector_.reply()};
-    // To libcurl a connection that ends among the headers is a reply that came to its end.
+    // libcurl reports success when the connection ends inside the headers.
     if (code == CURLE_OK && !collector_.reply()) code = CURLE_GOT_NOTHING;
     if (code == CURLE_OK && collector_.finish()) {
         return {.reply = collector_.reply(), .body = collector_.takeBody()};

@@ -13,19 +13,19 @@
 
 namespace oska::native {
 
-/// What an exchange is held to.
+/// The limits of one exchange.
 struct ExchangeLimits {
-    std::chrono::milliseconds connecting{0};  ///< shared out by libcurl among the addresses that a host has
+    std::chrono::milliseconds connecting{0};  ///< libcurl divides it among the addresses of the host
     std::size_t replyBytes = 0;
 };
 
-/// One request and its reply on the wire. Redirects are the caller's business.
+/// One request and its reply on the wire. The caller follows redirects.
 ///
-/// Threads: the network thread. Lifetime: shorter than that of everything handed to it; destroyed before its
-/// end, it breaks its connection off.
+/// Threads: the network thread. Lifetime: everything handed to it must outlive it. Destroying it before its
+/// end breaks off the connection.
 class CurlExchange {
 public:
-    /// Requires: `address` is that of the request's URL. `owner` is what `ownerOf` answers.
+    /// Requires: `address` is that of the request's URL. `ownerOf` returns `owner`.
     CurlExchange(const platform::HttpRequest& request, const HttpAddress& address,
                  const ExchangeLimits& limits, ServerTrust trust, void* owner);
     ~CurlExchange();
@@ -34,17 +34,17 @@ public:
 
     [[nodiscard]] static void* ownerOf(CURL* handle);
 
-    /// None when it is under way, else why it could not be sent.
+    /// Returns nullopt when it is under way, else why it could not be sent.
     [[nodiscard]] std::optional<platform::HttpError> start(CurlMulti& multi);
 
-    /// Whether it ended because a connection kept alive was dead, and may be sent once more. libcurl sees to
-    /// that over HTTP/1.1; over HTTP/2 it fails when the server has had enough of a connection.
+    /// Whether it ended because a kept connection was dead, and may be sent once more. Over HTTP/1.1 libcurl
+    /// sends it again itself; over HTTP/2 it reports an error when the server has closed the connection.
     [[nodiscard]] bool metDeadConnection(CURLcode code) const;
 
-    /// How it ended, told by libcurl's code. A redirect counts as it stands once its headers were complete.
+    /// The outcome, from libcurl's code. For a redirect it is enough that its headers are complete.
     [[nodiscard]] platform::HttpOutcome outcome(CURLcode code);
 
-    /// The outcome of breaking it off now: with the reply, when its headers had come.
+    /// The outcome of breaking it off now. It has the reply if its headers had come.
     [[nodiscard]] platform::HttpOutcome brokenOff(platform::HttpError error) const;
 
 private:

@@ -14,7 +14,7 @@ namespace oska::native {
 class CurlList {
 public:
     void append(const std::string& line) {
-        // The list's head stays what it is once there is one; without memory the list is left as it was.
+        // The head of the list never changes once there is one. Without memory the list stays as it was.
         if (auto* head = curl_slist_append(list_.get(), line.c_str())) {
             (void)list_.release();
             list_.reset(head);
@@ -29,7 +29,7 @@ private:
     std::unique_ptr<curl_slist, Free> list_;
 };
 
-/// One transfer. Every option is checked: one that libcurl refuses must not be silently without effect.
+/// One transfer. The result of every option is kept, so that an option that libcurl refuses is noticed.
 class CurlEasy {
 public:
     CurlEasy() : handle_(curl_easy_init()), result_(handle_ ? CURLE_OK : CURLE_OUT_OF_MEMORY) {}
@@ -40,7 +40,7 @@ public:
         return *this;
     }
 
-    /// The first refusal.
+    /// `CURLE_OK`, or the error of the first option that libcurl refused.
     [[nodiscard]] CURLcode result() const { return result_; }
     [[nodiscard]] CURL* get() const { return handle_.get(); }
 
@@ -52,7 +52,7 @@ private:
     CURLcode result_;
 };
 
-/// Connections kept alive for those transfers only that name the pool. Lifetime: longer than its transfers.
+/// Kept connections for the transfers that name this pool. Lifetime: longer than its transfers.
 class CurlPool {
 public:
     /// Throws `std::bad_alloc`.
@@ -70,7 +70,7 @@ private:
     std::unique_ptr<CURLSH, Free> handle_;
 };
 
-/// A URL taken apart.
+/// A URL and its parts, by libcurl's rules.
 class CurlUrl {
 public:
     CurlUrl() : handle_(curl_url()) {}

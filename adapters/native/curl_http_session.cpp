@@ -12,7 +12,7 @@
 namespace oska::native {
 namespace {
 
-/// By itself OpenSSL would take its settings from a file that the variable OPENSSL_CONF names.
+/// Otherwise OpenSSL reads its settings from the file that the variable OPENSSL_CONF names.
 void loadOpenSslSettings() {
     const auto file = std::string(X509_get_default_cert_area()) + "/openssl.cnf";
     auto* settings = OPENSSL_INIT_new();
@@ -21,7 +21,7 @@ void loadOpenSslSettings() {
     OPENSSL_INIT_free(settings);
 }
 
-/// Never undone: other parts of the host may use the libraries, too.
+/// Never undone, because other parts of the host may use the libraries, too.
 void initializeLibraries() {
     static std::once_flag once;
     std::call_once(once, [] {

@@ -10,16 +10,20 @@ namespace oska::native {
 /// HTTP/1.1, and HTTP/2 where the server offers it, over libcurl. One network thread serves a factory's
 /// sessions.
 ///
-/// Connections are kept alive and shared by all sessions, except two kinds. TLS connections to a host for
-/// which the session's delegate states a basis of trust serve that session alone, while the basis stays the
-/// same. Those of requests that must not be sent twice (POST) serve one request, unless they are of the first
-/// kind. A session has six requests at a time under way to one host and port; more wait, and their time-outs
-/// run. Nothing is taken from the environment: no proxies, no credentials, no certificates. Time-outs: both
-/// kinds to within a few milliseconds; every byte sent or received restarts the idle one. Threads and errors:
-/// see `HttpSession`. Lifetime: destroying the factory shuts it down; sessions may outlive it.
+/// Connections: kept alive and shared by all sessions, with two exceptions. A TLS connection to a host for
+/// which the session's delegate states a basis of trust is used by that session only, and only while the
+/// basis stays the same. A request that must not be sent twice (POST) gets a connection of its own, unless
+/// the first exception holds. A session has at most six requests under way to one host and port; the others
+/// wait, and their time-outs run.
+/// Environment: no variable has an effect; there are no proxies, credentials or certificates from outside.
+/// Time-outs: exact to a few milliseconds; every byte sent or received restarts the idle time-out.
+/// Threads and errors: see `HttpSession`; completions and delegates are called on the network thread.
+/// Lifetime: destroying the factory shuts it down; sessions may outlive it.
 class CurlHttpSessionFactory final : public platform::HttpSessionFactory {
 public:
-    /// `caFile`: certificates in PEM of authorities to trust besides the system's; empty for none.
+    /// `caFile`: path of a PEM file with certificates of authorities to trust besides the system's; empty
+    /// for none. It is read when first needed; when it cannot be read, every server that needs the check
+    /// fails as `untrustedCertificate`, with the file's name in the description.
     explicit CurlHttpSessionFactory(std::string caFile = {});
     ~CurlHttpSessionFactory() override;
     CurlHttpSessionFactory(const CurlHttpSessionFactory&) = delete;
@@ -29,8 +33,8 @@ public:
         const platform::HttpSessionConfiguration& configuration,
         std::shared_ptr<platform::HttpSessionDelegate> delegate) override;
 
-    /// Ends every request under way and the network thread. When this returns, all of them have completed as
-    /// cancelled, unless it is called inside a completion. Later requests complete as cancelled, too.
+    /// Ends every request under way and the network thread. When this returns, all requests have completed
+    /// as `cancelled`, unless it was called inside a completion. Later requests complete as `cancelled`, too.
     void shutDown();
 
 private:

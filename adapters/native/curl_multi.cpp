@@ -14,7 +14,8 @@ short pollEvents(int what) {
     return static_cast<short>(reads | writes);
 }
 
-/// A broken socket is handed over as ready: libcurl finds the reason when it uses it, and else loses it.
+/// A broken socket is reported as ready: libcurl then uses it and finds the reason. Reported as an error, the
+/// reason would be lost.
 int curlEvents(const pollfd& ready) {
     const bool isBroken = (ready.revents & (POLLERR | POLLHUP | POLLNVAL)) != 0;
     const int usable = isBroken ? ready.events : ready.revents;
@@ -47,7 +48,7 @@ int CurlMulti::onSocket(CURL* transfer, curl_socket_t socket, int what, void* se
         return 0;
     } catch (const std::bad_alloc&) {
         multi.isBroken_ = true;
-        return -1;  // libcurl takes nothing more from here on
+        return -1;  // libcurl fails every later call
     }
 }
 

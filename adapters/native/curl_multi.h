@@ -12,12 +12,11 @@
 
 namespace oska::native {
 
-/// libcurl's transfers and their pool of connections, driven by one thread that waits on their sockets
-/// itself: only so is every byte that comes or goes seen, headers and TLS handshakes included, and no
-/// deadline slept through.
+/// libcurl's transfers and their pool of connections. One thread waits on their sockets with its own `poll`,
+/// so that it sees every byte that comes or goes (headers and TLS handshakes too) and misses no deadline.
 ///
-/// Transfers do not share a connection at the same time, over HTTP/2 neither: one that was accepted for one
-/// request only could not be kept from serving another.
+/// Two transfers never share a connection at the same time, not even over HTTP/2: otherwise a connection that
+/// was accepted for one request could carry another.
 /// Threads: one. Lifetime: longer than its transfers.
 class CurlMulti {
 public:
@@ -31,15 +30,15 @@ public:
     CurlMulti& operator=(const CurlMulti&) = delete;
 
     [[nodiscard]] CURLMcode add(CURL* transfer);
-    /// Also what ends a transfer early.
+    /// Also ends a transfer early.
     void remove(CURL* transfer);
 
     /// Waits until a socket or `wakeDescriptor` is ready or `deadline` has come, and moves the transfers on.
-    /// `onActivity` is told of each transfer whose bytes came or went.
-    /// Throws `std::bad_alloc`, and is of no use any more then.
+    /// `onActivity` is called for each transfer that received or sent bytes.
+    /// Throws `std::bad_alloc`; the object cannot be used any more then.
     void wait(Clock::time_point deadline, int wakeDescriptor, const OnActivity& onActivity);
 
-    /// Tells of each transfer that has ended since, once; it may be removed then.
+    /// Calls `onEnd` once for each transfer that has ended since the last call. `onEnd` may remove it.
     void collectEnded(const OnEnd& onEnd);
 
 private:
@@ -58,9 +57,9 @@ private:
 
     std::unordered_map<curl_socket_t, Watch> watches_;
     std::optional<Clock::time_point> timer_;
-    bool isBroken_ = false;  // for want of memory
+    bool isBroken_ = false;  // a watch was lost because there was no memory for it
     std::vector<pollfd> polled_;
-    std::unique_ptr<CURLM, Free> handle_;  // last: when its connections close, the watches hear of it
+    std::unique_ptr<CURLM, Free> handle_;  // last: closing its connections calls `onSocket`
 };
 
 }  // namespace oska::native

@@ -8,7 +8,7 @@
 namespace oska::native {
 namespace {
 
-/// The host's signals are for the host's threads. That of a broken connection would end the process.
+/// Signals of the host belong to its own threads. SIGPIPE of a broken connection would end the process.
 void blockSignals() {
     sigset_t all;
     sigfillset(&all);
@@ -23,7 +23,7 @@ void cancel(const HttpTransfers& transfers) {
 
 CurlNetwork::~CurlNetwork() {
     if (!thread_.joinable()) return;
-    // The thread itself may hold the last reference, and drops it as its last act.
+    // The thread itself may hold the last reference, and release it at its end.
     thread_.get_id() == std::this_thread::get_id() ? thread_.detach() : thread_.join();
 }
 
@@ -49,7 +49,7 @@ bool CurlNetwork::tryHandOver(std::unique_ptr<HttpTransfer>& transfer) {
 }
 
 void CurlNetwork::startThread() {
-    if (thread_.joinable()) thread_.join();  // one that has ended after a shutdown
+    if (thread_.joinable()) thread_.join();  // the last one, which has ended
     thread_ = std::thread([self = shared_from_this()] { self->run(); });
 }
 
@@ -70,7 +70,7 @@ void CurlNetwork::run() {
         try {
             serve();
         } catch (const std::bad_alloc&) {
-            takeOrders();  // what was sent since goes the way of what was under way
+            takeOrders();  // destroys what was sent since: it completes as out of resources
         }
     } while (!tryEnd());
 }

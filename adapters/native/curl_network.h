@@ -10,12 +10,13 @@
 
 namespace oska::native {
 
-/// The network thread: it starts with the first request, and serves the sessions of all.
+/// The network thread. It starts with the first request and serves all sessions of a factory.
 ///
-/// Life: `shutDown` ends what is under way as cancelled, and the thread with it. A request that comes later
-/// is completed as cancelled by a thread that lives for just that. Where memory runs out the thread ends,
-/// too, and the next request starts one. Threads: operations on any; completions on the network thread with
-/// no lock held. Lifetime: the thread keeps the network alive, so that somebody must shut it down: see
+/// Life: `shutDown` completes the requests under way as cancelled and ends the thread. A request that comes
+/// later starts a thread that only completes it as cancelled. If memory runs out, the thread ends, too; the
+/// next request starts a new one.
+/// Threads: operations on any; completions on the network thread, with no lock held.
+/// Lifetime: the running thread keeps this object alive, so that the owner must call `shutDown`: see
 /// `CurlHttpSessionFactory`.
 class CurlNetwork : public std::enable_shared_from_this<CurlNetwork> {
 public:
@@ -25,10 +26,10 @@ public:
     CurlNetwork(const CurlNetwork&) = delete;
     CurlNetwork& operator=(const CurlNetwork&) = delete;
 
-    /// Completes as out of resources, inside the call, when there is no memory or no thread for it.
+    /// If there is no memory or no thread for the transfer, it completes as out of resources inside the call.
     void send(std::unique_ptr<HttpTransfer> transfer);
 
-    /// Makes the thread look for transfers that are cancelled.
+    /// Makes the thread look for transfers that were cancelled.
     void wake() { wakePipe_.wake(); }
 
     /// Waits for the thread, unless called on it. May be called again.
@@ -43,10 +44,10 @@ private:
     [[nodiscard]] bool tryHandOver(std::unique_ptr<HttpTransfer>& transfer);
     void startThread();
     void run();
-    /// Until it is shut down. Throws `std::bad_alloc`; what was under way has completed then.
+    /// Returns when the network was shut down. Throws `std::bad_alloc`, after all transfers have completed.
     void serve();
     Orders takeOrders();
-    /// True, and the thread does not run any more for those who send, unless somebody has sent since.
+    /// Marks the thread as stopped unless new requests are queued; returns whether it did.
     [[nodiscard]] bool tryEnd();
 
     const std::string caFile_;

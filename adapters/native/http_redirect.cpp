@@ -33,7 +33,7 @@ void dropBody(HttpRequest& request) {
     });
 }
 
-/// What the caller meant for one server, credentials first of all, is not for another one to see.
+/// Headers that were meant for one server, above all credentials, must not reach another one.
 void dropHeaders(HttpRequest& request) {
     std::erase_if(request.headers,
                   [&](const auto& header) { return !request.body || !isNamed(header, "Content-Type"); });

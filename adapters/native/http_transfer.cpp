@@ -34,7 +34,8 @@ ExchangeLimits limitsOf(const HttpRequest& request, const SessionState& session)
 }  // namespace
 
 HttpOutcome outOfResources() {
-    return {.error = HttpError{HttpErrorKind::outOfResources, "out of memory"}};  // short: see the header
+    return {.error =
+                HttpError{HttpErrorKind::outOfResources, "out of memory"}};  // short enough to need no memory
 }
 
 HttpTransfer::HttpTransfer(std::shared_ptr<const SessionState> session, HttpRequest request,
@@ -49,7 +50,7 @@ HttpTransfer::~HttpTransfer() {
     if (!completion_) return;
     try {
         complete(outOfResources());
-    } catch (const std::bad_alloc&) {  // the caller's: it has been called
+    } catch (const std::bad_alloc&) {  // thrown by the completion, so it was called
     }
 }
 

@@ -14,7 +14,7 @@
 
 namespace oska::native {
 
-/// What a session is to its requests, which may outlive it. Threads: any.
+/// What the requests of a session share. Requests may outlive the session. Threads: any.
 struct SessionState {
     SessionState(const platform::HttpSessionConfiguration& limits,
                  std::shared_ptr<platform::HttpSessionDelegate> judge)
@@ -25,11 +25,11 @@ struct SessionState {
     std::atomic<bool> hasEnded{false};
 };
 
-/// What becomes of a request for which there is no memory or no thread. Takes no memory itself.
+/// The outcome of a request for which there is no memory or no thread. Needs no memory itself.
 [[nodiscard]] platform::HttpOutcome outOfResources();
 
-/// One request of a session on its way to an outcome, over as many exchanges as the redirects ask for.
-/// Threads: made on any; everything else on the network thread.
+/// One request of a session until its completion was called. Each redirect makes a new exchange.
+/// Threads: constructed on any; everything else on the network thread.
 class HttpTransfer {
 public:
     using Clock = RequestDeadlines::Clock;
@@ -37,35 +37,35 @@ public:
     HttpTransfer(std::shared_ptr<const SessionState> session, platform::HttpRequest request,
                  platform::HttpSession::Completion completion);
 
-    /// Completes as out of resources, unless it has completed.
+    /// Completes as out of resources if it has not completed yet.
     ~HttpTransfer();
     HttpTransfer(const HttpTransfer&) = delete;
     HttpTransfer& operator=(const HttpTransfer&) = delete;
 
-    /// The transfer that a handle of libcurl's works for.
+    /// The transfer that this handle of libcurl belongs to.
     [[nodiscard]] static HttpTransfer& of(CURL* handle) {
         return *static_cast<HttpTransfer*>(CurlExchange::ownerOf(handle));
     }
 
-    /// Looks at the request, or at the one that a redirect has led to. An outcome when it cannot be sent.
+    /// Checks the request, or the one that follows a redirect. Returns an outcome when it cannot be sent.
     [[nodiscard]] std::optional<platform::HttpOutcome> prepare();
 
-    /// Session, host and port: what connections are counted by. Requires: prepared.
+    /// Session, host and port, for which connections are counted. Requires: prepared.
     [[nodiscard]] std::pair<const void*, std::string> connectionKey() const;
 
-    /// Sends what was prepared. An outcome when that fails.
+    /// Sends what was prepared. Returns an outcome when that fails.
     [[nodiscard]] std::optional<platform::HttpOutcome> send(CurlMulti& multi, TrustStore& authorities,
                                                             PrivateConnections& connections);
 
-    /// To be called when the exchange has ended. None when that was not the end, but a redirect or a
-    /// connection that was dead already: `prepare` and `send` again.
+    /// Must be called when the exchange has ended. Returns nullopt when the request goes on, after a redirect
+    /// or because a kept connection was dead: call `prepare` and `send` again.
     [[nodiscard]] std::optional<platform::HttpOutcome> take(CURLcode code);
 
     [[nodiscard]] bool isCancelled() const { return session_->hasEnded; }
     [[nodiscard]] Clock::time_point deadline() const { return deadlines_.next(); }
     void noteActivity(Clock::time_point now) { deadlines_.noteActivity(now); }
 
-    // The end of the transfer: what is under way is broken off, and the caller is told.
+    // Each of these ends the transfer: it breaks off the exchange and calls the completion.
     void complete(platform::HttpOutcome outcome);
     void timeOut();
     void cancel();

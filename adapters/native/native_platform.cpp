@@ -28,7 +28,7 @@ public:
     }
 };
 
-/// Says that it is not available, and does nothing.
+/// A generator that is not available and does nothing.
 class NoRadio final : public platform::RFDGenerator {
 public:
     platform::RfdAvailability checkIsAvailableRfd() override {

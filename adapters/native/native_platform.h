@@ -9,17 +9,17 @@
 
 namespace oska::native {
 
-/// What a host brings to the native platform. Everything may be left out, without a compiler's warning, too.
+/// What a host brings to the native platform. Every member may be left out.
 struct NativePlatformOptions {
-    /// Left out: there is no token, as when no user is signed in.
+    /// Provides access tokens. Null: every request for a token fails as `notSignedIn`.
     std::shared_ptr<platform::QuenloAuthManager> auth = {};
-    /// Left out: allowed.
+    /// Whether the application may use Bluetooth. Null: it always may.
     std::shared_ptr<platform::BluetoothAuthorization> bluetooth = {};
-    /// Left out: generators that are not available, because no radio is attached.
+    /// Makes the generators of radio samples. Empty: generators that say that they are not available.
     platform::RFDGeneratorFactory makeRFDGenerator = {};
-    /// Certificates in PEM of authorities to trust besides the system's.
+    /// Path of a PEM file with certificates of authorities to trust besides the system's; empty for none.
     std::string caFile = {};
-    /// The wake hook of the run loop, for hosts with a loop of their own.
+    /// The wake hook for a host with a loop of its own; see `RunLoop`.
     std::function<void()> wake = {};
 };
 
@@ -31,8 +31,8 @@ struct NativePlatformOptions {
 ///     native.runLoop().run();
 ///     native.shutDown();
 ///
-/// Threads: made on the main thread. Lifetime: destroying it shuts it down; the parts that an installed
-/// platform holds live on, idle.
+/// Threads: constructed on the main thread; `platform` and `runLoop` may be called on any thread.
+/// Lifetime: destroying it shuts it down. The parts that an installed platform holds live on, but do nothing.
 class NativePlatform {
 public:
     explicit NativePlatform(NativePlatformOptions options = {});
@@ -40,12 +40,16 @@ public:
     NativePlatform(const NativePlatform&) = delete;
     NativePlatform& operator=(const NativePlatform&) = delete;
 
+    /// The value to install.
     [[nodiscard]] platform::Platform platform() const { return platform_; }
+
+    /// The main queue, which the host must pump or run.
     [[nodiscard]] RunLoop& runLoop() { return *runLoop_; }
 
-    /// In this order: the network ends, and each request under way has completed as cancelled; the main
-    /// queue runs, once, what is due, so that those who sent them hear of it; the main queue stops.
-    /// Call it on the main thread, outside the queue's jobs; elsewhere the middle step is left out. May be
+    /// Does three things in this order. It ends the network: each request under way completes as
+    /// `cancelled`. It runs once what is due on the main queue, so that these completions reach the kit. It
+    /// stops the main queue.
+    /// Call it on the main thread, outside the queue's jobs; elsewhere the second step is left out. May be
     /// called again.
     void shutDown();
 

@@ -20,11 +20,12 @@ class NetworkLoop {
 public:
     explicit NetworkLoop(std::string caFile) : authorities_(std::move(caFile)) {}
 
-    // Completions are called from here on, inside each of these. What one transfer has no memory for ends
-    // that transfer. Where there is none for the loop itself `std::bad_alloc` is thrown; the transfers then
-    // end with the loop.
+    // Each of these may call completions. If there is no memory for one transfer, that transfer ends. If
+    // there is none for the loop itself, they throw `std::bad_alloc`; the transfers then end with the loop.
+
     void begin(HttpTransfers transfers);
-    /// Waits for something to happen, or for `wakeDescriptor` to be readable, and ends what is to end.
+    /// Waits until a socket or `wakeDescriptor` is ready or a deadline has come, moves the transfers on, and
+    /// completes those that have ended, timed out or been cancelled.
     void turn(int wakeDescriptor);
     void cancelAll();
 

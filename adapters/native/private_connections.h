@@ -11,18 +11,18 @@ namespace oska::native {
 
 struct SessionState;
 
-/// The connections that one session alone may use again: those to hosts whose certificate its delegate may
-/// accept. They are kept while the delegate's basis of trust for the host stays what it was when the
-/// connection was made. libcurl compares no such thing, so that they need a pool of their own.
+/// The kept connections that only one session may use: those to hosts whose certificate its delegate may
+/// accept. They are kept while the delegate's basis of trust for the host is the same as when the connection
+/// was made. libcurl does not compare any of this, so each session needs a pool of its own.
 /// Threads: the network thread.
 class PrivateConnections {
 public:
-    /// The pool that a request to this address must use; null for the one that all sessions share. One that
-    /// was made on another basis is closed, once its transfers have ended.
+    /// The pool that a request to this address must use; null for the pool that all sessions share. A pool
+    /// with another basis is closed once its transfers have ended.
     [[nodiscard]] std::shared_ptr<CurlPool> poolFor(const std::shared_ptr<const SessionState>& session,
                                                     const HttpAddress& address);
 
-    /// Closes what belongs to sessions that have ended.
+    /// Closes the pools of sessions that have ended.
     void forgetEnded();
 
 private:

@@ -16,7 +16,7 @@ namespace {
 
 constexpr std::size_t MAXIMUM_HEADER_BYTES = std::size_t{256} << 10;
 constexpr int FIRST_FINAL_STATUS = 200;
-constexpr std::size_t MAXIMUM_RESERVATION = std::size_t{16} << 20;  // of memory that a server only talks of
+constexpr std::size_t MAXIMUM_RESERVATION = std::size_t{16} << 20;  // whatever length the server announces
 
 std::string_view trimmed(std::string_view text) {
     const auto begin = text.find_first_not_of(" \t\r\n");
@@ -24,7 +24,7 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(begin, text.find_last_not_of(" \t\r\n") - begin + 1);
 }
 
-/// "HTTP/1.1 200 OK": libcurl has seen to it that the three digits are there.
+/// Of "HTTP/1.1 200 OK". libcurl has checked that the three digits are there.
 int statusOf(std::string_view statusLine) {
     statusLine.remove_prefix(std::min(statusLine.find(' ') + 1, statusLine.size()));
     int status = 0;
@@ -60,7 +60,7 @@ bool ReplyCollector::withinMemory(Step step) {
     try {
         return step();
     } catch (const std::bad_alloc&) {
-        return refuse(HttpErrorKind::outOfResources, "out of memory");  // short enough to need none
+        return refuse(HttpErrorKind::outOfResources, "out of memory");  // short enough to need no memory
     }
 }
 

@@ -11,26 +11,27 @@
 
 namespace oska::native {
 
-/// Puts one reply together from the header lines and the pieces of body that libcurl hands over.
+/// Collects one reply from the header lines and the pieces of the body that libcurl hands over.
 ///
-/// Bounds: the decoded body by `maximumBytes`, the headers by 256 KiB, both by the memory there is. What is
-/// refused is refused for good; `refusal` tells why. The body of a redirect is read past and neither kept nor
-/// judged. Threads: one at a time.
+/// Limits: `maximumBytes` for the decoded body, 256 KiB for the headers, and the free memory for both. Once
+/// a reply was refused, it stays refused; `refusal` says why. The body of a redirect is neither kept nor
+/// checked. Threads: one at a time.
 class ReplyCollector {
 public:
     ReplyCollector(std::string server, std::size_t maximumBytes)
         : server_(std::move(server)), maximumBytes_(maximumBytes) {}
 
-    /// With its line end. Interim replies (1xx) and what follows the body are passed over. False: refused.
+    /// `line` includes its line end. Interim replies (1xx) and trailers are ignored. False: refused.
     [[nodiscard]] bool addHeaderLine(std::string_view line);
 
     /// False: refused.
     [[nodiscard]] bool addBody(std::string_view piece);
 
-    /// To be called when the transfer ended well: a compressed body may still be cut off. False: refused.
+    /// Must be called when the transfer ended without an error. False: refused, because a compressed body is
+    /// cut off.
     [[nodiscard]] bool finish();
 
-    /// The reply whose headers are complete.
+    /// Nullopt until the headers are complete.
     [[nodiscard]] const std::optional<platform::HttpReply>& reply() const { return reply_; }
     [[nodiscard]] bool redirects() const { return redirects_; }
     [[nodiscard]] const std::optional<platform::HttpError>& refusal() const { return refusal_; }
@@ -45,7 +46,7 @@ private:
     [[nodiscard]] bool beginBody();
     [[nodiscard]] bool keep(std::string_view plain);
     bool refuse(platform::HttpErrorKind kind, std::string description);
-    /// What `step` answers; refused when there is no memory for it.
+    /// Returns what `step` returns; refuses the reply when there is no memory for it.
     template <class Step>
     [[nodiscard]] bool withinMemory(Step step);
 

@@ -6,7 +6,7 @@ using std::chrono::milliseconds;
 
 namespace {
 
-/// Spans may be as long as their type allows: what lies beyond the clock's range never comes.
+/// A span may be as long as its type allows: an instant beyond the clock's range never comes.
 RequestDeadlines::Clock::time_point after(RequestDeadlines::Clock::time_point now, milliseconds span) {
     using std::chrono::floor;
     const auto end = RequestDeadlines::Clock::time_point::max();

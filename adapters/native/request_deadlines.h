@@ -6,20 +6,20 @@
 
 namespace oska::native {
 
-/// The instants at which a request has taken too long: idle since the last byte, or in all since it was
-/// sent. Threads: one at a time.
+/// When a request times out: after it was idle for too long since the last byte, or took too long in total
+/// since it was sent. Threads: one at a time.
 class RequestDeadlines {
 public:
     using Clock = std::chrono::steady_clock;
 
     RequestDeadlines(std::chrono::milliseconds idle, std::chrono::milliseconds total, Clock::time_point now);
 
-    /// A byte came or went.
+    /// Must be called when a byte came or went: restarts the idle time-out.
     void noteActivity(Clock::time_point now);
 
     [[nodiscard]] Clock::time_point next() const { return std::min(idleEnd_, totalEnd_); }
 
-    /// Says for people which of the two comes first; `server` is "host:port".
+    /// The error text for the time-out that comes first; `server` is "host:port".
     [[nodiscard]] std::string describe(const std::string& server) const;
 
 private:

@@ -32,7 +32,7 @@ std::optional<std::string> faultIn(const HttpHeader& header) {
     return std::nullopt;
 }
 
-/// What only the transport can tell: two lengths that disagree are how requests are smuggled past proxies.
+/// Headers that only the transport may set. Two lengths that differ would let a request pass a proxy unseen.
 bool isOurs(const HttpHeader& header) {
     constexpr std::array<std::string_view, 4> NAMES{"Accept-Encoding", "Content-Length", "Expect",
                                                     "Transfer-Encoding"};
@@ -40,7 +40,7 @@ bool isOurs(const HttpHeader& header) {
                        [&](std::string_view name) { return equalsIgnoringAsciiCase(header.name, name); });
 }
 
-/// libcurl takes "Name:" as the wish to leave the header out, and "Name;" as one without a value.
+/// For libcurl "Name:" means to leave the header out, and "Name;" a header without a value.
 std::string line(const HttpHeader& header) {
     const bool isBlank = header.value.find_first_not_of(" \t") == std::string::npos;
     return isBlank ? header.name + ";" : header.name + ": " + header.value;
@@ -58,7 +58,7 @@ std::optional<std::string> faultIn(const HttpRequest& request) {
 
 CurlList curlHeaders(const HttpRequest& request) {
     CurlList lines;
-    // libcurl would wait a second for leave to send a body above 1 MiB.
+    // Otherwise libcurl waits up to a second for the server's consent to a body above 1 MiB.
     lines.append("Expect:");
     lines.append("Accept-Encoding: gzip, deflate");
     for (const auto& header : request.headers) {

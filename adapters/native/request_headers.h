@@ -9,13 +9,12 @@
 
 namespace oska::native {
 
-/// Why the request cannot be written down: a method or a header name that is not a token, or a header value
-/// with a line break or a NUL, which would smuggle in headers of its own. None when all is well. Threads:
-/// any.
+/// Why the request cannot be sent: a method or a header name that is not a token, or a header value with a
+/// line break or a NUL, which could add headers. Nullopt when there is no fault. Threads: any.
 [[nodiscard]] std::optional<std::string> faultIn(const platform::HttpRequest& request);
 
-/// The header lines for libcurl. Those that tell the length of the body or which codings are understood are
-/// not the caller's to give, and are left out.
+/// The header lines for libcurl. The caller's headers for the length of the body and for accepted codings are
+/// left out, because the transport sets them.
 /// Requires: no fault in the request.
 [[nodiscard]] CurlList curlHeaders(const platform::HttpRequest& request);
 

@@ -9,7 +9,8 @@
 namespace oska::native {
 namespace {
 
-/// Certificates know neither the dot that makes a name absolute nor the zone of a link-local address.
+/// Without the dot at the end of an absolute name, and without the zone of a link-local address: certificates
+/// have neither.
 std::string nameToCheck(std::string host) {
     const bool isIpv6 = host.find(':') != std::string::npos;
     if (isIpv6) host.resize(std::min(host.find('%'), host.size()));
@@ -23,8 +24,8 @@ bool expectHost(X509_VERIFY_PARAM* expectations, const std::string& host) {
     return X509_VERIFY_PARAM_set1_host(expectations, host.data(), host.size()) == 1;
 }
 
-/// What OpenSSL would find by itself, with these authorities instead of the connection's, of which there are
-/// none: reading those takes longer than the handshake, and is not done for servers that a delegate accepts.
+/// The result of OpenSSL's own check, but with `authorities`. The connection itself has no authorities:
+/// reading them takes longer than the handshake, and servers that a delegate accepts do not need them.
 int errorIn(X509_STORE_CTX* chain, X509_STORE* authorities, const std::string& host) {
     const std::unique_ptr<X509_STORE_CTX, decltype(&X509_STORE_CTX_free)> check(X509_STORE_CTX_new(),
                                                                                 X509_STORE_CTX_free);
@@ -52,7 +53,7 @@ void ServerTrustCheck::attachTo(CurlEasy& easy) {
     easy.set(CURLOPT_SSLVERSION, long{CURL_SSLVERSION_TLSv1_2})
         .set(CURLOPT_SSL_VERIFYPEER, 1L)
         .set(CURLOPT_SSL_VERIFYHOST,
-             0L)  // libcurl's own name check would come after, and overrule, the delegate
+             0L)  // otherwise libcurl's name check overrules the delegate
         .set(CURLOPT_CAINFO, nullptr)
         .set(CURLOPT_CAPATH, nullptr)
         .set(CURLOPT_SSL_SESSIONID_CACHE, 0L)  // newer versions of libcurl share sessions among all transfers
@@ -67,9 +68,9 @@ void ServerTrustCheck::prepare(SSL_CTX* context) {
             return static_cast<ServerTrustCheck*>(self)->judge(chain) ? 1 : 0;
         },
         this);
-    // A second handshake could bring another certificate, long after this object has gone.
+    // A second handshake could bring another certificate, long after this object was destroyed.
     SSL_CTX_set_options(context, SSL_OP_NO_RENEGOTIATION);
-    // libcurl obeys the variable SSLKEYLOGFILE and would write the connection's secrets there.
+    // Otherwise libcurl writes the connection's secrets to the file that the variable SSLKEYLOGFILE names.
     SSL_CTX_set_keylog_callback(context, nullptr);
 }
 

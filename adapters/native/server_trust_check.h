@@ -12,30 +12,31 @@
 
 namespace oska::native {
 
-/// What the certificates that one transfer meets are judged by.
+/// What decides on the certificates that one transfer meets.
 struct ServerTrust {
     platform::HttpSessionDelegate* delegate;  ///< may be null
     TrustStore& authorities;
-    std::shared_ptr<CurlPool> connections;  ///< the session's own, else null
+    std::shared_ptr<CurlPool> connections;  ///< the session's own pool; null for the shared one
 };
 
-/// Judges the certificate of each new TLS connection of one transfer: the session's delegate is asked first,
-/// else chain, dates and host are checked in full.
+/// Decides on the certificate of each new TLS connection of one transfer. The session's delegate is asked
+/// first. If it does not accept, chain, dates and host are checked in full.
 ///
-/// What a delegate accepted is kept alive among the session's own connections; where the transfer has none,
-/// it serves one request. Connections of the pool for all have passed the full check. No TLS session is
-/// resumed, since that skips the judgement. Threads: the network thread. Lifetime: longer than the transfer.
+/// A connection that the delegate accepted is kept in the session's own pool; if the transfer has no such
+/// pool, the connection serves one request. Connections in the shared pool have passed the full check. No TLS
+/// session is resumed, because that would skip the decision.
+/// Threads: the network thread. Lifetime: longer than the transfer.
 class ServerTrustCheck {
 public:
-    /// `host`: as connected to; an address without brackets.
+    /// `host`: the name or address that the transfer connects to, without brackets.
     ServerTrustCheck(std::string host, ServerTrust trust) : host_(std::move(host)), by_(std::move(trust)) {}
     ServerTrustCheck(const ServerTrustCheck&) = delete;
     ServerTrustCheck& operator=(const ServerTrustCheck&) = delete;
 
-    /// Makes the transfer's TLS connections come here.
+    /// Makes the transfer ask this object about its TLS connections.
     void attachTo(CurlEasy& easy);
 
-    /// Why the last certificate was refused; empty when none was.
+    /// Why the last certificate was refused; empty when no certificate was refused.
     [[nodiscard]] const std::string& fault() const { return fault_; }
 
 private:

@@ -4,9 +4,12 @@
 
 namespace oska::native {
 
-/// The system's clock. Threads: any.
+/// The system's wall clock (`std::chrono::system_clock`, UTC), to the nanosecond where the system has it.
+/// It jumps when the user or the network sets the time.
+/// Threads: any.
 class SystemWallClock final : public platform::WallClock {
 public:
+    /// The time at the moment of the call. Never fails.
     [[nodiscard]] platform::WallTime now() const override;
 };
 

@@ -21,7 +21,7 @@ SystemPlaces systemPlaces(const CurlEasy& easy) {
     return {X509_get_default_cert_file(), X509_get_default_cert_dir()};
 }
 
-/// A system without authorities is none the worse for hosts that bring their own.
+/// It is no error when the system has no authorities: the host may have given its own.
 void addSystem(X509_STORE* store) {
     const CurlEasy easy;
     const auto [file, folder] = systemPlaces(easy);
@@ -40,7 +40,7 @@ X509_STORE* TrustStore::get() {
         return nullptr;
     }
     addSystem(store.get());
-    // As libcurl has it: who trusts an intermediate authority need not hold its root.
+    // As in libcurl: an intermediate authority may be trusted without its root.
     X509_STORE_set_flags(store.get(), X509_V_FLAG_PARTIAL_CHAIN);
     store_ = std::move(store);
     return store_.get();

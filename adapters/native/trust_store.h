@@ -7,8 +7,8 @@
 
 namespace oska::native {
 
-/// The authorities that vouch for servers: the system's, where libcurl was built to find them, and those of
-/// one file of the host's. No environment variable has a say.
+/// The trusted authorities: the system's, in the places that libcurl was built with, and those of one file of
+/// the host. Environment variables have no effect.
 ///
 /// Read from disk once, when first needed. Threads: the network thread.
 class TrustStore {
@@ -16,10 +16,10 @@ public:
     /// `file`: certificates in PEM; empty for none.
     explicit TrustStore(std::string file) : file_(std::move(file)) {}
 
-    /// Null when the host's file cannot be read: without it, servers would be refused for the wrong reason.
+    /// Null when the host's file cannot be read. Without it, servers would be refused for the wrong reason.
     [[nodiscard]] X509_STORE* get();
 
-    /// Why `get` answered null.
+    /// Why `get` returned null.
     [[nodiscard]] std::string fault() const;
 
 private:

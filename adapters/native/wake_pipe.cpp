@@ -33,7 +33,7 @@ WakePipe::~WakePipe() {
 void WakePipe::wake() {
     if (isAwake_.exchange(true)) return;
     const char byte = 0;
-    // Cannot fail: there is never more than one byte in the pipe.
+    // Does not fail: there is never more than one byte in the pipe.
     [[maybe_unused]] const auto written = ::write(writeEnd_, &byte, 1);
 }
 

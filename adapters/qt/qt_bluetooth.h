@@ -6,7 +6,8 @@
 
 namespace oska::qt {
 
-/// What Qt's permissions say of Bluetooth; null where this Qt has none (before 6.5).
+/// The application's Bluetooth permission as Qt reports it; null when this Qt has no permissions
+/// (before 6.5).
 [[nodiscard]] std::shared_ptr<platform::BluetoothAuthorization> qtBluetooth();
 
 }  // namespace oska::qt

@@ -7,9 +7,9 @@ class QGuiApplication;
 
 namespace oska::qt {
 
-/// Posts `willEnterForeground` each time the application becomes active, while the answer lives.
-/// Qt has no state between the background and being active, so this is the nearest it can tell.
-/// Threads: the application's.
+/// Posts `willEnterForeground` each time the application becomes active, until the returned object is
+/// destroyed. Qt has no state between the background and being active; this is the nearest one.
+/// Threads: the application's thread.
 [[nodiscard]] std::unique_ptr<QObject> watchForeground(QGuiApplication& application);
 
 }  // namespace oska::qt

@@ -11,7 +11,7 @@ namespace {
 
 using views::View;
 
-/// Where the views over a host's widget are put. The host itself decides how its widget looks.
+/// The peer of a host widget's view. Changes of the view have no effect on the widget.
 class HostPeer final : public WidgetPeer {
 public:
     explicit HostPeer(QWidget& widget) : widget_(&widget) {}
@@ -22,7 +22,7 @@ private:
     const QPointer<QWidget> widget_;
 };
 
-/// Keeps a widget's view, as a child of the widget.
+/// Owns a widget's view. It is a child of the widget, so that it is destroyed with it.
 class HostView final : public QObject {
 public:
     explicit HostView(QWidget& widget) : QObject(&widget), widget_(widget), view_(View::create()) {

@@ -36,7 +36,7 @@ public:
             timer.swap(timer_);
         }
         if (!timer || !isRunning_) return;
-        timer->disconnect();  // it is its signal that runs the job that stops it
+        timer->disconnect();  // a job that the timer's own signal runs may call this
         timer.release()->deleteLater();
     }
 
@@ -50,7 +50,7 @@ private:
     }
 
     void run() {
-        if (isRunning_) return;  // in an event loop inside a job; the run around this one sets the timer
+        if (isRunning_) return;  // an event loop inside a job; the outer call sets the timer
         const auto self = shared_from_this();
         const auto loop = loop_;
         isRunning_ = true;

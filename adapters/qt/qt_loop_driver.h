@@ -8,11 +8,11 @@
 
 namespace oska::qt {
 
-/// Has Qt's event loop run the jobs of a run loop: one timer stands for the next deadline, and is the only
-/// thing that pumps, so that jobs which post themselves again take turns with Qt's events.
+/// Makes Qt's event loop run the jobs of a run loop. One timer is set to the next deadline. Only this timer
+/// pumps, so that jobs which schedule themselves again take turns with Qt's events.
 ///
-/// Threads: made, used and destroyed on the run loop's main thread, which has a Qt event loop. Hooks may be
-/// called on any thread, and after the driver has gone, when they do nothing.
+/// Threads: constructed, used and destroyed on the run loop's main thread, which must have a Qt event loop.
+/// Hooks may be called on any thread; after the driver was destroyed they do nothing.
 class QtLoopDriver {
 public:
     QtLoopDriver();
@@ -22,9 +22,9 @@ public:
 
     /// The wake hook for the run loop to be driven.
     [[nodiscard]] std::function<void()> wakeHook() const;
-    /// Once, right after the run loop was made with the hook.
+    /// Must be called once, right after the run loop was constructed with the hook.
     void drive(std::shared_ptr<native::RunLoop> loop);
-    /// Leaves nothing in Qt's event loop. May be called inside a job, and again.
+    /// Removes everything from Qt's event loop. May be called inside a job, and more than once.
     void stop();
 
 private:
@@ -32,8 +32,8 @@ private:
     const std::shared_ptr<Pump> pump_;  // shared with the hooks
 };
 
-/// What a QTimer is set to for a deadline that is `remaining` from now, in milliseconds: rounded up, so that
-/// nothing is early; what has passed counts as zero, and what no QTimer can hold is as much as it can.
+/// The interval of a QTimer, in milliseconds, for a deadline that is `remaining` from now. Rounded up, so
+/// that no job is early; zero for a deadline that has passed, and at most what a QTimer can hold.
 [[nodiscard]] int timerInterval(std::chrono::nanoseconds remaining);
 
 }  // namespace oska::qt

@@ -11,9 +11,9 @@ namespace oska::qt {
 
 class QtLoopDriver;
 
-/// The real world inside a Qt application: the native platform, its main queue run by Qt's event loop, views
-/// shown as widgets (see qt_host_view.h), and `willEnterForeground` posted whenever the application becomes
-/// active.
+/// The real world inside a Qt application: the native platform, with its main queue run by Qt's event loop
+/// and views shown as widgets (see qt_host_view.h). `willEnterForeground` is posted each time the application
+/// becomes active.
 ///
 ///     QApplication application(argc, argv);
 ///     oska::qt::QtPlatform qt({.auth = myTokens});
@@ -21,13 +21,13 @@ class QtLoopDriver;
 ///     ...
 ///     return QApplication::exec();
 ///
-/// Options: as for the native platform; `wake` is the adapter's own, and one that is given is not called.
-/// `bluetooth` left out: what Qt's permissions say, from Qt 6.5 on, and allowed before.
-/// The queue's jobs run one at a time: while one of them is in an event loop of its own, as a modal dialog
-/// is, Qt's events go on and jobs wait.
-/// Threads: made and destroyed on the thread of the QApplication, which must exist by then and still;
-/// anything else is a programming error. Lifetime: destroying it shuts it down; the parts that an installed
-/// platform holds live on, idle, and views stay on the screen.
+/// Options: as for the native platform, except two. `wake` is ignored, because the adapter has its own.
+/// `bluetooth` left out means Qt's permission from Qt 6.5 on; before, it means allowed.
+/// Jobs run one at a time: while a job runs an event loop of its own (a modal dialog, for example), Qt's
+/// events go on and the other jobs wait.
+/// Threads: constructed and destroyed on the thread of the QApplication, which must exist all the time;
+/// anything else is a programming error. Lifetime: destroying it shuts it down. The parts that an installed
+/// platform holds live on, but do nothing; views stay on the screen.
 class QtPlatform {
 public:
     explicit QtPlatform(native::NativePlatformOptions options = {});
@@ -35,10 +35,11 @@ public:
     QtPlatform(const QtPlatform&) = delete;
     QtPlatform& operator=(const QtPlatform&) = delete;
 
+    /// The value to install. Threads: any.
     [[nodiscard]] platform::Platform platform() const;
 
-    /// As NativePlatform::shutDown; afterwards the adapter has nothing left in Qt's event loop. On the
-    /// application's thread. May be called again.
+    /// Like `NativePlatform::shutDown`; afterwards the adapter has nothing left in Qt's event loop. Call it
+    /// on the application's thread. May be called again.
     void shutDown();
 
 private:

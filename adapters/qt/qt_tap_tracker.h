@@ -6,8 +6,8 @@
 
 namespace oska::qt {
 
-/// Tells a tap from a drag: pressed and released inside one area, and never moved as far as a drag does.
-/// Places are in points of the area's own.
+/// Distinguishes a tap from a drag. A tap is pressed and released inside one area and never moves as far as
+/// Qt's distance for a drag. Positions are in points, relative to the area.
 class TapTracker {
 public:
     void press(QPointF at) { start_ = at; }
@@ -17,7 +17,7 @@ public:
     void cancel() { start_.reset(); }
 
 private:
-    std::optional<QPointF> start_;  // none: nothing that can still become a tap
+    std::optional<QPointF> start_;  // nullopt: no press that can still become a tap
 };
 
 }  // namespace oska::qt

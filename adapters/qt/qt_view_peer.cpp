@@ -17,7 +17,7 @@ QWidget* widgetOf(const View* view) {
     return peer ? peer->widget() : nullptr;
 }
 
-/// To whole points edge by edge, so that views which share an edge do so on the screen, too.
+/// Each edge is rounded to whole points, so that views that share an edge share it on the screen, too.
 QRect toWholePoints(const views::Rect& rect) {
     const QPoint topLeft(qRound(rect.x), qRound(rect.y));
     const QPoint end(qRound(rect.x + rect.width), qRound(rect.y + rect.height));
@@ -44,7 +44,7 @@ private:
     void discardWidget();
 
     const std::weak_ptr<View> view_;
-    QPointer<ViewWidget> widget_;  // its parent owns it, and may be gone before the view
+    QPointer<ViewWidget> widget_;  // owned by its parent, which may be destroyed before the view
 };
 
 void QtViewPeer::place(const View& view) {
@@ -75,7 +75,7 @@ void QtViewPeer::apply(const View& view, ViewChange what) {
             return widget_->update();
         case ViewChange::image:
             return widget_->showImage(decoded(view.image()));
-        case ViewChange::clipping:  // a child widget is always cut off
+        case ViewChange::clipping:  // a child widget is always clipped
         case ViewChange::hierarchy:
             return;
     }

@@ -16,10 +16,11 @@ public:
     [[nodiscard]] virtual QWidget* widget() const = 0;
 };
 
-/// The platform's `makeViewPeer`: the view is shown by a child of the widget that shows its superview.
+/// The platform's `makeViewPeer`. The view's widget is a child of the widget of its superview.
 [[nodiscard]] std::unique_ptr<platform::ViewPeer> makeViewPeer(views::View& view);
 
-/// Puts the widgets of `view`'s subviews above whatever else lies over its widget, in the views' own order.
+/// Raises the widgets of the subviews above all other children of the view's widget, in the order of the
+/// views.
 void raiseSubviews(const views::View& view);
 
 }  // namespace oska::qt

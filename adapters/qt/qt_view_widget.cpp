@@ -11,7 +11,7 @@ namespace {
 
 using views::View;
 
-/// Of the view itself and of all around it.
+/// The product of the view's alpha and that of all views around it.
 double effectiveAlpha(const View& view) {
     const auto above = view.superview();
     return above ? view.alpha() * effectiveAlpha(*above) : view.alpha();
@@ -24,7 +24,7 @@ QRectF aspectFit(QSize content, QSize box) {
     return {rect.x, rect.y, rect.width, rect.height};
 }
 
-/// Touches come as such; the mouse that some systems make of them is not another tap.
+/// Some systems also make a mouse event of a touch, which must not count as a second tap.
 bool isFromTouchScreen(const QMouseEvent& event) {
     return event.deviceType() == QInputDevice::DeviceType::TouchScreen;
 }
@@ -33,10 +33,10 @@ bool isFromTouchScreen(const QMouseEvent& event) {
 
 ViewWidget::ViewWidget(std::weak_ptr<View> view, QWidget& parent) : QWidget(&parent), view_(std::move(view)) {
     setAttribute(Qt::WA_AcceptTouchEvents);
-    // Nor the background of a style sheet that is for all of the host's widgets.
+    // Otherwise a style sheet for all of the host's widgets would give it a background.
     setAttribute(Qt::WA_NoSystemBackground);
     setFocusPolicy(Qt::NoFocus);
-    setMouseTracking(true);  // for the host, if it tracks the mouse
+    setMouseTracking(true);  // the host's widget may track the mouse
 }
 
 void ViewWidget::discard(ViewWidget* widget) {
@@ -74,7 +74,7 @@ void ViewWidget::paintEvent(QPaintEvent*) {
     painter.drawImage(aspectFit(image_.size(), size()), image_);
 }
 
-// A host that scrolls its content moves its children along.
+// A host widget that scrolls its content moves its children, too.
 void ViewWidget::moveEvent(QMoveEvent*) {
     if (geometry() != frame_) setGeometry(frame_);
 }
@@ -134,7 +134,7 @@ void ViewWidget::mouseReleaseEvent(QMouseEvent* event) {
 void ViewWidget::tap() {
     const auto view = view_.lock();
     if (!view) return;
-    const QPointer<ViewWidget> self(this);  // the host may destroy anything inside
+    const QPointer<ViewWidget> self(this);  // the tap may destroy this widget
     isInTap_ = true;
     view->handleTap();
     if (self) isInTap_ = false;

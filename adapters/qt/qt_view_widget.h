@@ -11,20 +11,20 @@ class QTouchEvent;
 
 namespace oska::qt {
 
-/// One view on the screen: paints its image and turns clicks and touches into taps. Otherwise it is clear, to
-/// the eye and to events.
+/// One view on the screen: paints its image and turns clicks and touches into taps. It is transparent
+/// elsewhere, and lets all other events through.
 ///
-/// Threads: the application's. Lifetime: owned by its parent widget, as the peer's until `discard`.
+/// Threads: the application's thread. Lifetime: owned by its parent widget; the peer uses it until `discard`.
 class ViewWidget final : public QWidget {
 public:
     ViewWidget(std::weak_ptr<views::View> view, QWidget& parent);
 
-    /// Takes the widget away, also in the middle of its own tap.
+    /// Removes the widget, and deletes it; during its own tap, later.
     static void discard(ViewWidget* widget);
 
     void place(const QRect& frame);
     void showImage(const QImage& image);
-    /// Lets every event through from now on, and forgets a press, unless `canBeTapped`.
+    /// Without `canBeTapped`, lets every event through from now on and forgets a press.
     void setTappable(bool canBeTapped);
 
 protected:

@@ -9,19 +9,26 @@
 
 namespace oska::virtual_world {
 
-/// A token provider with one answer.
+/// A token provider that gives every caller the same result.
+///
+///     FixedToken signedIn(std::string("token"));
+///     FixedToken signedOut(platform::TokenFailure{.reason = platform::TokenFailureReason::notSignedIn});
 /// Threads: any.
-/// Errors: an answer that waits on the queue when that stops becomes a failure of reason `unknown`.
 class FixedToken final : public platform::QuenloAuthManager {
 public:
+    /// `result`: a token, or why there is none.
     explicit FixedToken(platform::TokenResult result);
 
-    /// Requests from now on get this answer.
+    /// Replaces the result for later requests. A request that waits on the queue keeps the old one.
     void setResult(platform::TokenResult result);
 
-    /// Answers in a job of `queue` from now on; with null, as at the beginning, inside the call.
+    /// From now on completions run in a job of `queue`; with null, as at the beginning, inside
+    /// `getAccessToken`.
     void answerOn(std::shared_ptr<platform::MainQueue> queue);
 
+    /// Calls `completion` once with the result. `update` has no effect: there is nothing to refresh.
+    /// Errors: if the queue stops first, `completion` gets a failure with the reason `unknown`, inside the
+    /// queue's `stop`.
     void getAccessToken(bool update, std::function<void(platform::TokenResult)> completion) override;
 
 private:

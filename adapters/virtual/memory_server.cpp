@@ -17,8 +17,8 @@ using platform::HttpSession;
 using platform::HttpSessionConfiguration;
 using std::chrono::nanoseconds;
 
-/// The server's script and log, and every request under way. Completions, handlers and delegates are called,
-/// and requests destroyed, without the lock.
+/// The server's handlers and seen requests, and every request under way. No completion, handler or delegate
+/// is called and no request destroyed while the lock is held.
 class MemorySite : public std::enable_shared_from_this<MemorySite> {
 public:
     explicit MemorySite(std::shared_ptr<VirtualMainQueue> queue) : queue_(std::move(queue)) {}
@@ -126,7 +126,7 @@ private:
         if (const auto transfer = take(id)) transfer->owed.complete(std::move(outcome));
     }
 
-    /// The request's way to the server: what stops it there is the answer.
+    /// The handler's answer, or why the request does not reach the server.
     ScriptedAnswer answerTo(const MemoryTransfer& transfer) {
         const auto& url = transfer.request.url;
         if (isShutDown()) return {.outcome = cancelled()};

@@ -13,52 +13,55 @@ namespace oska::virtual_world {
 
 /// One request as it reached the server.
 struct SeenRequest {
-    std::size_t session = 0;  ///< the session it came by: 0 for the first that was made, and so on
+    /// The session that sent it: 0 for the first session that was made, and so on.
+    std::size_t session = 0;
+    /// When it arrived, by the virtual clock.
     platform::WallTime at;
+    /// As it was given to `send`.
     platform::HttpRequest request;
 };
 
-/// A scripted server in memory and the HTTP sessions that reach it, whatever host a request names.
+/// A scripted server in memory, and the HTTP sessions that reach it. All requests go to it, to any host.
 ///
-/// Life of a request: it reaches the server in a job of its own, right after `send` at the same instant;
-/// there the handler of its path, else the one for all others, decides on the answer. The request completes
-/// in a job, too, when the answer's delay has passed. It fails as `timedOut` when the answer takes longer
-/// than its idle time-out (its own, else the session's) or than the session allows in all, and as
-/// `replyTooLarge` beyond the session's limit.
-/// A request that is neither http nor https or has no host fails as `unsupportedUrl`, a GET with a body as
-/// `bodyNotAllowed`; one over https to a
-/// host that nobody vouches for is put to the session's delegate, each time. Neither is seen by the server
-/// unless accepted.
-/// Ends: requests under way complete as `cancelled` in a job when their session is destroyed, inside
-/// `shutDown` when that is called; with the queue stopped, when it drops them or, sent later still, when the
-/// server and its sessions are gone. No redirects are followed, no bodies decoded.
-/// Threads: operations, sessions' included, on any thread; handlers, delegates and completions on the main
-/// thread.
-/// Lifetime: sessions may outlive the server, which shuts down when it is destroyed.
+/// Life of a request: it reaches the server in a job of its own, at the instant of `send`. There the handler
+/// of its path decides on the answer; without one, the handler for all other paths. When the answer's delay
+/// has passed, the request completes, in a job, too. Redirects are not followed and bodies not decoded.
+/// Errors: `timedOut` when the answer takes longer than the idle time-out (the request's, else the session's)
+/// or than the session's total limit; `replyTooLarge` beyond the session's limit; `unsupportedUrl` when the
+/// URL is not http or https or has no host; `bodyNotAllowed` for a GET with a body. A request over https to
+/// an untrusted host asks the session's delegate each time, and fails as `untrustedCertificate` unless it
+/// accepts. The server does not see the requests that fail in the last three ways.
+/// Ends: requests under way complete as `cancelled`: in a job when their session is destroyed, inside
+/// `shutDown` when that is called. If the queue has stopped, they do so when it destroys their jobs;
+/// requests sent after that, when the server and its sessions were destroyed.
+/// Threads: all operations, the sessions' too, on any thread; handlers, delegates and completions are called
+/// on the main thread.
+/// Lifetime: sessions may outlive the server. Destroying the server shuts it down.
 class MemoryServer final : public platform::HttpSessionFactory {
 public:
+    /// `queue`: runs the jobs, and its clock measures the delays.
     explicit MemoryServer(std::shared_ptr<VirtualMainQueue> queue);
     ~MemoryServer() override;
     MemoryServer(const MemoryServer&) = delete;
     MemoryServer& operator=(const MemoryServer&) = delete;
 
-    /// Answers the requests that have no handler of their own; until it is set, they are answered with status
-    /// 404.
+    /// Sets the handler for all paths without one of their own. Until then they are answered with status 404.
     void onRequest(RequestHandler handler);
 
-    /// Answers the requests whose URL has this path ("/a/b", as sent: no query, escapes as they stand).
+    /// Sets the handler for one path: "/a/b", without a query and with escapes as they were sent.
     void onPath(std::string path, RequestHandler handler);
 
-    /// No authority vouches for the certificate of this host, given as `Url::host` reads it.
+    /// From now on the certificate of this host passes no check. `host` as `Url::host` returns it.
     void setUntrusted(std::string host);
 
-    /// Whether `requests` fills (it does from the start); a long run would collect without end.
+    /// Whether `requests` collects (at the beginning it does). Switch it off for long runs, to save memory.
     void keepRequests(bool keep);
 
-    /// What reached the server, in that order.
+    /// The requests that reached the server, in the order in which they came.
     [[nodiscard]] std::vector<SeenRequest> requests() const;
 
-    /// Completes every request under way as cancelled, here and now, and from now on each new one in a job.
+    /// Completes every request under way as `cancelled` inside this call. Later requests complete as
+    /// `cancelled` in a job.
     void shutDown();
 
     [[nodiscard]] std::unique_ptr<platform::HttpSession> makeSession(

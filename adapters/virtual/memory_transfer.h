@@ -21,7 +21,8 @@ struct SessionInfo {
 
 [[nodiscard]] platform::HttpOutcome cancelled();
 
-/// One request under way in a memory server. Destroyed before it has completed, it completes as cancelled.
+/// One request under way in a memory server. If it is destroyed before it has completed, it completes as
+/// cancelled. Threads: the main thread, except construction and destruction.
 struct MemoryTransfer {
     MemoryTransfer(std::shared_ptr<const SessionInfo> owner, platform::HttpRequest toSend,
                    platform::HttpSession::Completion completion)
@@ -30,23 +31,23 @@ struct MemoryTransfer {
     const std::shared_ptr<const SessionInfo> session;
     const platform::HttpRequest request;
     OwedCompletion<platform::HttpOutcome> owed;
-    std::unique_ptr<platform::ScheduledWork> end;  // of a wait for the answer
+    std::unique_ptr<platform::ScheduledWork> end;  // completes it when the answer's delay has passed
 };
 
 /// `scheme` in lower case.
 [[nodiscard]] bool hasScheme(const Url& url, std::string_view scheme);
 
-/// Whether HTTP can be spoken to the URL's server at all.
+/// Whether the URL is http or https and has a host.
 [[nodiscard]] bool isSupported(const Url& url);
 
-/// The path as written, of a URL that is supported; "/" stands for none.
+/// The path as written; "/" when there is none. Requires: `isSupported`.
 [[nodiscard]] std::string pathOf(const Url& url);
 
-/// Whether the session's delegate vouches for a host that nobody else does.
+/// Whether the session's delegate accepts the certificate of an untrusted host.
 [[nodiscard]] bool isAccepted(const SessionInfo& session, const std::string& host);
 
-/// What the client makes of the server's answer: it always has an outcome, which is a time-out when the
-/// answer takes longer than the transfer may. An answer at the very instant of the time-out is in time.
+/// The server's answer within the client's limits. The result always has an outcome; it is a time-out when
+/// the answer takes longer than the limits allow. An answer at the very instant of the time-out is in time.
 [[nodiscard]] ScriptedAnswer withinLimits(ScriptedAnswer answer, const MemoryTransfer& transfer);
 
 }  // namespace oska::virtual_world

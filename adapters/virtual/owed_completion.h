@@ -5,10 +5,10 @@
 
 namespace oska::virtual_world {
 
-/// A completion that runs exactly once: with the first result it is given, or with the one fixed at its
-/// making when it is destroyed before that. Whatever drops the job that was to complete, its waiter hears of
-/// it.
-/// Threads: any, one at a time. The completion runs where the result is given, or where this is destroyed.
+/// A completion that runs exactly once: with the first result that `complete` gets or, when this is destroyed
+/// before, with the result given to the constructor. So a caller gets a result even when a queue destroys the
+/// job that should have brought it.
+/// Threads: any, one at a time. The completion runs inside `complete`, or inside the destructor.
 template <class Result>
 class OwedCompletion {
 public:

@@ -7,22 +7,22 @@
 
 namespace oska::virtual_world {
 
-/// A recorded walk in place of a radio, for trials on a machine without one: a file of JSON Lines, each
-/// sample with its `mobile_time` (milliseconds) and its `rfs` (from ward name to dBm), as an upload or `oska
-/// simulate` leaves it.
+/// A recorded walk in place of a radio, for trials on a machine without one. The walk is a file of JSON
+/// Lines. Each sample has its `mobile_time` (milliseconds) and its `rfs` (ward names and strengths in dBm),
+/// as in an upload or in the output of `oska simulate`.
 ///
 ///     oska::virtual_world::RecordedRadio radio("walk.jsonl");
 ///     oska::native::NativePlatform native({.makeRFDGenerator = radio.factory()});
 ///
-/// The walk begins when the first generator is made, goes on at its own pace whether a generator runs or not,
-/// and is played once; every generator that runs hears it. A sample stamped earlier than the one before it
-/// follows at once. Lines that are blank or hold no `rfs` are skipped.
+/// The walk begins when the first generator is made and is played once, at its own pace, even while no
+/// generator runs. Every running generator sends it. A sample with an earlier time than the one before it
+/// follows at once. Lines that are blank or have no `rfs` are skipped.
 ///
 /// Threads: any; samples arrive on the main queue of the installed platform.
-/// Lifetime: the file is read, whole, when the radio is made. Generators may outlive the radio; they are
-/// never heard from again then. Errors: without a file that can be played no generator is available, and says
-/// why in one line
-/// (`walk.jsonl:17: ...`): a start then fails with GENERATOR_FAIL, and the line is in the log.
+/// Lifetime: the whole file is read by the constructor. Generators may outlive the radio, and then send
+/// nothing more.
+/// Errors: if the file cannot be played, no generator is available, and its message says why in one line
+/// (`walk.jsonl:17: ...`). A service then fails to start with GENERATOR_FAIL and logs the line.
 class RecordedRadio {
 public:
     explicit RecordedRadio(const std::string& path);
@@ -30,7 +30,7 @@ public:
     RecordedRadio(const RecordedRadio&) = delete;
     RecordedRadio& operator=(const RecordedRadio&) = delete;
 
-    /// Null generators once the radio is gone.
+    /// Makes the generators. It returns null once the radio was destroyed.
     [[nodiscard]] platform::RFDGeneratorFactory factory() const;
 
 private:

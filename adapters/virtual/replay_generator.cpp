@@ -18,8 +18,8 @@ using platform::RfdOptions;
 
 namespace {
 
-/// What the service is handed is a pointer of its own, whose last copy stops the generator at once; the
-/// generator itself lives as long as a callback of it runs.
+/// A service gets a separate shared pointer (see `ReplayHub::make`). Its last copy stops the generator at
+/// once; the generator itself lives on while a callback of it runs.
 class ReplayGenerator final : public RFDGenerator {
 public:
     explicit ReplayGenerator(std::weak_ptr<ReplayHub> hub) : hub_(std::move(hub)) {}
@@ -57,7 +57,7 @@ public:
         record_.pressureProvider.swap(unwanted);
     }
 
-    /// The delegate, when a callback may start now.
+    /// The delegate if the generator runs, else null.
     [[nodiscard]] std::shared_ptr<RFDGeneratorDelegate> listener() const {
         const std::lock_guard lock(mutex_);
         return record_.isRunning ? delegate_.lock() : nullptr;
@@ -86,7 +86,7 @@ private:
 
 }  // namespace
 
-/// The generators that were made, and what is delivered to them.
+/// The generators that were made, and the delivery to their delegates.
 class ReplayHub : public std::enable_shared_from_this<ReplayHub> {
 public:
     std::shared_ptr<RFDGenerator> make() {
@@ -98,7 +98,7 @@ public:
                 }};
     }
 
-    /// Calls `call` with the delegate of every generator that runs when its turn comes.
+    /// Calls `call` for the delegate of each generator that still runs when it is its turn.
     template <class Call>
     bool deliver(Call call) {
         if (speaker_.load() == std::this_thread::get_id()) {
@@ -145,7 +145,7 @@ public:
 
 private:
     bool add(const std::shared_ptr<ReplayGenerator>& generator) {
-        auto gone = generator;  // what `last_` was, destroyed after the lock is released
+        auto gone = generator;  // swapped with `last_`: the old one is destroyed after the lock is released
         const std::lock_guard lock(mutex_);
         if (!hasGenerators_) return false;
         std::erase_if(generators_, [](const auto& other) { return other.expired(); });
@@ -160,7 +160,7 @@ private:
         return generators_;
     }
 
-    std::mutex turns_;  // held while delegates are called; nothing but deliveries waits for it
+    std::mutex turns_;  // held while delegates are called; only deliveries wait for it
     std::atomic<std::thread::id> speaker_{};
 
     mutable std::mutex mutex_;

@@ -10,25 +10,32 @@
 
 namespace oska::virtual_world {
 
-/// What a generator was told, and whether it runs.
+/// A snapshot of what a service has done to its generator.
 struct GeneratorRecord {
+    /// Started, and neither stopped nor destroyed since.
     bool isRunning = false;
+    /// Whether the delegate that was set still lives.
     bool hasDelegate = false;
-    std::optional<platform::ScanMode> scanMode;   ///< none: never set
-    std::optional<platform::RfdOptions> options;  ///< none: not started, or last started from recorded data
+    /// Nullopt: never set.
+    std::optional<platform::ScanMode> scanMode = {};
+    /// Of the last start. Nullopt: not started, or last started with `generateReplayRfd`.
+    std::optional<platform::RfdOptions> options = {};
+    /// Calls of `generateRfd` and `generateReplayRfd`.
     std::size_t starts = 0;
-    std::size_t stops = 0;                    ///< destruction is none
-    std::function<float()> pressureProvider;  ///< while the generator exists
+    /// Calls of `stopRfdGeneration`; destroying the generator does not count.
+    std::size_t stops = 0;
+    /// Empty once the generator was destroyed.
+    std::function<float()> pressureProvider = {};
 };
 
-/// Signal generators that say what they are given here: each sample, error or time goes to the delegate of
-/// every generator that runs at that moment, in the order of their making. Samples go out as they are,
-/// whatever limits a live scan was asked for.
+/// Signal generators that send what the program hands in here. Each sample, error or time goes to the
+/// delegate of every generator that runs at that moment, in the order in which the generators were made.
+/// Samples are sent unchanged, without regard to the strength limits that the service asked for.
 ///
-/// Threads: any. `send...` calls the delegates synchronously on its own thread and holds nothing that the
-/// generators' operations wait for; calls on several threads take turns. Calling it from inside a callback is
-/// a programming error.
-/// Lifetime: generators may outlive the source; they are never heard from again then.
+/// Threads: any. `send...` calls the delegates synchronously on the caller's thread, with no lock held that
+/// the generators' operations wait for. Calls on several threads run one after the other. A call from inside
+/// a delegate's callback is a programming error.
+/// Lifetime: generators may outlive the source, and then send nothing more.
 class ReplaySource {
 public:
     ReplaySource();
@@ -36,25 +43,28 @@ public:
     ReplaySource(const ReplaySource&) = delete;
     ReplaySource& operator=(const ReplaySource&) = delete;
 
-    /// Makes the generators of this source; null while `setSupply(false)`, or when the source is gone.
+    /// Makes the generators of this source. It returns null after `setSupply(false)`, and when the source was
+    /// destroyed.
     [[nodiscard]] platform::RFDGeneratorFactory factory() const;
 
-    /// Each answers whether anyone heard it: no generator runs, or its delegate is gone, then it goes
-    /// nowhere.
+    /// Calls `onRfdResult`. Returns whether a delegate was called: false when no generator with a living
+    /// delegate runs.
     bool send(const platform::ReceivedForce& sample);
+    /// Calls `onRfdError`; returns like `send`.
     bool sendError(int code, const std::string& message);
+    /// Calls `onRfdEmptyMillis` with `time` unchanged; returns like `send`.
     bool sendEmptyMillis(double time);
 
-    /// What all generators answer to `checkIsAvailableRfd`; available until set.
+    /// What `checkIsAvailableRfd` of all generators returns from now on; available at the beginning.
     void setAvailability(platform::RfdAvailability availability);
 
-    /// Whether there are generators to be had.
+    /// Whether the factory makes generators; if not, it returns null. True at the beginning.
     void setSupply(bool hasGenerators);
 
-    /// How many generators were made.
+    /// How many generators were made so far.
     [[nodiscard]] std::size_t made() const;
 
-    /// The generator that was made last, be it gone or not.
+    /// The state of the generator that was made last, even when it was destroyed. Nullopt: none was made.
     [[nodiscard]] std::optional<GeneratorRecord> last() const;
 
 private:
