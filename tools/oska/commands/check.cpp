@@ -15,7 +15,7 @@
 #include "tools/oska/cli/wording.h"
 #include "tools/oska/commands/commands.h"
 #include "tools/oska/site/bundle_findings.h"
-#include "tools/oska/site/bundle_kind.h"
+#include "tools/oska/site/bundle_service.h"
 
 namespace oska::tool {
 namespace {
@@ -110,7 +110,7 @@ FileReport check(const std::string& file, const std::string& kind) {
             Fault{.line = {}, .path = {}, .expected = {}, .found = {}, .message = document.error().problem};
         return report;
     }
-    report.kind = kind.empty() ? std::string(rawValue(bundleKind(*document))) : kind;
+    report.kind = kind.empty() ? std::string(rawValue(serviceOfBundle(*document))) : kind;
     if (*report.kind == rawValue(OskaService::dapo)) {
         examine<DapoBundle>(report, *document);
     } else {

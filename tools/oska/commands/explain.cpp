@@ -58,9 +58,9 @@ void printAnswer(const Explanation& explanation, bool asJson) {
 }
 
 /// The recording on its way into an explainer.
-class Reading {
+class RecordingPass {
 public:
-    Reading(const Options& options, OskaService service)
+    RecordingPass(const Options& options, OskaService service)
         : recording_(options.recording, service, [this](int file) { return awaitInput(file); }) {}
 
     ExitStatus passTo(Explainer& explainer) {
@@ -93,7 +93,7 @@ ExitStatus explain(const Options& options, OskaService service, const std::strin
         return ExitStatus::badInput;
     }
     ExplainerOfKind explainer(*bundle, Question{options.ward, options.at});
-    const auto status = Reading(options, service).passTo(explainer);
+    const auto status = RecordingPass(options, service).passTo(explainer);
     if (status == ExitStatus::done) printAnswer(explainer.finish(), options.json);
     return status;
 }

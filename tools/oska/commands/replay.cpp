@@ -88,10 +88,10 @@ std::chrono::nanoseconds span(double seconds) {
 using OnEvent = std::function<void(std::string_view line)>;
 
 /// The service and its world from the first line on.
-class Run {
+class VirtualRun {
 public:
     /// `onEvent` is handed every event line, unless it is empty.
-    Run(const ServiceOptions& options, std::string bundle, std::int64_t begin, const OnEvent& onEvent)
+    VirtualRun(const ServiceOptions& options, std::string bundle, std::int64_t begin, const OnEvent& onEvent)
         : site_(std::move(bundle), {begin, 0}), events_(site_.clock()), host_(makeHost(options, events_)) {
         events_.listen(onEvent);
         site_.onUpload([this](const auto& batch) { printUpload(batch); });
@@ -194,7 +194,7 @@ private:
     std::string bundle_;  // until the run begins
     Progress progress_;
     Recording recording_;
-    std::optional<Run> run_;
+    std::optional<VirtualRun> run_;
 };
 
 /// The sector to load. A bundle that does not decode is no obstacle as long as it is known whose it is.

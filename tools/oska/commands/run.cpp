@@ -104,9 +104,9 @@ private:
     LiveLoop::Clock::time_point begin_;
 };
 
-class Run {
+class LiveRun {
 public:
-    explicit Run(const Options& options)
+    explicit LiveRun(const Options& options)
         : options_(options),
           witness_(options.service.kind(), options.service.sectorId),
           loop_({.auth = tokens(options), .makeRFDGenerator = source_.factory()}),
@@ -258,7 +258,7 @@ ExitStatus run(const Options& options) {
     OskaLogger::setDebugOption(!options.quiet);
     if (options.baseUrl) OskaOnPremiseNetworkConstants::setBaseURL(*options.baseUrl);
     platform::TovanReplayer::shared().setReplayMode(options.recording.has_value());
-    return Run(options).run();
+    return LiveRun(options).run();
 }
 
 }  // namespace

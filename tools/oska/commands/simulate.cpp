@@ -14,10 +14,10 @@
 #include "tools/oska/cli/option_values.h"
 #include "tools/oska/cli/wording.h"
 #include "tools/oska/commands/commands.h"
+#include "tools/oska/simulating/planned_walk.h"
 #include "tools/oska/simulating/radio_model.h"
 #include "tools/oska/simulating/route.h"
-#include "tools/oska/simulating/walk.h"
-#include "tools/oska/site/bundle_kind.h"
+#include "tools/oska/site/bundle_service.h"
 #include "tools/oska/site/site.h"
 
 namespace oska::tool {
@@ -121,7 +121,7 @@ void nameUnplaced(const Site& site, const std::string& file) {
 
 ExitStatus simulate(const Options& options, const Site& site, const Route& route) {
     const GroundPlan ground(site, route);
-    auto walk = Walk::plan(route, site, ground);
+    auto walk = PlannedWalk::plan(route, site, ground);
     if (!walk) {
         complain(options.route + ": " + walk.error());
         return ExitStatus::badInput;
@@ -145,7 +145,7 @@ ExitStatus simulate(const Options& options) {
     for (const auto* const input : {&document, &routeDocument}) {
         if (!*input) return complainOf(input->error());
     }
-    const auto site = parseSite(options.bundle, *document, bundleKind(*document));
+    const auto site = parseSite(options.bundle, *document, serviceOfBundle(*document));
     const auto route = parseRoute(options.route, *routeDocument);
     if (!site) complain(site.error());
     if (!route) complain(route.error());

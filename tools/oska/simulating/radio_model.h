@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "oska/platform/quenlo_common.h"
-#include "tools/oska/simulating/walk.h"
+#include "tools/oska/simulating/planned_walk.h"
 #include "tools/oska/site/site.h"
 
 namespace oska::tool {

@@ -79,7 +79,7 @@ std::string element(std::string_view array, std::size_t index) {
 }
 
 /// Looks at every number of a route and keeps the first fault.
-class Inspection {
+class RouteCheck {
 public:
     std::optional<std::string> inspect(const Route& route) {
         lookAtKeys("", route.unknown_keys);
@@ -161,7 +161,7 @@ private:
 Result<Route, std::string> parseRoute(const std::string& file, std::string_view document) {
     auto route = json::decode<Route>(document);
     if (!route) return faultLine(file, route.error());
-    if (const auto fault = Inspection().inspect(*route)) return file + ": " + *fault;
+    if (const auto fault = RouteCheck().inspect(*route)) return file + ": " + *fault;
     return *std::move(route);
 }
 

@@ -32,7 +32,7 @@ std::string element(const std::string& parent, std::string_view array, std::size
 }
 
 /// One pass over a bundle of either kind.
-class Inspection {
+class BundleCheck {
 public:
     template <class Ward>
     std::vector<Finding> inspect(const Bundle<Ward>& bundle) {
@@ -130,7 +130,7 @@ private:
 
 }  // namespace
 
-std::vector<Finding> findingsIn(const PelioBundle& bundle) { return Inspection().inspect(bundle); }
-std::vector<Finding> findingsIn(const DapoBundle& bundle) { return Inspection().inspect(bundle); }
+std::vector<Finding> findingsIn(const PelioBundle& bundle) { return BundleCheck().inspect(bundle); }
+std::vector<Finding> findingsIn(const DapoBundle& bundle) { return BundleCheck().inspect(bundle); }
 
 }  // namespace oska::tool

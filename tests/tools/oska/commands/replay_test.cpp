@@ -54,7 +54,7 @@ std::string action(int mobileTime, const std::string& name) {
     return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"action":")" + name + "\"}\n";
 }
 
-class Replay : public testing::Test {
+class ReplayCommand : public testing::Test {
 protected:
     Ended replay(const std::string& recording, std::vector<std::string> more = {}) {
         std::vector<std::string> arguments{"replay", "pelio",       "--bundle",
@@ -67,7 +67,7 @@ protected:
     std::string bundle = folder.file("site.json", PELIO_DOCUMENT);
 };
 
-TEST_F(Replay, BeginsAtTheFirstLineAndNeverTurnsTheClockBack) {
+TEST_F(ReplayCommand, BeginsAtTheFirstLineAndNeverTurnsTheClockBack) {
     const auto ended = replay(heard(5000) + heard(5500) + heard(4000) + heard(9000));
     EXPECT_EQ(ended.status, 0);
     EXPECT_THAT(ended.err, IsEmpty());
@@ -75,7 +75,7 @@ TEST_F(Replay, BeginsAtTheFirstLineAndNeverTurnsTheClockBack) {
                                             result(500, 4000), result(4000, 9000)));
 }
 
-TEST_F(Replay, SkipsBlankLinesAndToleratesCarriageReturnsAndALastLineWithoutAnEnd) {
+TEST_F(ReplayCommand, SkipsBlankLinesAndToleratesCarriageReturnsAndALastLineWithoutAnEnd) {
     const auto longLine =
         R"({"note":")" + std::string(300'000, 'x') + R"(","mobile_time":2,"rfs":{"lobby-a":-60}})";
     const auto ended = replay("\r\n \t\n" + action(1, "stop") + "\n" + action(1, "start") + longLine +
@@ -84,7 +84,7 @@ TEST_F(Replay, SkipsBlankLinesAndToleratesCarriageReturnsAndALastLineWithoutAnEn
     EXPECT_THAT(ended.events(), ElementsAre(IMAGE, init(0), start(0), start(0), result(1, 2), result(2, 3)));
 }
 
-TEST_F(Replay, DoesWhatTheHostDid) {
+TEST_F(ReplayCommand, DoesWhatTheHostDid) {
     const auto ended = replay(heard(0) + action(1, "start") + action(2, "stop") + action(2, "stop") +
                               heard(3) + action(4, "initialize") + heard(5) + action(6, "start") + heard(7));
     EXPECT_EQ(ended.status, 0) << "only the first start counts";
@@ -96,7 +96,7 @@ TEST_F(Replay, DoesWhatTheHostDid) {
                             images(4), init(4), start(6), result(7, 7)));
 }
 
-TEST_F(Replay, PassesOverYearsInWhichNothingHappens) {
+TEST_F(ReplayCommand, PassesOverYearsInWhichNothingHappens) {
     std::string walk;
     for (int i = 0; i < 6; ++i)
         walk += R"({"mobile_time":)" + std::to_string(i * 100) + R"(,"rfs":{"lobby-a":-60}})" + "\n";
@@ -115,20 +115,20 @@ TEST_F(Replay, PassesOverYearsInWhichNothingHappens) {
                                     R"({"at":3501,"event":"onDa)", R"({"at":5500,"event":"visi)"));
 }
 
-TEST_F(Replay, InitialisesAndStartsForAnEmptyRecordingToo) {
+TEST_F(ReplayCommand, InitialisesAndStartsForAnEmptyRecordingToo) {
     const auto ended = replay("\n");
     EXPECT_EQ(ended.status, 0);
     EXPECT_THAT(ended.events(), ElementsAre(IMAGE, init(0), start(0)));
 }
 
-TEST_F(Replay, NamesABadLineAfterEverythingBeforeIt) {
+TEST_F(ReplayCommand, NamesABadLineAfterEverythingBeforeIt) {
     const auto ended = replay(heard(1) + "\n" + R"({"mobile_time":"x","rfs":{}})" + "\n" + heard(2));
     EXPECT_EQ(ended.status, 2);
     EXPECT_THAT(ended.events(), ElementsAre(IMAGE, init(0), start(0), result(0, 1)));
     EXPECT_THAT(ended.err, HasSubstr("/walk.jsonl:3: \"mobile_time\" is not an integer\n"));
 }
 
-TEST_F(Replay, TellsAFailedInitialisationByItsStatus) {
+TEST_F(ReplayCommand, TellsAFailedInitialisationByItsStatus) {
     bundle = folder.file("broken.json", R"({"id":12,
         "name":5})");
     const auto ended = replay(heard(1));
@@ -139,14 +139,14 @@ TEST_F(Replay, TellsAFailedInitialisationByItsStatus) {
     EXPECT_THAT(ended.err, HasSubstr("/broken.json:2: name: expected text, found 5\n"));
 }
 
-TEST_F(Replay, SaysThatAnIdIsRefusedForNobodyElseDoes) {
+TEST_F(ReplayCommand, SaysThatAnIdIsRefusedForNobodyElseDoes) {
     const auto ended = replay(heard(1), {"--id", "a b"});
     EXPECT_EQ(ended.status, 1);
     EXPECT_THAT(ended.out, StartsWith(startFailure(0, "NOT_INITIALIZED")));
     EXPECT_THAT(ended.err, HasSubstr("\"a b\""));
 }
 
-TEST_F(Replay, NeedsASectorFromSomewhere) {
+TEST_F(ReplayCommand, NeedsASectorFromSomewhere) {
     bundle = folder.file("other.json", R"({"name":"no id"})");
     EXPECT_EQ(replay(heard(1)).status, 2);
     EXPECT_EQ(replay(heard(1), {"--sector", "12"}).status, 1);
@@ -155,7 +155,7 @@ TEST_F(Replay, NeedsASectorFromSomewhere) {
     EXPECT_THAT(replay(heard(1), {"--sector", "010"}).out, HasSubstr("/v2/pelio/sectors/10/bundle"));
 }
 
-TEST_F(Replay, LogsOnRequestInOrderAndAlikeEachTime) {
+TEST_F(ReplayCommand, LogsOnRequestInOrderAndAlikeEachTime) {
     const auto recording = heard(1) + action(2, "initialize") + action(3, "start") + action(4, "stop");
     const auto ended = replay(recording, {"--log"});
     const auto log = ended.out.find("[INFO]  [PelioServiceManager] (initialize) : success");
@@ -166,7 +166,7 @@ TEST_F(Replay, LogsOnRequestInOrderAndAlikeEachTime) {
     EXPECT_THAT(replay(recording).out, testing::Not(HasSubstr("[INFO]")));
 }
 
-TEST_F(Replay, KeepsForeignTextInItsLine) {
+TEST_F(ReplayCommand, KeepsForeignTextInItsLine) {
     auto document = PELIO_DOCUMENT;
     document.replace(document.find("B1"), 2, R"(B\n{1\r\u2028)");
     bundle = folder.file("lines.json", document);
@@ -175,7 +175,7 @@ TEST_F(Replay, KeepsForeignTextInItsLine) {
     EXPECT_THAT(ended.out, HasSubstr(R"("level_name":"B\n{1\r\u2028)"));
 }
 
-TEST_F(Replay, HandlesLinesAsTheyArriveUntilInterrupted) {
+TEST_F(ReplayCommand, HandlesLinesAsTheyArriveUntilInterrupted) {
     RunningOska program({"replay", "pelio", "--bundle", bundle, "--recording", "-"});
     program.write(heard(100));
     EXPECT_THAT(program.readLine(), StartsWith("(QuenloResource) getSectorBundle : "));

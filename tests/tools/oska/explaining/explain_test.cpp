@@ -38,14 +38,14 @@ PelioBundle pelioSite() {
 }
 
 /// A recording under construction; times are milliseconds since its beginning.
-class Walk {
+class WalkScript {
 public:
-    Walk& hear(std::int64_t at, Strengths strengths) {
+    WalkScript& hear(std::int64_t at, Strengths strengths) {
         lines_.push_back({BEGIN + at, platform::ReceivedForce{BEGIN + at, std::move(strengths)}});
         return *this;
     }
 
-    Walk& act(std::int64_t at, tool::ActionKind kind) {
+    WalkScript& act(std::int64_t at, tool::ActionKind kind) {
         auto& line = lines_.emplace_back();
         line.mobileTime = BEGIN + at;
         line.what = tool::Action{.kind = kind};
@@ -70,8 +70,8 @@ private:
 };
 
 /// Samples a second apart that name Lobby-A at these strengths.
-Walk lobby(const std::vector<double>& strengths) {
-    Walk walk;
+WalkScript lobby(const std::vector<double>& strengths) {
+    WalkScript walk;
     std::int64_t at = 0;
     for (const double strength : strengths) walk.hear(1000 * at++, {{"lobby-a", strength}});
     return walk;
@@ -129,7 +129,7 @@ TEST(ExplainDapo, LooksAtAnInstantAndAtTheHoldThatRunsThen) {
 }
 
 TEST(ExplainDapo, KnowsASelectionThatIsHeldWithoutADetection) {
-    Walk walk;
+    WalkScript walk;
     for (const int at : {0, 5000, 6000, 7000, 8000, 9000}) walk.hear(at, {{"lobby-a", -60}});
     walk.hear(10001, {});  // the first of the six has left the window
     const auto held = walk.dapo({.ward = "lobby-a", .at = 10001});
@@ -147,7 +147,7 @@ TEST(ExplainDapo, ForgetsWithTheServiceThatStops) {
 }
 
 TEST(Explain, AnswersANameThatNoWardHasWithTheNearest) {
-    Walk walk;
+    WalkScript walk;
     for (int i = 0; i < 6; ++i)
         walk.hear(1000 * i, {{"lobby-a\t", -50}, {" Gate 2\n", -60}, {"gate  2", -40}});
 
@@ -185,23 +185,23 @@ TEST(ExplainPelio, NamesTheRuleThatDecides) {
                  {{{"a", -60}, {"b", -60}}, "b", "id", "a"},
                  {{{"d", -60}, {"a", -60}}, "a", "order", "d"}};
     for (const auto& [strengths, winner, rule, next] : cases) {
-        const auto decision = *Walk().hear(0, strengths).pelio({.at = 0}).decision;
+        const auto decision = *WalkScript().hear(0, strengths).pelio({.at = 0}).decision;
         ASSERT_TRUE(decision.winner);
         EXPECT_EQ(decision.winner->name, winner);
         EXPECT_EQ(decision.winner->rule, rule);
         EXPECT_EQ(decision.winner->runner_up, next);
         EXPECT_EQ(decision.reported->name, winner);
     }
-    const auto weak = Walk().hear(0, {{"b", -80.1}}).pelio({.at = 0});
+    const auto weak = WalkScript().hear(0, {{"b", -80.1}}).pelio({.at = 0});
     EXPECT_FALSE(weak.decision->winner || weak.decision->reported);
     EXPECT_EQ(weak.wards[0].why, "0.1 dB too weak");
-    const auto beaten = Walk().hear(0, {{"a", -60}, {"b", -60}, {"c", -61.5}}).pelio({.at = 0});
+    const auto beaten = WalkScript().hear(0, {{"a", -60}, {"b", -60}, {"c", -61.5}}).pelio({.at = 0});
     EXPECT_EQ(beaten.wards[0].why, R"(beaten: "b" is as strong, with the same threshold and the smaller id)");
     EXPECT_EQ(beaten.wards[2].why, R"(beaten: 1.5 dB weaker than "b")");
 }
 
 TEST(ExplainPelio, SaysWhatHoldsAChangeBack) {
-    Walk walk;
+    WalkScript walk;
     walk.hear(0, {{"a", -70}}).hear(1000, {{"b", -60}}).hear(4999, {{"b", -60}}).hear(5000, {{"b", -61}});
     const auto held = walk.pelio({.at = 4999});
     EXPECT_EQ(held.decision->winner->name, "b");

@@ -10,10 +10,10 @@
 #include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/recording/recording_line.h"
 #include "tools/oska/simulating/noise.h"
+#include "tools/oska/simulating/planned_walk.h"
 #include "tools/oska/simulating/portable_math.h"
 #include "tools/oska/simulating/radio_model.h"
 #include "tools/oska/simulating/route.h"
-#include "tools/oska/simulating/walk.h"
 #include "tools/oska/site/site.h"
 
 namespace oska::tool_tests {
@@ -25,8 +25,8 @@ using testing::Ge;
 using testing::IsEmpty;
 using testing::Le;
 using tool::GroundPlan;
+using tool::PlannedWalk;
 using tool::Site;
-using tool::Walk;
 
 std::string wardsOf(const std::string& wards, bool isDapo) {
     std::string out;
@@ -68,7 +68,7 @@ platform::ReceivedForce::Strengths heardAtStart(const std::string& routeDocument
     const auto route = *tool::parseRoute("r.json", routeDocument);
     const auto plan = site();
     const GroundPlan ground(plan, route);
-    auto walk = *Walk::plan(route, plan, ground);
+    auto walk = *PlannedWalk::plan(route, plan, ground);
     return tool::RadioModel(plan, ground, route, 1).hear(walk.at(0), 0);
 }
 
@@ -123,14 +123,14 @@ TEST(RadioModel, FollowsDistanceFloorsAndWalls) {
     EXPECT_NEAR(both.at("far"), at(10, 10 + 20 * 1), 0.051) << "half a storey below counts as one floor";
 }
 
-TEST(Walk, KeepsItsTimesAndChangesTheLevelHalfWay) {
+TEST(PlannedWalk, KeepsItsTimesAndChangesTheLevelHalfWay) {
     const auto route =
         *tool::parseRoute("r.json", R"({"speed":2,"buildings":[{"id":2,"x":1000,"y":0}],"waypoints":[
             {"level_id":11,"x":0,"y":0,"pause":1}, {"x":300,"y":400}, {"x":300,"y":0,"speed":4},
             {"level_id":12,"x":300,"y":0,"seconds":4,"pause":0.5}, {"level_id":21,"x":0,"y":0,"seconds":2}]})");
     const auto plan = site();
     const GroundPlan ground(plan, route);
-    auto walk = *Walk::plan(route, plan, ground);
+    auto walk = *PlannedWalk::plan(route, plan, ground);
     EXPECT_EQ(walk.milliseconds(), 1000 + 2500 + 1000 + 4000 + 500 + 2000);
     const struct {
         std::int64_t time;

@@ -5,7 +5,7 @@
 #include "tests/fakes/site_server.h"
 #include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/site/bundle_findings.h"
-#include "tools/oska/site/bundle_kind.h"
+#include "tools/oska/site/bundle_service.h"
 
 namespace oska::tool_tests {
 namespace {
@@ -61,15 +61,17 @@ TEST(Findings, OfAPelioBundle) {
                             finding("buildings[0].levels[0].wards[2].rssi", "unreachable")));
 }
 
-TEST(BundleKind, IsToldByTheWardsEvenOfABrokenBundle) {
+TEST(ServiceOfBundle, IsToldByTheWardsEvenOfABrokenBundle) {
     const std::string dapo = R"({"name":"a","contents":[]})";
     const std::string pelio = R"({"name":"a","x":1,"y":1,"rssi":-70.5})";
-    const auto kindOf = [](const std::string& wards) { return tool::bundleKind(bundleOf(level(1, wards))); };
-    EXPECT_EQ(kindOf(dapo + "," + dapo + "," + pelio), OskaService::dapo);
-    EXPECT_EQ(kindOf(dapo + "," + pelio + "," + pelio), OskaService::pelio);
-    EXPECT_EQ(kindOf(""), OskaService::pelio);
-    EXPECT_EQ(kindOf(dapo + ", tru"), OskaService::dapo);
-    EXPECT_EQ(tool::bundleKind("no JSON"), OskaService::pelio);
+    const auto serviceOf = [](const std::string& wards) {
+        return tool::serviceOfBundle(bundleOf(level(1, wards)));
+    };
+    EXPECT_EQ(serviceOf(dapo + "," + dapo + "," + pelio), OskaService::dapo);
+    EXPECT_EQ(serviceOf(dapo + "," + pelio + "," + pelio), OskaService::pelio);
+    EXPECT_EQ(serviceOf(""), OskaService::pelio);
+    EXPECT_EQ(serviceOf(dapo + ", tru"), OskaService::dapo);
+    EXPECT_EQ(tool::serviceOfBundle("no JSON"), OskaService::pelio);
 }
 
 TEST(Check, TellsTheKindAndTheFindingsFileFirst) {

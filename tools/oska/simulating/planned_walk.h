@@ -55,12 +55,12 @@ struct Position {
 };
 
 /// A route in time.
-class Walk {
+class PlannedWalk {
 public:
     /// Or why the route does not fit the site: `waypoints[3].level_id: the bundle has no level 9; there are 1
     /// ("Tower", "1F")`.
-    [[nodiscard]] static Result<Walk, std::string> plan(const Route& route, const Site& site,
-                                                        const GroundPlan& ground);
+    [[nodiscard]] static Result<PlannedWalk, std::string> plan(const Route& route, const Site& site,
+                                                               const GroundPlan& ground);
 
     [[nodiscard]] std::int64_t milliseconds() const { return legs_.back().end; }
 

@@ -1,4 +1,4 @@
-#include "tools/oska/site/bundle_kind.h"
+#include "tools/oska/site/bundle_service.h"
 
 #include <cstddef>
 #include <optional>
@@ -69,7 +69,7 @@ Votes countVotes(const BundleOutline& bundle) {
 
 }  // namespace
 
-OskaService bundleKind(std::string_view document) {
+OskaService serviceOfBundle(std::string_view document) {
     json::Reader reader(document);
     BundleOutline outline;
     // What was read before a fault still votes.

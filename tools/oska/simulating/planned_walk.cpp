@@ -1,4 +1,4 @@
-#include "tools/oska/simulating/walk.h"
+#include "tools/oska/simulating/planned_walk.h"
 
 #include <algorithm>
 #include <cmath>
@@ -100,7 +100,7 @@ double GroundPlan::yOnLevel(std::size_t level, const Point3& point) const {
 }
 
 /// Puts one leg behind the other. Each fault begins with what follows the waypoint's own place.
-class Walk::Planner {
+class PlannedWalk::Planner {
 public:
     Planner(const Route& route, const Site& site, const GroundPlan& ground)
         : speed_(route.speed.value_or(WALKING_SPEED)), site_(site), ground_(ground) {}
@@ -153,7 +153,8 @@ private:
     bool isTooLong_ = false;
 };
 
-Result<Walk, std::string> Walk::plan(const Route& route, const Site& site, const GroundPlan& ground) {
+Result<PlannedWalk, std::string> PlannedWalk::plan(const Route& route, const Site& site,
+                                                   const GroundPlan& ground) {
     if (const auto fault = faultOfPlaces(route, site)) return *fault;
     Planner planner(route, site, ground);
     for (std::size_t i = 0; i < route.waypoints.size(); ++i) {
@@ -161,12 +162,12 @@ Result<Walk, std::string> Walk::plan(const Route& route, const Site& site, const
             return "waypoints[" + std::to_string(i) + "]" + *fault;
         }
     }
-    Walk walk;
+    PlannedWalk walk;
     walk.legs_ = planner.takeLegs();
     return walk;
 }
 
-Position Walk::at(std::int64_t time) {
+Position PlannedWalk::at(std::int64_t time) {
     while (current_ + 1 < legs_.size() && legs_[current_].end < time) ++current_;
     const auto& [end, from, to] = legs_[current_];
     const auto begin = current_ == 0 ? 0 : legs_[current_ - 1].end;
