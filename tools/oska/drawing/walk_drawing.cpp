@@ -72,34 +72,25 @@ struct Bounds {
     }
 };
 
-struct PlacedWard {
-    std::string name;
-    MapPoint point{};
-};
+using Wards = std::vector<const SiteWard*>;
 
-/// The wards of a level that have a place, on its map.
-std::vector<PlacedWard> wardsOn(const Site& site, std::size_t level) {
-    std::vector<PlacedWard> wards;
-    for (const auto& ward : site.wards) {
-        if (ward.level != level) continue;
-        const auto point =
-            site.maps.convertWardCoordinate(site.levels[level].id, ward.x.value_or(0), ward.y.value_or(0));
-        if (point && isDrawable(*point)) wards.push_back({ward.name, *point});
-    }
+/// The wards of a level that can be drawn.
+Wards wardsOn(const Site& site, std::size_t level) {
+    auto wards = site.wardsOn(level);
+    std::erase_if(wards, [](const SiteWard* ward) { return !isDrawable(ward->place); });
     return wards;
 }
 
 /// The image, and the wards wherever they lie; room around them where there is no image.
-Bounds boundsOf(const Site& site, std::size_t level, const std::vector<PlacedWard>& wards) {
-    const auto map = site.maps.find(site.levels[level].id);
-    const MapPoint corner = map ? MapPoint{map->image_width, map->image_height} : MapPoint{0, 0};
+Bounds boundsOf(const LevelMap& map, const Wards& wards) {
+    const MapPoint corner{map.image_width, map.image_height};
     const bool hasImage = corner.x > 0 && corner.y > 0 && isDrawable(corner);
     Bounds bounds{0, 0, corner.x, corner.y};
     if (!hasImage) {
-        const auto first = wards.empty() ? MapPoint{0, 0} : wards.front().point;
+        const auto first = wards.empty() ? MapPoint{0, 0} : wards.front()->place;
         bounds = {first.x, first.y, first.x, first.y};
     }
-    for (const auto& ward : wards) bounds.include(ward.point);
+    for (const auto* const ward : wards) bounds.include(ward->place);
     if (hasImage) return bounds;
     const double room =
         std::max({1.0, (bounds.right - bounds.left) * 0.1, (bounds.bottom - bounds.top) * 0.1});
@@ -284,7 +275,7 @@ std::string waysOn(std::size_t level, const WalkTrace& trace, const Frame& frame
 
 struct Panel {
     std::size_t level = 0;
-    std::vector<PlacedWard> wards;
+    Wards wards;
     Frame frame;
 };
 
@@ -298,15 +289,15 @@ std::string draw(const Panel& panel, const Site& site, const WalkTrace& trace) {
     out += waysOn(panel.level, trace, frame);
     const auto stops = stopsOn(site, panel.level, trace);
     const auto detections = detectionsOn(panel.level, trace);
-    const auto belowTag = [&](const PlacedWard& ward) {
-        const std::pair key(ward.point.x, ward.point.y);
+    const auto belowTag = [&](const SiteWard& ward) {
+        const std::pair key(ward.place.x, ward.place.y);
         return detections.find(key) != detections.end() ? 29.0 : stops.find(key) != stops.end() ? 21.0 : 15.0;
     };
-    for (const auto& ward : panel.wards) out += wardDot(frame.place(ward.point));
+    for (const auto* const ward : panel.wards) out += wardDot(frame.place(ward->place));
     for (const auto& [place, marks] : stops) out += stopTag(marks, frame);
     for (const auto& [place, marks] : detections) out += detectionTag(marks, frame);
-    for (const auto& ward : panel.wards) {
-        out += words(frame, ward.point, belowTag(ward), ward.name, 10.5, INK);
+    for (const auto* const ward : panel.wards) {
+        out += words(frame, ward->place, belowTag(*ward), ward->name, 10.5, INK);
     }
     for (const auto& [place, marks] : stops) out += stopWords(marks, frame);
     for (const auto& [place, marks] : detections) out += detectionWords(marks, frame);
@@ -363,7 +354,7 @@ std::string drawWalk(const Site& site, const WalkTrace& trace, OskaService servi
     std::vector<Panel> panels;
     for (std::size_t level = 0; level < site.levels.size(); ++level) {
         auto wards = wardsOn(site, level);
-        const auto frame = frameOf(boundsOf(site, level, wards));
+        const auto frame = frameOf(boundsOf(site.levels[level].map, wards));
         panels.push_back({level, std::move(wards), frame});
     }
     const double height = arrange(panels);

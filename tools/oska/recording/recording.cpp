@@ -22,8 +22,19 @@ std::optional<RecordedLine> Recording::next() {
 LineReader::Ending Recording::ending() const { return fault_ ? LineReader::Ending::failed : lines_.ending(); }
 
 std::string Recording::problem() const {
-    if (!fault_) return path_ + ": " + lines_.problem();
-    return path_ + ":" + std::to_string(lines_.lineNumber()) + ": " + *fault_;
+    return fault_ ? place() + ": " + *fault_ : path_ + ": " + lines_.problem();
+}
+
+std::string Recording::place() const { return path_ + ":" + std::to_string(lines_.lineNumber()); }
+
+std::optional<std::string> readRecording(const std::string& path, const TakeLine& take) {
+    // Reading itself waits for what is not there yet.
+    Recording recording(path, OskaService::dapo, [](int) { return true; });
+    while (auto line = recording.next()) {
+        if (const auto refusal = take(*std::move(line))) return recording.place() + ": " + *refusal;
+    }
+    if (recording.ending() == LineReader::Ending::failed) return recording.problem();
+    return std::nullopt;
 }
 
 }  // namespace oska::tool

@@ -1,7 +1,8 @@
-#include "tools/oska/recording/recording_line.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include "tests/tools/oska/commands/oska_program.h"
+#include "tools/oska/recording/recording.h"
 
 namespace oska::tool {
 namespace {
@@ -35,6 +36,24 @@ TEST(RecordedLine, IsAnActionWithItsArguments) {
     EXPECT_EQ(actionOf(R"("action": "setSelectionInterval", "seconds": 2.5)").seconds, 2.5);
     EXPECT_EQ(actionOf(R"("action": "setUnchangedDeliveryInterval", "seconds": 3)").seconds, 3.0);
     EXPECT_EQ(actionOf(R"("action": "setUnchangedDeliveryInterval", "seconds": null)").seconds, std::nullopt);
+}
+
+TEST(ReadRecording, NamesTheLineThatIsNotValidOrNotTaken) {
+    const tool_tests::Folder folder;
+    const auto path = folder.file("w.jsonl", R"({"mobile_time": 5, "action": "tap"})"
+                                             "\n\n"
+                                             R"({"mobile_time": 7, "rfs": {}})"
+                                             "\n{}");
+    std::vector<std::int64_t> times;
+    const auto fault = readRecording(path, [&](const RecordedLine& line) {
+        times.push_back(line.mobileTime);
+        return std::nullopt;
+    });
+    EXPECT_EQ(fault, path + R"(:4: "mobile_time" is missing)");
+    EXPECT_THAT(times, ElementsAre(5, 7));
+    const auto refuse = [](const RecordedLine&) { return std::optional<std::string>("no"); };
+    EXPECT_EQ(readRecording(path, refuse), path + ":1: no");
+    EXPECT_EQ(readRecording(folder.path(), refuse), folder.path() + ": Is a directory");
 }
 
 struct Fault {
