@@ -4,7 +4,6 @@
 #include <cmath>
 
 #include "tools/oska/simulating/noise.h"
-#include "tools/oska/simulating/portable_math.h"
 
 namespace oska::tool {
 namespace {
@@ -89,7 +88,7 @@ double RadioModel::meanStrength(const Source& source, const Position& phone) con
     const double floors =
         std::round(std::abs(ground_.height(level) - ground_.height(phone.level)) / floorHeight_);
     const bool isOtherBuilding = site_.levels[level].buildingId != site_.levels[phone.level].buildingId;
-    return strengthAtOneMetre_ - 10 * exponent_ * portableLog10(distance(source.point, phone.point)) -
+    return strengthAtOneMetre_ - 10 * exponent_ * std::log10(distance(source.point, phone.point)) -
            floorLoss_ * floors - (isOtherBuilding ? wallLoss_ : 0);
 }
 

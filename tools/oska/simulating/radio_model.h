@@ -10,14 +10,16 @@
 
 namespace oska::tool {
 
-/// What a phone hears of a site's wards.
+/// Computes what a phone hears of a site's wards.
 ///
 /// The strength of a ward falls with the logarithm of its distance and with each floor and outer wall in
-/// between. Shadowing, which stands for furniture and inner walls, is a fixed landscape around each ward: who
-/// comes back to a place finds it as it was. Fading is new with each reading. A reading is missed now and
-/// then, more often when it is weak, and never heard below what a live scan is asked for; above that range it
-/// is cut off there. All of it is a pure function of site, route, seed and the number of the sample, the same
-/// on every machine.
+/// between. Shadowing stands for furniture and inner walls: it differs from place to place around each ward
+/// and never changes. Fading is new with each reading. Some readings are missed, weak ones more often. A
+/// reading below the range of a live scan is not heard, one above the range gets the range's upper end.
+///
+/// All of it is a pure function of site, route, seed and the number of the sample. Strengths are rounded to a
+/// tenth, so that the last bits of the C library's logarithm, which differ from machine to machine, do not
+/// show.
 class RadioModel {
 public:
     RadioModel(const Site& site, const GroundPlan& ground, const Route& route, std::uint64_t seed);

@@ -11,7 +11,6 @@
 #include "tools/oska/recording/recording_line.h"
 #include "tools/oska/simulating/noise.h"
 #include "tools/oska/simulating/planned_walk.h"
-#include "tools/oska/simulating/portable_math.h"
 #include "tools/oska/simulating/radio_model.h"
 #include "tools/oska/simulating/route.h"
 #include "tools/oska/site/site.h"
@@ -81,13 +80,6 @@ std::vector<platform::ReceivedForce> samplesOf(const std::string& recording) {
         if (parsed) samples.push_back(std::get<platform::ReceivedForce>(parsed->what));
     }
     return samples;
-}
-
-TEST(PortableMath, IsTheCommonLogarithm) {
-    for (const double x : {0.1, 0.5, 0.70710678, 1.0, 1.5, 2.0, 9.99, 10.0, 12345.678, 1e22}) {
-        EXPECT_NEAR(tool::portableLog10(x), std::log10(x), 4e-15 * std::max(1.0, std::abs(std::log10(x))))
-            << x;
-    }
 }
 
 TEST(Noise, HasMeanAndDeviationAsPromised) {
