@@ -23,8 +23,8 @@ std::string_view escaped(char c) {
     }
 }
 
-/// U+FFFE and U+FFFF, which XML leaves out.
-bool isNoCharacter(std::string_view text) {
+/// U+FFFE and U+FFFF, which XML does not allow.
+bool isForbidden(std::string_view text) {
     return text.starts_with("\xEF\xBF\xBE") || text.starts_with("\xEF\xBF\xBF");
 }
 
@@ -42,7 +42,7 @@ std::string svgText(std::string_view text) {
     std::string out;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        if (isNoCharacter(text.substr(i))) {
+        if (isForbidden(text.substr(i))) {
             out += REPLACEMENT;
             i += 2;
         } else if (byte < 0x20 || byte == 0x7f) {
@@ -53,6 +53,21 @@ std::string svgText(std::string_view text) {
         }
     }
     return out;
+}
+
+SvgElement& SvgElement::set(std::string_view name, double value) { return set(name, svgNumber(value)); }
+
+SvgElement& SvgElement::set(std::string_view name, std::string_view value) {
+    out_.append(" ").append(name).append("=\"").append(svgText(value)).append("\"");
+    return *this;
+}
+
+std::string SvgElement::withText(std::string_view text) const {
+    return out_ + ">" + svgText(text) + "</" + name_ + ">\n";
+}
+
+std::string SvgElement::around(std::string_view children) const {
+    return out_ + ">\n" + std::string(children) + "</" + name_ + ">\n";
 }
 
 }  // namespace oska::tool
