@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "oska/json/result.h"
+#include "tools/oska/cli/file_identity.h"
 #include "tools/oska/cli/input_file.h"
-#include "tools/oska_serve/file_identity.h"
 
 namespace oska::tool {
 

@@ -9,8 +9,8 @@
 
 #include "oska/json/result.h"
 #include "oska/platform/quenlo_common.h"
+#include "tools/oska/cli/file_identity.h"
 #include "tools/oska/cli/input_file.h"
-#include "tools/oska_serve/file_identity.h"
 
 namespace oska::tool {
 

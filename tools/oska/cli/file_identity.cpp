@@ -1,4 +1,4 @@
-#include "tools/oska_serve/file_identity.h"
+#include "tools/oska/cli/file_identity.h"
 
 #include <sys/stat.h>
 
