@@ -1,6 +1,6 @@
 #include "tools/oska/cli/common_options.h"
 
-#include "tools/oska/cli/output_file.h"
+#include "tools/oska/cli/file_identity.h"
 
 namespace oska::tool {
 namespace {
