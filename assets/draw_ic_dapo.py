@@ -1,62 +1,58 @@
 #!/usr/bin/env python3
 """Draws ic_dapo.png, the image that a Dapo view shows when its host gives none: a ward and the waves it sends out.
 
-Run it in this folder after a change and commit the image; the build only reads the image. Standard library only.
+Run it in this folder after a change and commit the image; the build only reads the image. Needs Pillow (Debian:
+python3-pil).
 """
 import math
-import struct
-import zlib
 
-SIZE = 192  # pixels; the drawing below is in units of it
+from PIL import Image, ImageDraw
+
+SIZE = 192  # pixels
+SHARPNESS = 4  # drawn this many times as large, then reduced: that smooths the edges
 INK = (255, 255, 255)
 GROUND = (38, 110, 190)
+# Shares of the image's size, from its middle.
 DISC_RADIUS = 0.48
-WARD_HALF = 0.085  # the ward: a square on its tip, with round corners
+WARD_HALF = 0.085  # the ward is a square with round corners, turned to stand on one of them
 WARD_CORNER = 0.03
 WAVES = (0.23, 0.35)
 WAVE_WIDTH = 0.05
-GAP = math.radians(24)  # half of what the waves leave open at their upper right and lower left
+GAP = 24  # degrees: half the opening between the waves, which is at the upper right and at the lower left
+
+FULL = SIZE * SHARPNESS
 
 
-def coverage(distance):
-    """How much of a pixel lies inside, given the signed distance to the edge in units of the image."""
-    return min(1.0, max(0.0, 0.5 - distance * SIZE))
+def box(radius):
+    """The square of that half side around the middle, in pixels of the large drawing."""
+    low, high = (0.5 - radius) * FULL, (0.5 + radius) * FULL - 1
+    return [low, low, high, high]
 
 
-def ward_distance(x, y):
-    along, across = abs(x + y) / math.sqrt(2), abs(x - y) / math.sqrt(2)
-    dx, dy = along - WARD_HALF + WARD_CORNER, across - WARD_HALF + WARD_CORNER
-    return math.hypot(max(dx, 0), max(dy, 0)) + min(max(dx, dy), 0) - WARD_CORNER
-
-
-def wave_distance(x, y, radius):
-    """An arc of half a turn less the gap, to the upper left; the one to the lower right is its mirror image."""
-    if x > -y:
-        x, y = -x, -y
-    along, across = (-x - y) / math.sqrt(2), abs(x - y) / math.sqrt(2)
-    end = math.pi / 2 - GAP
-    if math.atan2(across, along) <= end:
-        return abs(math.hypot(x, y) - radius) - WAVE_WIDTH / 2
-    return math.hypot(along - radius * math.cos(end), across - radius * math.sin(end)) - WAVE_WIDTH / 2
-
-
-def pixel(column, row):
-    x, y = (column + 0.5) / SIZE - 0.5, (row + 0.5) / SIZE - 0.5
-    disc = coverage(math.hypot(x, y) - DISC_RADIUS)
-    ink = coverage(min([ward_distance(x, y)] + [wave_distance(x, y, radius) for radius in WAVES]))
-    colour = [round(g + (i - g) * ink) for g, i in zip(GROUND, INK)]
-    return bytes(colour + [round(255 * disc)])
-
-
-def chunk(kind, data):
-    return struct.pack(">I", len(data)) + kind + data + struct.pack(">I", zlib.crc32(kind + data))
+def draw_wave(pen, radius):
+    """Two arcs with round ends, facing left and right: the picture is turned afterwards."""
+    for facing in (0, 180):
+        ends = (facing - 90 + GAP, facing + 90 - GAP)
+        pen.arc(box(radius + WAVE_WIDTH / 2), *ends, fill=255, width=round(WAVE_WIDTH * FULL))
+        for end in map(math.radians, ends):
+            x, y = (FULL / 2 + radius * FULL * turn for turn in (math.cos(end), math.sin(end)))
+            reach = WAVE_WIDTH / 2 * FULL
+            pen.ellipse([x - reach, y - reach, x + reach, y + reach], fill=255)
 
 
 def main():
-    rows = b"".join(b"\0" + b"".join(pixel(c, r) for c in range(SIZE)) for r in range(SIZE))
-    header = struct.pack(">IIBBBBB", SIZE, SIZE, 8, 6, 0, 0, 0)  # 8 bits a channel, RGBA
-    with open("ic_dapo.png", "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", header) + chunk(b"IDAT", zlib.compress(rows, 9)) + chunk(b"IEND", b""))
+    ink = Image.new("L", (FULL, FULL), 0)
+    pen = ImageDraw.Draw(ink)
+    pen.rounded_rectangle(box(WARD_HALF), WARD_CORNER * FULL, fill=255)
+    for radius in WAVES:
+        draw_wave(pen, radius)
+    ink = ink.rotate(-45, Image.BICUBIC)  # clockwise
+    disc = Image.new("L", (FULL, FULL), 0)
+    ImageDraw.Draw(disc).ellipse(box(DISC_RADIUS), fill=255)
+    image = Image.composite(Image.new("RGB", ink.size, INK), Image.new("RGB", ink.size, GROUND), ink).reduce(SHARPNESS)
+    image.putalpha(disc.reduce(SHARPNESS))
+    # With a palette: a third of the bytes, and every program with the kit carries them.
+    image.quantize(256, dither=Image.Dither.NONE).save("ic_dapo.png", optimize=True)
 
 
 if __name__ == "__main__":

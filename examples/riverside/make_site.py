@@ -210,9 +210,9 @@ def draw(level):
         draw_door(canvas, level, *door)
     for _, x, y, width, height, label, small, at in level.rooms:
         draw_label(canvas, *level.px(*(at or (x + width / 2, y + height / 2))), label, small)
-    canvas.text(level.px(0, 0)[0] - 4, 46, level.title, 25, INK, 3.2, "start")
+    canvas.text(level.px(0, 0)[0] - 4, 46, level.title, 25, INK, "start")
     scale_bar(canvas, level)
-    return canvas.png()
+    return canvas
 
 
 def surroundings(canvas, level):
@@ -258,7 +258,7 @@ def draw_thing(canvas, level, kind, x, y, width=0.0, height=0.0):
         canvas.line([(px + w * 0.3, py + h * 0.58), (px + w / 2, py + h * 0.72), (px + w * 0.7, py + h * 0.58)], 2, INK)
     elif kind == "entrance":
         canvas.line([(px - 9, py + 6), (px, py - 4), (px + 9, py + 6)], 3, INK)
-        canvas.text(px + 22, py + 2, "ENTRANCE", 12, INK, 1.7, "start")
+        canvas.text(px + 22, py + 2, "ENTRANCE", 12, INK, "start")
 
 
 def draw_door(canvas, level, x, y, width, across, swing):
@@ -279,7 +279,7 @@ def draw_door(canvas, level, x, y, width, across, swing):
         turn = (90 if swing > 0 else -90) if across == "x" else (0 if swing > 0 else 180)
         closed = inward if across == "x" else (90 if side < 0 else -90)
         end = closed + ((turn - closed + 180) % 360 - 180)
-        canvas.line(arc(*hinge, length, length, closed, end), 1.2, FAINT)
+        canvas.line(arc(*hinge, length, closed, end), 1.2, FAINT)
         canvas.line([hinge, leaf], 2, "#7b838c")
 
 
@@ -287,9 +287,9 @@ def draw_label(canvas, x, y, label, small):
     if not label:
         return
     if small:
-        canvas.text(x, y - 15, small, 10.5, "#5d6671", 1.5)
+        canvas.text(x, y - 15, small, 10.5, "#5d6671")
         y += 6
-    canvas.text(x, y, label, 15, INK, 2.1)
+    canvas.text(x, y, label, 15, INK)
 
 
 def scale_bar(canvas, level):
@@ -298,11 +298,11 @@ def scale_bar(canvas, level):
     canvas.line([(right - 10 * unit, y), (right, y)], 2, INK)
     for metres in (0, 5, 10):
         canvas.line([(right - metres * unit, y - 5), (right - metres * unit, y + 5)], 2, INK)
-    canvas.text(right - 10 * unit - 14, y, "10 M", 12, INK, 1.7, "end")
+    canvas.text(right - 10 * unit - 14, y, "10 M", 12, INK, "end")
     north = right
     canvas.line([(north, 58), (north, 30)], 2.2, INK)
     canvas.line([(north - 7, 39), (north, 29), (north + 7, 39)], 2.2, INK)
-    canvas.text(north - 22, 45, "N", 14, INK, 2)
+    canvas.text(north - 22, 45, "N", 14, INK)
 
 
 # ---- bundles
@@ -341,7 +341,7 @@ def main():
         text = json.dumps(bundle_of(kind, levels), ensure_ascii=False, indent=1)
         (folder / f"{kind}.json").write_text(text + "\n", encoding="utf-8")
     for level in levels:
-        (folder / "maps" / f"{level.key}.png").write_bytes(draw(level))
+        draw(level).save(folder / "maps" / f"{level.key}.png")
 
 
 if __name__ == "__main__":
