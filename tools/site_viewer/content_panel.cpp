@@ -10,7 +10,7 @@ namespace {
 
 QString escaped(const std::string& text) { return QString::fromStdString(text).toHtmlEscaped(); }
 
-/// Only what a browser is for: a bundle may hold any URL.
+/// A bundle may have any URL, also one that starts a program.
 bool opensInBrowser(const QUrl& url) { return url.scheme() == "http" || url.scheme() == "https"; }
 
 QString linkText(const oska::WardContents& contents) {

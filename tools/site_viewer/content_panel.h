@@ -7,7 +7,7 @@
 
 namespace viewer {
 
-/// Lists content links; a link opens in the desktop's browser.
+/// Lists the content links of wards. A click opens the link in the desktop's browser.
 class ContentPanel final : public QTextBrowser {
 public:
     explicit ContentPanel(QWidget* parent = nullptr);

@@ -7,7 +7,7 @@ namespace viewer {
 
 namespace {
 
-/// Where a label may begin, the best first: beside the mark, below, above, at the corners.
+/// Top left corners for a label, the best first: beside the mark, below, above, at its corners.
 std::array<QPointF, 8> cornersAround(QPointF mark, double reach, QSizeF label) {
     const double middle = mark.y() - label.height() / 2;
     const double low = mark.y() + reach;

@@ -7,16 +7,16 @@
 
 namespace viewer {
 
-/// Finds places for labels beside marks, none over another, over a mark or out of the picture. First come,
-/// first served: ask for what matters most first. In pixels.
+/// Finds places for labels beside marks: inside the picture, and over no mark and no other label. Labels that
+/// are placed first have more choice. All lengths are pixels.
 class LabelLayout {
 public:
     explicit LabelLayout(QRectF picture) : picture_(picture) {}
 
-    /// Nothing is put over `area` from now on.
+    /// No label is placed over `area` from now on.
     void keepFree(QRectF area) { taken_.push_back(area); }
 
-    /// Beside a mark of that radius; none when there is no room.
+    /// A place for a label of size `label` beside a mark of `radius`; nullopt when there is no room.
     [[nodiscard]] std::optional<QRectF> place(QPointF mark, double radius, QSizeF label);
 
 private:

@@ -38,7 +38,7 @@ void trail(QPainter& painter, QPointF centre) {
 
 void nothing(QPainter&, QPointF) {}
 
-/// A map of that width tells thresholds, or has no room for them.
+/// `width`: of the map. A narrow map shows no thresholds, so its legend does not explain them.
 std::vector<Entry> entriesFor(int width) {
     std::vector<Entry> entries{{"phone", phone},
                                {"its way", trail},
@@ -50,7 +50,7 @@ std::vector<Entry> entriesFor(int width) {
     return entries;
 }
 
-/// Calls `each` with every entry and the left middle of its place. Answers the height.
+/// Calls `each` with every entry and the middle of its left edge. Returns the height of all rows.
 template <class Each>
 int layOut(int width, const QFontMetrics& metrics, Each each) {
     int x = 0;

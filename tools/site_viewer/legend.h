@@ -4,7 +4,7 @@
 
 namespace viewer {
 
-/// What the marks on the map mean, in as many rows as it takes.
+/// Explains the marks on the map, in as many rows as the width needs.
 class Legend final : public QWidget {
 public:
     explicit Legend(QWidget* parent = nullptr);

@@ -15,12 +15,12 @@ namespace {
 
 constexpr int LABEL_SIZE = 11;  // pixels
 constexpr double LABEL_PADDING = 3;
-constexpr double FARTHEST = 1e9;  // map units; what lies beyond is not shown
+constexpr double FARTHEST = 1e9;  // pixels of the map image; what is farther away is not shown
 constexpr int GRID_LINES = 8;
 
 bool isDrawable(QPointF place) { return std::abs(place.x()) <= FARTHEST && std::abs(place.y()) <= FARTHEST; }
 
-/// From the map image's units to pixels.
+/// From pixels of the map image to pixels of the picture.
 class Projection {
 public:
     Projection(const QRectF& extent, const QRectF& frame) : extent_(extent), frame_(frame) {}
@@ -34,7 +34,7 @@ private:
     QRectF frame_;
 };
 
-/// 1, 2 or 5 times a power of ten: the finest grid of at most GRID_LINES lines.
+/// The finest grid with at most GRID_LINES lines whose step is 1, 2 or 5 times a power of ten.
 double gridStep(double length) {
     const double least = length / GRID_LINES;
     const double power = std::pow(10, std::floor(std::log10(least)));
@@ -52,9 +52,9 @@ std::vector<double> multiplesOf(double step, double from, double to) {
     return multiples;
 }
 
-/// Answers where it is.
+/// Returns the area of the text.
 QRectF drawNote(QPainter& painter, const QRectF& frame, const QString& text) {
-    constexpr double INSET = 12;  // clear of the overlay's frame
+    constexpr double INSET = 12;  // beside the frame of the overlay
     const QSizeF size = QFontMetricsF(painter.font()).boundingRect(text).size();
     const QRectF area(frame.topLeft() + QPointF(INSET, INSET), size);
     painter.setPen(theme::FAINT_INK);
@@ -62,7 +62,7 @@ QRectF drawNote(QPainter& painter, const QRectF& frame, const QString& text) {
     return area;
 }
 
-/// Answers where its note is.
+/// Returns the area of its note.
 QRectF drawPlan(QPainter& painter, const QRectF& extent, const QRectF& frame, const Projection& toPixels) {
     painter.fillRect(frame, theme::PANEL);
     painter.setPen(QPen(theme::LINE, 1));
@@ -78,7 +78,7 @@ void drawTrail(QPainter& painter, const std::vector<QPointF>& trail, const Proje
     painter.setRenderHint(QPainter::Antialiasing);
     for (std::size_t i = 1; i < trail.size(); ++i) {
         if (!isDrawable(trail[i - 1]) || !isDrawable(trail[i])) continue;
-        // The older, the fainter; the last legs as strong as they come.
+        // Older parts are fainter, down to a limit.
         const auto age = static_cast<int>(std::min<std::size_t>(trail.size() - 1 - i, 8));
         auto colour = theme::PHONE;
         colour.setAlpha(210 - 18 * age);
@@ -87,7 +87,7 @@ void drawTrail(QPainter& painter, const std::vector<QPointF>& trail, const Proje
     }
 }
 
-/// Those that need a label most first.
+/// The wards with a place that can be drawn; those that most need a label first.
 std::vector<const WardReading*> byImportance(const std::vector<WardReading>& wards) {
     std::vector<const WardReading*> ordered;
     for (const auto& ward : wards) {
@@ -102,8 +102,7 @@ QString thresholdText(const std::optional<double>& threshold) {
     return threshold ? QString::number(*threshold) : QString::fromUtf8("–");
 }
 
-/// "-68 dBm (P -84, D -72)": last strength and what Pelio and Dapo ask for, which a small map has no room
-/// for.
+/// "-68 dBm (P -84, D -72)": the last strength, and the thresholds of Pelio and Dapo unless `isBrief`.
 QString detailOf(const WardReading& reading, bool isBrief) {
     auto strength = reading.last ? QString("%1 dBm").arg(reading.last->dBm, 0, 'f', 0) : QString("not heard");
     if (isBrief) return strength;

@@ -14,25 +14,26 @@ class QPainter;
 
 namespace viewer {
 
-/// All that is to be seen of a level at an instant. What it points to must outlive it.
+/// All that is drawn of a level at one time. `level` and the wards must outlive it.
 struct LevelPicture {
     const Level* level = nullptr;
-    QImage image;  ///< null: a plan is drawn from the wards
+    QImage image;  ///< null: a grid is drawn instead
     std::vector<WardReading> wards;
-    std::vector<QPointF> trail;  ///< the latest last; like `phone` on the map image
-    std::optional<QPointF> phone;
+    std::vector<QPointF> trail;    ///< positions of the phone, the latest last; pixels of the map image
+    std::optional<QPointF> phone;  ///< pixels of the map image; nullopt: it is not on this level
 };
 
-/// The part of the map that is shown, in the map image's units: the image, or where the wards are.
+/// The part of the map that is shown, in pixels of the map image: the whole image; without an image, the area
+/// of the wards.
 [[nodiscard]] QRectF extentOf(const Level& level, const QImage& image);
 
-/// Where that part lies in a picture of `size`: as large as its proportions allow, in the middle.
+/// Where `extent` is drawn in a picture of `size`: as large as its proportions allow, in the middle.
 [[nodiscard]] QRectF frameOf(const QRectF& extent, QSizeF size);
 
-/// On a map that is narrower, labels leave out the thresholds. Pixels.
+/// On a map that is narrower than this, labels leave out the thresholds. Pixels.
 inline constexpr double BRIEF_BELOW = 600;
 
-/// Draws the level as large as `size` (pixels) allows. Labels for which there is no room are left out.
+/// Draws the level as large as `size` (pixels) allows. Labels without room are left out.
 void draw(QPainter& painter, QSizeF size, const LevelPicture& picture);
 
 }  // namespace viewer

@@ -29,8 +29,8 @@ int complain(const std::string& text, int status) {
     return status;
 }
 
-/// A picture needs no display, whatever display there is. False when there is none for a window, which Qt
-/// would end the program for.
+/// Pictures are drawn without a display. Returns false when a window needs a display and there is none: Qt
+/// would end the program.
 bool chooseQtPlatform(const Options& options) {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) return true;
     if (options.screenshot) return qputenv("QT_QPA_PLATFORM", "offscreen");
@@ -53,7 +53,7 @@ void tap(QWidget& host) {
     }
 }
 
-/// No walk is longer than a day.
+/// Walks are at most a day long.
 Player::Position positionAt(double seconds) {
     const std::chrono::duration<double> position(std::min(seconds, 86'400.0));
     return std::chrono::duration_cast<Player::Position>(position);

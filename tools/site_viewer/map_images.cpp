@@ -11,10 +11,10 @@ namespace {
 
 using oska::platform::HttpOutcome;
 
-// A plan drawn from the wards will do as well.
+// Without the image a grid is drawn, so a long wait is not worth it.
 constexpr std::chrono::seconds PATIENCE(5);
 constexpr std::size_t LARGEST_IMAGE = std::size_t{64} << 20;  // bytes of its file
-// More would each wait for a thread of the site's server.
+// Each download takes a thread of the site's server, which has few.
 constexpr std::size_t AT_A_TIME = 4;
 
 std::string problemOf(const HttpOutcome& outcome) {

@@ -11,22 +11,23 @@
 
 namespace viewer {
 
-/// Downloads map images over the platform's HTTP: the kit tells a host where they are and leaves the rest to
-/// it. A few at a time, in the order of asking; one that takes long or is huge is given up.
+/// Downloads map images over the platform's HTTP: the kit gives a host their URLs only. A few downloads run
+/// at a time, in the order of `load`; one that takes long or is very large fails.
 ///
-/// Threads: the main thread. Lifetime: what is under way when it is destroyed ends without a call.
+/// Threads: the main thread. Lifetime: downloads that run when it is destroyed end without a callback.
 class MapImages {
 public:
-    /// `problem` is empty, or says why the image is null.
+    /// `problem` says why `image` is null; otherwise it is empty.
     using Completion = std::function<void(QImage image, const std::string& problem)>;
 
-    /// A bundle names where its images will be published; those that `siteFolder` has come from `serverUrl`,
-    /// where that folder is served.
+    /// Images that are files of `siteFolder` are downloaded from `serverUrl`, which serves that folder: the
+    /// URLs in a bundle may be those of a server that does not exist yet.
     MapImages(std::string siteFolder, std::string serverUrl);
 
-    /// `completion` is called later, once.
+    /// Calls `completion` once, after this has returned.
     void load(const std::string& url, Completion completion);
 
+    /// Where the image with the bundle's `url` is downloaded from.
     [[nodiscard]] std::string addressOf(const std::string& url) const;
 
 private:

@@ -6,14 +6,14 @@
 
 namespace viewer {
 
-/// Shows a level. The host's widget that the Dapo view is laid over.
+/// Shows a level. The Dapo view is placed over this widget.
 class MapView final : public QWidget {
 public:
     explicit MapView(QWidget* parent = nullptr);
 
     void showPicture(LevelPicture picture);
 
-    /// What of the map is shown; empty before there is anything.
+    /// See extentOf; empty before the first picture.
     [[nodiscard]] QRectF extent() const;
 
 protected:

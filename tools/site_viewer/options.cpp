@@ -19,7 +19,7 @@ Examples: site_viewer examples/riverside examples/riverside/walks/museum_visit.j
 
 constexpr QSize LARGEST_SIZE{10'000, 10'000};
 
-/// "390x844"; none when that is no size for the window.
+/// Reads "390x844"; nullopt when the text is not a size that the window can have.
 std::optional<QSize> sizeFrom(const std::string& text) {
     static const QRegularExpression form("^(\\d{1,5})x(\\d{1,5})$");
     const auto match = form.match(QString::fromStdString(text));

@@ -8,19 +8,20 @@
 
 namespace viewer {
 
+/// The command line. Threads and lifetime: a value.
 struct Options {
     std::string siteFolder;
     std::string recording;
     std::optional<std::int64_t> sectorId;
-    std::optional<std::string> screenshot;  ///< PNG file
-    double atSeconds = 0;                   ///< of the walk
-    std::optional<std::int64_t> levelId;    ///< none: the phone's
-    QSize size{1280, 800};
-    bool tap = false;
-    bool log = false;
+    std::optional<std::string> screenshot;  ///< file to write, PNG; nullopt: show a window
+    double atSeconds = 0;                   ///< time in the walk at which the picture is taken
+    std::optional<std::int64_t> levelId;    ///< nullopt: the level of the phone
+    QSize size{1280, 800};                  ///< of the window, pixels
+    bool tap = false;                       ///< tap the map before the picture is taken
+    bool log = false;                       ///< the kit's log goes to standard output
 };
 
-/// The options, or the status with which the program ends; what there is to say has been printed.
+/// Returns the options, or the exit status of a program that ends here; help or complaint is printed already.
 [[nodiscard]] std::variant<Options, int> parseOptions(int argc, char** argv);
 
 }  // namespace viewer

@@ -59,7 +59,7 @@ std::shared_ptr<const oska::views::Image> overlayImage(QSizeF map) {
     QByteArray png;
     QBuffer buffer(&png);
     buffer.open(QIODevice::WriteOnly);
-    // At least one pixel, however long and thin the map is.
+    // Each side has at least one pixel, also for a very long and thin map.
     drawn(map.scaled(LONG_SIDE, LONG_SIDE, Qt::KeepAspectRatio).expandedTo({1, 1})).save(&buffer, "PNG");
     auto image = oska::views::pngImage(png.toStdString());
     return image ? std::make_shared<const oska::views::Image>(*std::move(image)) : nullptr;

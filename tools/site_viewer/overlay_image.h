@@ -7,8 +7,8 @@
 
 namespace viewer {
 
-/// What the Dapo view shows over a map of those proportions: a frame and a badge, so that the map stays to
-/// be seen. A host may show any image; without one there is the kit's own.
+/// The image of the Dapo view, for a map with the proportions of `map`: a frame and a badge, through which
+/// the map can be seen.
 [[nodiscard]] std::shared_ptr<const oska::views::Image> overlayImage(QSizeF map);
 
 }  // namespace viewer

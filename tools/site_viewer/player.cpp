@@ -10,7 +10,7 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 constexpr std::chrono::milliseconds FRAME(40);
-// A frame that took longer, the machine asleep for instance, does not make the walk jump.
+// After a longer frame, for example when the machine slept, the walk goes on by this only.
 constexpr std::chrono::milliseconds LONGEST_FRAME(250);
 
 }  // namespace

@@ -11,20 +11,20 @@
 
 namespace viewer {
 
-/// What follows a player. Called on the main thread, outside the services' jobs.
+/// Receives what a player does. Called on the main thread, outside the services' jobs.
 class PlayerListener {
 public:
     virtual ~PlayerListener() = default;
-    /// The walk starts over: what was heard of it is void.
+    /// The walk starts again from its beginning; all samples so far no longer count.
     virtual void onRewound() = 0;
-    /// `sample` was handed to the services, and they have done with it what they do at once.
+    /// The services have received `sample` and have run the jobs that are due.
     virtual void onSamplePlayed(const oska::platform::ReceivedForce& sample) = 0;
-    /// Position, pace or whether it plays has changed; once for many samples.
+    /// The position, the pace or `isPlaying` has changed. Comes once for several samples.
     virtual void onPlayerChanged() = 0;
 };
 
-/// Plays a walk into the services that listen to a source, in the walk's own time: every sample finds the
-/// clock at its own instant, whatever the pace, and a seek hands over all samples on its way.
+/// Plays a walk: sends its samples through `source` to the services, in the time of the walk. The clock shows
+/// a sample's own time when the sample is sent, at any pace. A seek sends all samples up to the new position.
 ///
 /// Threads: the main thread, never from inside a job of `time`. Lifetime: the arguments outlive the player.
 class Player {
@@ -35,18 +35,19 @@ public:
 
     void setListener(PlayerListener* listener) { listener_ = listener; }
 
-    /// At the end of the walk it starts over.
+    /// Plays on; at the end of the walk, from its beginning.
     void play();
     void pause();
     [[nodiscard]] bool isPlaying() const { return frames_.isActive(); }
 
-    /// Walk seconds in a second; above zero.
+    /// Seconds of the walk per second; greater than zero.
     void setPace(double pace);
     [[nodiscard]] double pace() const { return pace_; }
 
-    /// To that position or the nearest one in the walk. Going back is starting over.
+    /// Moves to `to`, or to the nearest end of the walk. To move back, the walk is played again from its
+    /// beginning.
     void seek(Position to);
-    /// In a callback of a service: of what it tells.
+    /// The time since the beginning of the walk; in a callback of a service, the time of the event.
     [[nodiscard]] Position position() const { return oska::platform::spanBetween(begin_, time_.now()); }
     [[nodiscard]] Position duration() const { return walk_.duration(); }
 
@@ -59,8 +60,8 @@ private:
     WalkTime& time_;
     oska::virtual_world::ReplaySource& source_;
     PlayerListener* listener_ = nullptr;
-    oska::platform::WallTime begin_;  // of the walk, on `time_`
-    std::size_t next_ = 0;            // sample
+    oska::platform::WallTime begin_;  // when the walk began, on `time_`
+    std::size_t next_ = 0;            // index of the next sample
     double pace_ = 1;
     QTimer frames_;
     std::chrono::steady_clock::time_point lastFrame_;

@@ -17,31 +17,33 @@
 
 namespace viewer {
 
-/// A site, a walk through it, and the services that listen: all that a window shows, and no widgets.
+/// A site, a walk through it and the services that receive its samples: the state that the window shows,
+/// without widgets.
 ///
 /// Threads: the main thread. Lifetime: `site` and `player` outlive it.
 class Session final : public PlayerListener {
 public:
     struct Callbacks {
-        std::function<void()> onReady;    ///< services have reported and images have come, or have not
-        std::function<void()> onChanged;  ///< something that is shown
-        std::function<void()> onRewound;  ///< the walk starts over
+        /// All services have initialised or failed, and all images are loaded or have failed.
+        std::function<void()> onReady;
+        std::function<void()> onChanged;  ///< something that is shown has changed
+        std::function<void()> onRewound;  ///< the walk starts again from its beginning
         std::function<void(const std::string& line)> onEvent;
         std::function<void(const std::vector<oska::DapoWard>&)> onLinks;
     };
 
-    /// `serverUrl`: where the site's folder is served.
+    /// `serverUrl`: the server of `siteFolder`.
     Session(const Site& site, const std::string& siteFolder, const std::string& serverUrl, Player& player,
             Callbacks callbacks);
     ~Session() override;
 
-    /// Lays the Dapo view over the widget that shows `level`.
+    /// Places the Dapo view over `host`, the widget that shows `level`.
     void placeOverlay(const std::shared_ptr<oska::views::View>& host, std::size_t level);
 
     [[nodiscard]] LevelPicture picture(std::size_t level) const;
-    /// Where the phone is, as an index into the site's levels.
+    /// The level of the phone, as an index of the site's levels; nullopt before the first position.
     [[nodiscard]] std::optional<std::size_t> phoneLevel() const;
-    /// What the services say, for people.
+    /// The state of Pelio and of Dapo, for the user.
     [[nodiscard]] std::string positionText() const;
     [[nodiscard]] std::string overlayText() const;
 
@@ -56,12 +58,12 @@ private:
     const Site& site_;
     Player& player_;
     const Callbacks callbacks_;
-    std::vector<QImage> images_;  // by level
+    std::vector<QImage> images_;  // one for each level
     std::size_t imagesUnderWay_ = 0;
     bool isReady_ = false;
     StrengthLog strengths_;
     std::shared_ptr<SiteHost> host_;
-    MapImages mapImages_;  // goes first: what is under way then ends
+    MapImages mapImages_;  // destroyed first: its callbacks use the others
 };
 
 }  // namespace viewer

@@ -7,7 +7,7 @@
 
 namespace viewer {
 
-/// A few titled panels: one below the other, or one at a time where the room is small.
+/// A few panels with titles: one below the other, or as tabs where there is little space.
 class SidePanels final : public QWidget {
 public:
     explicit SidePanels(QWidget* parent = nullptr);
@@ -15,7 +15,7 @@ public:
     /// `stretch`: the panel's share of the height. The panels become children of this.
     void add(const QString& title, QWidget* panel, int stretch);
     void setTabbed(bool isTabbed);
-    /// Where they are shown one at a time: shows this one.
+    /// Shows the tab of `panel`; without tabs all panels are visible already.
     void reveal(QWidget* panel);
 
 private:
@@ -28,8 +28,8 @@ private:
     void arrange();
 
     std::vector<Panel> panels_;
-    QWidget* arrangement_ = nullptr;  // holds the panels; made anew when it changes
-    QTabWidget* tabs_ = nullptr;      // the arrangement, when it is this
+    QWidget* arrangement_ = nullptr;  // holds the panels; replaced by setTabbed
+    QTabWidget* tabs_ = nullptr;      // the same widget if it is tabs, otherwise null
     bool isTabbed_ = false;
 };
 

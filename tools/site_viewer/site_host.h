@@ -15,46 +15,48 @@
 
 namespace viewer {
 
-/// "Riverside Museum 1F (537, 214)", in pixels of the map image.
+/// "Riverside Museum 1F (537, 214)"; the coordinates are pixels of the map image.
 [[nodiscard]] std::string describe(const oska::PelioResult& at);
+/// "lobby, ceramics-kiln".
 [[nodiscard]] std::string namesOf(const std::vector<oska::DapoWard>& wards);
 
-/// What a host of the two services does with them: starts both once they are initialised, and keeps what
-/// they say for those who draw it.
+/// The host of the two services: creates, starts and stops them, and keeps what they report.
 ///
-/// Threads: the main thread; its generators send there, too. Lifetime: destroying it stops the services.
+/// Threads: the main thread, on which its generators send, too. Lifetime: destroying it stops the services.
 class SiteHost final : public oska::PelioServiceManagerDelegate, public oska::DapoViewDelegate {
 public:
     struct Callbacks {
-        std::function<void()> onSettled;                  ///< both initialisations have reported
-        std::function<void(const std::string&)> onEvent;  ///< what a service said, in a line
-        std::function<void(const std::vector<oska::DapoWard>&)> onLinks;  ///< of a tap on the overlay
+        std::function<void()> onSettled;                  ///< both services have initialised or failed
+        std::function<void(const std::string&)> onEvent;  ///< what a service reported, in one line
+        /// The overlay was tapped; the wards are those near the phone.
+        std::function<void(const std::vector<oska::DapoWard>&)> onLinks;
     };
 
-    /// Makes both services for the sector and initialises them from the server at `serverUrl`.
+    /// Creates both services for the sector and initialises them from the server at `serverUrl`.
     [[nodiscard]] static std::shared_ptr<SiteHost> create(std::int64_t sectorId, const std::string& serverUrl,
                                                           Callbacks callbacks);
 
-    /// Lays the Dapo view over `host`.
+    /// Places the Dapo view, which shows `image`, over `host`.
     void placeOverlay(std::shared_ptr<oska::views::View> host,
                       std::shared_ptr<const oska::views::Image> image);
 
-    /// Stops both services, forgets what they said, and starts those that were initialised.
+    /// Stops both services, clears what they reported, and starts those that are initialised.
     void restart();
 
-    /// To be called now and then: the kit tells no host that its view has come or gone.
+    /// Reports an overlay that has appeared or disappeared since the last call: the kit has no callback for
+    /// it, so call this often.
     void noticeOverlay();
 
     [[nodiscard]] bool isSettled() const { return pelioOutcome_ && dapoOutcome_; }
     [[nodiscard]] bool isOverlayShown() const { return !dapo_->getVisibility(); }
-    /// Empty while nothing is selected.
+    /// The wards that Dapo has selected; empty if there are none.
     [[nodiscard]] std::vector<oska::DapoWard> selection() const { return dapo_->getCurrentDapoWards(); }
-    /// None until the first result since the (re)start.
+    /// The last position; nullopt until the first one after a start.
     [[nodiscard]] const std::optional<oska::PelioResult>& position() const { return position_; }
-    /// Where the phone was on a level, the latest last; each place once in a row.
+    /// The positions on a level, the latest last, without repetitions; pixels of the map image.
     [[nodiscard]] std::vector<QPointF> trailOn(std::int64_t levelId) const;
 
-    /// Why a service does not run, for people; empty when it does.
+    /// Why the service does not run, for the user; empty when it runs.
     [[nodiscard]] std::string pelioProblem() const { return problem(pelioOutcome_); }
     [[nodiscard]] std::string dapoProblem() const { return problem(dapoOutcome_); }
 
@@ -70,7 +72,8 @@ public:
     void onDapoSelectionChanged(oska::DapoView& view, const std::vector<oska::DapoWard>& dapoWards) override;
 
 private:
-    using Outcome = std::optional<std::string>;  ///< none: not yet; empty: fine; otherwise the failure
+    /// nullopt: not known yet; empty: success; otherwise the failure.
+    using Outcome = std::optional<std::string>;
 
     explicit SiteHost(Callbacks callbacks) : callbacks_(std::move(callbacks)) {}
     [[nodiscard]] static std::string problem(const Outcome& outcome) { return outcome.value_or(""); }

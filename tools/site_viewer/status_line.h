@@ -5,8 +5,8 @@
 
 namespace viewer {
 
-/// A bold title and a text beside it, in one line. What the line has no room for is cut off with dots, and in
-/// the tool tip.
+/// A bold title and a text beside it, in one line. Text that is too long ends with dots; the tool tip has all
+/// of it.
 class StatusLine final : public QWidget {
 public:
     explicit StatusLine(const QString& title, QWidget* parent = nullptr);

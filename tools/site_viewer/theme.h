@@ -8,8 +8,8 @@
 
 class QPainter;
 
-/// The one look of the viewer. Colours are Okabe and Ito's, which colour-blind people tell apart, and every
-/// state has a shape of its own as well.
+/// Colours and shapes of the viewer. The colours are those of Okabe and Ito, which colour-blind people can
+/// tell apart; each state has a different shape, too.
 namespace viewer::theme {
 
 inline constexpr QColor PAPER{250, 250, 248};
@@ -22,18 +22,19 @@ inline constexpr QColor SILENT{107, 107, 107};  // grey
 inline constexpr QColor HEARD{86, 180, 233};    // sky blue
 inline constexpr QColor STRONG{0, 158, 115};    // bluish green
 inline constexpr QColor SELECTED{230, 159, 0};  // orange
-inline constexpr QColor PROBLEM{174, 60, 0};    // vermillion, darkened for text on white
 
-/// Light, whatever the desktop's; a text size that suits a map.
+/// Gives the application light colours on every desktop, and the text size that the map is made for.
 void apply(QApplication& application);
 
-/// "too weak": the words of the legend.
+/// The words of the legend: "too weak".
 [[nodiscard]] QString nameOf(WardState state);
 
+/// A square that stands on a corner; `radius` is half its diagonal.
 [[nodiscard]] QPolygonF diamond(QPointF centre, double radius);
-/// A ward's mark: hollow circle, filled circle, square, diamond.
+/// Draws a ward's mark: silent is a hollow circle, heard a filled circle, strong a square, selected a
+/// diamond.
 void drawMark(QPainter& painter, QPointF centre, WardState state);
-/// A pin, `tip` its point.
+/// Draws the phone as a pin whose point is at `tip`.
 void drawPhone(QPainter& painter, QPointF tip);
 
 /// Half the width of the largest mark; the size of the phone's pin. Pixels.

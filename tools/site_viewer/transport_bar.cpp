@@ -53,7 +53,7 @@ void TransportBar::fillPaces() {
 }
 
 void TransportBar::refresh() {
-    const QSignalBlocker quiet(slider_);  // it shows a position and asks for none
+    const QSignalBlocker quiet(slider_);  // showing a position must not seek
     if (!slider_->isSliderDown()) slider_->setValue(milliseconds(player_.position()));
     time_->setText(clockText(player_.position()) + " / " + clockText(player_.duration()));
     const auto icon = player_.isPlaying() ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay;

@@ -10,12 +10,12 @@
 
 namespace viewer {
 
-/// Play, pause, seek and pace. `player` must outlive it.
+/// The controls for play, pause, position and pace. Lifetime: `player` must outlive it.
 class TransportBar final : public QWidget {
 public:
     explicit TransportBar(Player& player, QWidget* parent = nullptr);
 
-    /// Shows where the player is.
+    /// Shows the state of the player.
     void refresh();
 
 private:
@@ -28,7 +28,7 @@ private:
     QComboBox* const pace_;
 };
 
-/// "02:05"; hours only when there are some.
+/// "02:05", or "1:02:05" from one hour.
 [[nodiscard]] QString clockText(Player::Position position);
 
 }  // namespace viewer

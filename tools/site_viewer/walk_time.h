@@ -8,20 +8,22 @@
 
 namespace viewer {
 
-/// The kit's main queue and clock while a recorded walk is played: jobs run from the application's loop as
-/// they come, but what is delayed or repeats goes by the time of the walk. So a pause stops the services'
-/// holds and timers as well, a faster pace shortens them, and a seek runs through all of them in order.
+/// The kit's main queue and clock while a recorded walk is played. Jobs run at once, from the application's
+/// loop; delayed and repeated jobs use the time of the walk. So a pause of the walk stops the services'
+/// timers, a faster pace shortens them, and a seek runs all of them in order.
 ///
-/// Threads: made on the main thread, which alone moves the time, never from inside a job.
+/// Threads: created on the main thread. Only the main thread advances the time, and never inside a job; the
+/// queue's operations are for any thread.
 class WalkTime final : public oska::platform::MainQueue, public oska::platform::WallClock {
 public:
-    /// `loop` runs on the thread that makes this.
+    /// `loop` runs on the calling thread.
     WalkTime(std::shared_ptr<oska::platform::MainQueue> loop, oska::platform::WallTime start);
     ~WalkTime() override;
 
-    /// Runs what comes due on the way; never goes back.
+    /// Sets the time to `target` and runs the jobs that become due, in order; an earlier `target` does
+    /// nothing.
     void advanceTo(oska::platform::WallTime target) { time_->advanceTo(target); }
-    /// Runs what is due already.
+    /// Runs the jobs that are due now.
     void runDue() { time_->runDue(); }
 
     [[nodiscard]] oska::platform::WallTime now() const override { return time_->now(); }
@@ -38,7 +40,7 @@ private:
     void wake();
 
     const std::shared_ptr<oska::platform::MainQueue> loop_;
-    const std::shared_ptr<oska::virtual_world::VirtualMainQueue> time_;  // jobs of the loop hold it weakly
+    const std::shared_ptr<oska::virtual_world::VirtualMainQueue> time_;  // jobs in `loop_` hold it weakly
 };
 
 }  // namespace viewer

@@ -12,23 +12,24 @@
 
 namespace viewer {
 
-/// How a ward stands now. Of two that apply, the later one.
+/// What is known of a ward now. Where two apply, the later one counts.
 enum class WardState {
-    silent,    ///< not heard for RECENTLY
-    heard,     ///< too weak for either service
-    strong,    ///< last heard at or above the threshold of one of them
-    selected,  ///< Dapo shows its content
+    silent,    ///< not received for RECENTLY
+    heard,     ///< received, but below the thresholds of both services
+    strong,    ///< last received at or above the threshold of a service
+    selected,  ///< selected by Dapo
 };
 
-/// As long as Dapo counts samples.
+/// The length of Dapo's sample window.
 constexpr std::chrono::seconds RECENTLY(10);
 
+/// A received signal strength.
 struct Strength {
     double dBm = 0;
-    std::chrono::nanoseconds at{};  ///< of the walk
+    std::chrono::nanoseconds at{};  ///< time since the beginning of the walk
 };
 
-/// The last strength of each ward of a walk, by its key.
+/// The last strength of each ward, by the key of the ward. Threads: one.
 class StrengthLog {
 public:
     void add(const oska::platform::ReceivedForce& sample, std::chrono::nanoseconds at);
@@ -39,14 +40,15 @@ private:
     std::map<std::string, Strength> last_;
 };
 
-/// A ward and what is known of it at an instant of the walk. The ward must outlive it.
+/// A ward and its state at a time of the walk. The ward must outlive it.
 struct WardReading {
     const Ward* ward = nullptr;
     std::optional<Strength> last;
-    std::chrono::nanoseconds age{};  ///< of `last`
+    std::chrono::nanoseconds age{};  ///< time since `last`
     WardState state = WardState::silent;
 };
 
+/// The wards of a level at `now`, in the order of the site. `selection`: Dapo's.
 [[nodiscard]] std::vector<WardReading> readingsOf(const Level& level, const StrengthLog& strengths,
                                                   const std::vector<oska::DapoWard>& selection,
                                                   std::chrono::nanoseconds now);

@@ -8,8 +8,9 @@
 namespace viewer {
 namespace {
 
-enum Column { NAME, HEARD, PELIO, DAPO, COLUMNS };
+enum Column { nameColumn, heardColumn, pelioColumn, dapoColumn };
 
+constexpr int COLUMN_COUNT = 4;
 constexpr int ROW_HEIGHT = 22;
 
 QIcon iconOf(WardState state) {
@@ -23,7 +24,7 @@ QIcon iconOf(WardState state) {
 
 QString dBm(const std::optional<double>& value) { return value ? QString::number(*value) : QString(); }
 
-/// The age only once it matters.
+/// "-68.0", with the age when it is no longer recent.
 QString heardText(const WardReading& reading) {
     if (!reading.last) return {};
     auto strength = QString::number(reading.last->dBm, 'f', 1);
@@ -34,12 +35,12 @@ QString heardText(const WardReading& reading) {
 
 }  // namespace
 
-WardTable::WardTable(QWidget* parent) : QTableWidget(0, COLUMNS, parent) {
+WardTable::WardTable(QWidget* parent) : QTableWidget(0, COLUMN_COUNT, parent) {
     setHorizontalHeaderLabels(
         {"Ward", "Heard, dBm", QString::fromUtf8("Pelio ≥"), QString::fromUtf8("Dapo ≥")});
     horizontalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
-    horizontalHeader()->setSectionResizeMode(NAME, QHeaderView::Stretch);
-    horizontalHeader()->setResizeContentsPrecision(0);  // by the rows in sight: there may be thousands
+    horizontalHeader()->setSectionResizeMode(nameColumn, QHeaderView::Stretch);
+    horizontalHeader()->setResizeContentsPrecision(0);  // measure visible rows only: there may be thousands
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     horizontalHeader()->setHighlightSections(false);
     verticalHeader()->hide();
@@ -60,13 +61,13 @@ void WardTable::showReadings(const std::vector<WardReading>& readings) {
         const auto& reading = readings[static_cast<std::size_t>(row)];
         const QString texts[]{QString::fromStdString(reading.ward->name), heardText(reading),
                               dBm(reading.ward->pelioThreshold), dBm(reading.ward->dapoThreshold)};
-        for (int column = 0; column < COLUMNS; ++column) {
+        for (int column = 0; column < COLUMN_COUNT; ++column) {
             if (item(row, column) == nullptr) setItem(row, column, new QTableWidgetItem);
             if (item(row, column)->text() != texts[column]) item(row, column)->setText(texts[column]);
         }
-        if (item(row, NAME)->toolTip() == theme::nameOf(reading.state)) continue;
-        item(row, NAME)->setIcon(ICONS[static_cast<int>(reading.state)]);
-        item(row, NAME)->setToolTip(theme::nameOf(reading.state));
+        if (item(row, nameColumn)->toolTip() == theme::nameOf(reading.state)) continue;
+        item(row, nameColumn)->setIcon(ICONS[static_cast<int>(reading.state)]);
+        item(row, nameColumn)->setToolTip(theme::nameOf(reading.state));
     }
 }
 

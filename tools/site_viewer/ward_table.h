@@ -7,7 +7,7 @@
 
 namespace viewer {
 
-/// The wards of a level in full: mark, name, last strength, both services' thresholds.
+/// Lists the wards of a level: mark, name, last strength, thresholds of both services.
 class WardTable final : public QTableWidget {
 public:
     explicit WardTable(QWidget* parent = nullptr);

@@ -12,15 +12,15 @@
 namespace viewer {
 namespace {
 
-constexpr int NARROW = 800;  // pixels: below that the panels go under the map
+constexpr int NARROW = 800;  // pixels: in a narrower window the panels are below the map
 constexpr int PANEL_WIDTH = 380;
 constexpr int TITLE_SIZE = 18;
 constexpr int MARGIN = 10;
 constexpr int LEAST_MAP_HEIGHT = 140;
-constexpr double NARROW_MAP_SHARE = 0.45;  // of the window's height, at most
+constexpr double NARROW_MAP_SHARE = 0.45;  // of the window's height
 constexpr int LOG_LINES = 2000;
 
-/// The level first: where the room is small, the rest is cut off.
+/// The name of the level comes first, because a small box cuts off the end.
 QString levelName(const Level& level) {
     const auto name = QString::fromStdString(level.name) + QString::fromUtf8(" · ") +
                       QString::fromStdString(level.building);
@@ -50,7 +50,7 @@ Window::Window(const Site& site, const Source& source, Player& player, std::func
 Window::~Window() = default;
 
 Session::Callbacks Window::callbacks() {
-    // The walk cannot be moved from inside a job of the kit's, where this is told.
+    // onReady is called inside a job of the kit, where the player must not be moved.
     return {.onReady = [this] { QTimer::singleShot(0, this, [this] { becomeReady(); }); },
             .onChanged = [this] { refresh(); },
             .onRewound = [this] { content_->showHint(); },
@@ -140,7 +140,7 @@ void Window::arrange() {
     fitMap();
 }
 
-/// Below a narrow map there are panels that take what it leaves: it asks for what it needs itself.
+/// Panels below the map take all space that the map does not ask for: so the map asks for what it needs.
 void Window::fitMap() {
     const bool isNarrow = width() < NARROW;
     const auto fit = frameOf(map_->extent(), QSizeF(width() - 2 * MARGIN, height() * NARROW_MAP_SHARE));
@@ -182,7 +182,8 @@ void Window::showLevel(std::size_t level) {
 void Window::select(std::size_t level) {
     if (std::exchange(level_, level) == level) return;
     levels_->setCurrentIndex(static_cast<int>(level));
-    session_->placeOverlay(oska::qt::viewOf(*map_), level);  // each map has proportions of its own
+    // Again for each level: the image of the overlay has the proportions of the map.
+    session_->placeOverlay(oska::qt::viewOf(*map_), level);
 }
 
 void Window::log(const std::string& line) {

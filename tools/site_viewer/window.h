@@ -22,27 +22,27 @@ class QBoxLayout;
 
 namespace viewer {
 
-/// In a smaller window things would overlap.
+/// Pixels. In a smaller window the widgets overlap.
 inline constexpr QSize LEAST_SIZE{320, 600};
 
-/// The viewer's window: the map with its overlay, the player, and panels that stand beside the map or, where
-/// the window is narrow, below it as tabs.
+/// The viewer's window: the map with its overlay, the controls of the player, and panels beside the map. In a
+/// narrow window the panels are tabs below the map.
 ///
-/// Lifetime: `site` and `player` outlive it.
+/// Threads: the main thread. Lifetime: `site` and `player` outlive it.
 class Window final : public QWidget {
 public:
     struct Source {
         std::string siteFolder;
-        std::string serverUrl;  ///< where that folder is served
+        std::string serverUrl;  ///< the server of that folder
         std::string walkName;
-        std::string note;  ///< first in the log, unless it is empty
+        std::string note;  ///< first line of the log; empty for none
     };
 
-    /// `onReady`: the walk can be played.
+    /// Calls `onReady` when the walk can be played.
     Window(const Site& site, const Source& source, Player& player, std::function<void()> onReady);
     ~Window() override;
 
-    /// Shows a level of the site, whatever level the phone is on.
+    /// Shows the level with that index in the site, and no longer follows the phone.
     void showLevel(std::size_t level);
     [[nodiscard]] MapView& map() { return *map_; }
 
@@ -80,7 +80,7 @@ private:
     QPlainTextEdit* log_ = nullptr;
     SidePanels* panels_ = nullptr;
 
-    std::unique_ptr<Session> session_;  // the last to come, the first to go
+    std::unique_ptr<Session> session_;  // destroyed first: it calls the widgets
 };
 
 }  // namespace viewer

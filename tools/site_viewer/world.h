@@ -8,10 +8,11 @@
 
 namespace viewer {
 
-/// The kit's surroundings: a Qt application, but in the time of a walk and with its samples for a radio.
+/// The kit's platform in the viewer: that of a Qt application, but with the time of the walk, and with its
+/// samples instead of a radio.
 ///
-/// Threads: made on the application's. Lifetime: making one installs it for the life of the process, so there
-/// is one; destroying it ends its network and its loop.
+/// Threads: created on the main thread. Lifetime: the constructor installs the platform for the whole
+/// process, so create one only; the destructor ends its network and its loop.
 class World {
 public:
     World();
