@@ -20,6 +20,12 @@ constexpr int GRID_LINES = 8;
 
 bool isDrawable(QPointF place) { return std::abs(place.x()) <= FARTHEST && std::abs(place.y()) <= FARTHEST; }
 
+bool isDrawable(const oska::tool::SiteWard& ward) {
+    return ward.hasCoordinates() && isDrawable({ward.place.x, ward.place.y});
+}
+
+QPointF placeOf(const WardReading& reading) { return {reading.ward->place.x, reading.ward->place.y}; }
+
 /// From pixels of the map image to pixels of the picture.
 class Projection {
 public:
@@ -91,7 +97,7 @@ void drawTrail(QPainter& painter, const std::vector<QPointF>& trail, const Proje
 std::vector<const WardReading*> byImportance(const std::vector<WardReading>& wards) {
     std::vector<const WardReading*> ordered;
     for (const auto& ward : wards) {
-        if (ward.ward->place && isDrawable(*ward.ward->place)) ordered.push_back(&ward);
+        if (isDrawable(*ward.ward)) ordered.push_back(&ward);
     }
     std::stable_sort(ordered.begin(), ordered.end(),
                      [](const auto* a, const auto* b) { return a->state > b->state; });
@@ -149,7 +155,7 @@ void drawLabels(QPainter& painter, LabelLayout& layout, const std::vector<const 
     const QFontMetricsF bold(font);
     for (const auto* reading : wards) {
         const auto label = labelOf(*reading, isBrief, bold, plain);
-        const auto area = layout.place(toPixels(*reading->ward->place), theme::MARK_RADIUS, label.size);
+        const auto area = layout.place(toPixels(placeOf(*reading)), theme::MARK_RADIUS, label.size);
         if (area) drawLabel(painter, *area, label, reading->state);
     }
 }
@@ -166,7 +172,7 @@ void drawWards(QPainter& painter, const QRectF& frame, const QRectF& note, const
                          theme::PHONE_HEIGHT});
     }
     for (auto ward = wards.rbegin(); ward != wards.rend(); ++ward) {
-        const auto centre = toPixels(*(*ward)->ward->place);
+        const auto centre = toPixels(placeOf(**ward));
         layout.keepFree({centre.x() - RADIUS, centre.y() - RADIUS, 2 * RADIUS, 2 * RADIUS});
         theme::drawMark(painter, centre, (*ward)->state);
     }
@@ -176,14 +182,16 @@ void drawWards(QPainter& painter, const QRectF& frame, const QRectF& note, const
 
 }  // namespace
 
-QRectF extentOf(const Level& level, const QImage& image) {
-    const QSizeF size(level.map.image_width, level.map.image_height);
+QRectF extentOf(const LevelPicture& picture) {
+    const auto& map = picture.level->map;
+    const auto& image = picture.image;
+    const QSizeF size(map.image_width, map.image_height);
     if (!image.isNull() && !size.isEmpty() && isDrawable({size.width(), size.height()}))
         return {QPointF(0, 0), size};
     if (!image.isNull()) return QRectF(image.rect());
     QPolygonF places;
-    for (const auto& ward : level.wards) {
-        if (ward.place && isDrawable(*ward.place)) places.append(*ward.place);
+    for (const auto& reading : picture.wards) {
+        if (isDrawable(*reading.ward)) places.append(placeOf(reading));
     }
     const auto bounds = places.boundingRect();
     const double room = std::max(1.0, 0.15 * std::max(bounds.width(), bounds.height()));
@@ -196,7 +204,7 @@ QRectF frameOf(const QRectF& extent, QSizeF size) {
 }
 
 void draw(QPainter& painter, QSizeF size, const LevelPicture& picture) {
-    const auto extent = extentOf(*picture.level, picture.image);
+    const auto extent = extentOf(picture);
     const auto frame = frameOf(extent, size);
     if (frame.isEmpty()) return;
     const Projection toPixels(extent, frame);

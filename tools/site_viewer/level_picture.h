@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "tools/site_viewer/site.h"
+#include "tools/oska/site/site.h"
 #include "tools/site_viewer/ward_reading.h"
 
 class QPainter;
@@ -16,7 +16,7 @@ namespace viewer {
 
 /// All that is drawn of a level at one time. `level` and the wards must outlive it.
 struct LevelPicture {
-    const Level* level = nullptr;
+    const oska::tool::SiteLevel* level = nullptr;
     QImage image;  ///< null: a grid is drawn instead
     std::vector<WardReading> wards;
     std::vector<QPointF> trail;    ///< positions of the phone, the latest last; pixels of the map image
@@ -25,7 +25,7 @@ struct LevelPicture {
 
 /// The part of the map that is shown, in pixels of the map image: the whole image; without an image, the area
 /// of the wards.
-[[nodiscard]] QRectF extentOf(const Level& level, const QImage& image);
+[[nodiscard]] QRectF extentOf(const LevelPicture& picture);
 
 /// Where `extent` is drawn in a picture of `size`: as large as its proportions allow, in the middle.
 [[nodiscard]] QRectF frameOf(const QRectF& extent, QSizeF size);

@@ -8,12 +8,12 @@
 #include <utility>
 
 #include "oska/foundation/logger.h"
+#include "tools/oska/site/sector_folder.h"
 #include "tools/oska_serve/site_server.h"
 #include "tools/site_viewer/options.h"
+#include "tools/site_viewer/played_walk.h"
 #include "tools/site_viewer/player.h"
-#include "tools/site_viewer/site.h"
 #include "tools/site_viewer/theme.h"
-#include "tools/site_viewer/walk.h"
 #include "tools/site_viewer/window.h"
 #include "tools/site_viewer/world.h"
 
@@ -69,7 +69,7 @@ int takePicture(Window& window, Player& player, const Options& options) {
     return DONE;
 }
 
-Window::Source sourceOf(const Options& options, const Walk& walk, const std::string& serverUrl) {
+Window::Source sourceOf(const Options& options, const PlayedWalk& walk, const std::string& serverUrl) {
     const auto name = QFileInfo(QString::fromStdString(options.recording)).fileName();
     const auto note = walk.actions == 0 ? std::string()
                                         : "Walk   " + std::to_string(walk.actions) +
@@ -77,8 +77,9 @@ Window::Source sourceOf(const Options& options, const Walk& walk, const std::str
     return {options.siteFolder, serverUrl, name.toStdString(), note};
 }
 
-int show(const Options& options, const Site& site, const Walk& walk, const std::string& serverUrl) {
-    const auto level = options.levelId ? site.findLevel(*options.levelId) : std::nullopt;
+int show(const Options& options, const oska::tool::Site& site, const PlayedWalk& walk,
+         const std::string& serverUrl) {
+    const auto level = options.levelId ? site.findLevel(*options.levelId, std::nullopt) : std::nullopt;
     if (options.levelId && !level)
         return complain("the site has no level " + std::to_string(*options.levelId), BAD_INPUT);
     World world;
@@ -98,7 +99,7 @@ int run(int argc, char** argv) {
     auto parsed = parseOptions(argc, argv);
     if (const auto* const status = std::get_if<int>(&parsed)) return *status;
     const auto& options = std::get<Options>(parsed);
-    const auto site = loadSite(options.siteFolder, options.sectorId);
+    const auto site = oska::tool::readSector(options.siteFolder, options.sectorId);
     if (!site) return complain(site.error(), BAD_INPUT);
     const auto walk = loadWalk(options.recording);
     if (!walk) return complain(walk.error(), BAD_INPUT);

@@ -17,9 +17,7 @@ void MapView::showPicture(LevelPicture picture) {
     update();
 }
 
-QRectF MapView::extent() const {
-    return picture_.level != nullptr ? extentOf(*picture_.level, picture_.image) : QRectF();
-}
+QRectF MapView::extent() const { return picture_.level != nullptr ? extentOf(picture_) : QRectF(); }
 
 void MapView::paintEvent(QPaintEvent*) {
     QPainter painter(this);

@@ -15,7 +15,7 @@ constexpr std::chrono::milliseconds LONGEST_FRAME(250);
 
 }  // namespace
 
-Player::Player(const Walk& walk, WalkTime& time, oska::virtual_world::ReplaySource& source)
+Player::Player(const PlayedWalk& walk, WalkTime& time, oska::virtual_world::ReplaySource& source)
     : walk_(walk), time_(time), source_(source), begin_(time.now()) {
     frames_.setInterval(FRAME);
     QObject::connect(&frames_, &QTimer::timeout, &frames_, [this] { showFrame(); });

@@ -6,7 +6,7 @@
 #include <functional>
 
 #include "adapters/virtual/replay_generator.h"
-#include "tools/site_viewer/walk.h"
+#include "tools/site_viewer/played_walk.h"
 #include "tools/site_viewer/walk_time.h"
 
 namespace viewer {
@@ -31,7 +31,7 @@ class Player {
 public:
     using Position = std::chrono::nanoseconds;
 
-    Player(const Walk& walk, WalkTime& time, oska::virtual_world::ReplaySource& source);
+    Player(const PlayedWalk& walk, WalkTime& time, oska::virtual_world::ReplaySource& source);
 
     void setListener(PlayerListener* listener) { listener_ = listener; }
 
@@ -56,7 +56,7 @@ private:
     void playUntil(Position target);
     void showFrame();
 
-    const Walk& walk_;
+    const PlayedWalk& walk_;
     WalkTime& time_;
     oska::virtual_world::ReplaySource& source_;
     PlayerListener* listener_ = nullptr;

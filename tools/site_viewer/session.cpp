@@ -6,7 +6,7 @@
 
 namespace viewer {
 
-Session::Session(const Site& site, const std::string& siteFolder, const std::string& serverUrl,
+Session::Session(const oska::tool::Site& site, const std::string& siteFolder, const std::string& serverUrl,
                  Player& player, Callbacks callbacks)
     : site_(site),
       player_(player),
@@ -44,23 +44,24 @@ void Session::beReadyOnce() {
 }
 
 void Session::placeOverlay(const std::shared_ptr<oska::views::View>& host, std::size_t level) {
-    host_->placeOverlay(host, overlayImage(extentOf(site_.levels[level], images_[level]).size()));
+    host_->placeOverlay(host, overlayImage(extentOf(picture(level)).size()));
 }
 
 LevelPicture Session::picture(std::size_t level) const {
     const auto& shown = site_.levels[level];
     const auto& at = host_->position();
-    LevelPicture picture{.level = &shown,
-                         .image = images_[level],
-                         .wards = readingsOf(shown, strengths_, host_->selection(), player_.position()),
-                         .trail = host_->trailOn(shown.id)};
+    LevelPicture picture{
+        .level = &shown,
+        .image = images_[level],
+        .wards = readingsOf(site_, level, strengths_, host_->selection(), player_.position()),
+        .trail = host_->trailOn(shown.id)};
     if (at && at->level_id == shown.id) picture.phone = QPointF(at->x, at->y);
     return picture;
 }
 
 std::optional<std::size_t> Session::phoneLevel() const {
     const auto& at = host_->position();
-    return at ? site_.findLevel(at->level_id) : std::nullopt;
+    return at ? site_.findLevel(at->level_id, std::nullopt) : std::nullopt;
 }
 
 std::string Session::positionText() const {

@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
+#include "tools/oska/site/site.h"
 #include "tools/site_viewer/level_picture.h"
 #include "tools/site_viewer/map_images.h"
 #include "tools/site_viewer/player.h"
-#include "tools/site_viewer/site.h"
 #include "tools/site_viewer/site_host.h"
 #include "tools/site_viewer/ward_reading.h"
 
@@ -33,8 +33,8 @@ public:
     };
 
     /// `serverUrl`: the server of `siteFolder`.
-    Session(const Site& site, const std::string& siteFolder, const std::string& serverUrl, Player& player,
-            Callbacks callbacks);
+    Session(const oska::tool::Site& site, const std::string& siteFolder, const std::string& serverUrl,
+            Player& player, Callbacks callbacks);
     ~Session() override;
 
     /// Places the Dapo view over `host`, the widget that shows `level`.
@@ -55,7 +55,7 @@ private:
     void loadImages();
     void beReadyOnce();
 
-    const Site& site_;
+    const oska::tool::Site& site_;
     Player& player_;
     const Callbacks callbacks_;
     std::vector<QImage> images_;  // one for each level

@@ -18,10 +18,10 @@ WardState stateOf(const WardReading& reading, bool isSelected) {
     return isStrong ? WardState::strong : WardState::heard;
 }
 
-std::set<std::string> keysOn(const Level& level, const std::vector<oska::DapoWard>& selection) {
+std::set<std::string> keysOn(std::int64_t levelId, const std::vector<oska::DapoWard>& selection) {
     std::set<std::string> keys;
     for (const auto& ward : selection) {
-        if (ward.level_id == level.id) keys.insert(oska::normalizeWardName(ward.name));
+        if (ward.level_id == levelId) keys.insert(oska::normalizeWardName(ward.name));
     }
     return keys;
 }
@@ -37,15 +37,16 @@ std::optional<Strength> StrengthLog::find(const std::string& key) const {
     return found == last_.end() ? std::nullopt : std::optional(found->second);
 }
 
-std::vector<WardReading> readingsOf(const Level& level, const StrengthLog& strengths,
+std::vector<WardReading> readingsOf(const oska::tool::Site& site, std::size_t level,
+                                    const StrengthLog& strengths,
                                     const std::vector<oska::DapoWard>& selection,
                                     std::chrono::nanoseconds now) {
-    const auto selectedKeys = keysOn(level, selection);
+    const auto selectedKeys = keysOn(site.levels[level].id, selection);
     std::vector<WardReading> readings;
-    for (const auto& ward : level.wards) {
-        WardReading reading{.ward = &ward, .last = strengths.find(ward.key)};
+    for (const auto* const ward : site.wardsOn(level)) {
+        WardReading reading{.ward = ward, .last = strengths.find(ward->key)};
         if (reading.last) reading.age = now - reading.last->at;
-        reading.state = stateOf(reading, selectedKeys.contains(ward.key));
+        reading.state = stateOf(reading, selectedKeys.contains(ward->key));
         readings.push_back(reading);
     }
     return readings;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <map>
 #include <optional>
 #include <string>
@@ -8,7 +9,7 @@
 
 #include "oska/dapo/dapo_types.h"
 #include "oska/platform/quenlo_common.h"
-#include "tools/site_viewer/site.h"
+#include "tools/oska/site/site.h"
 
 namespace viewer {
 
@@ -42,14 +43,15 @@ private:
 
 /// A ward and its state at a time of the walk. The ward must outlive it.
 struct WardReading {
-    const Ward* ward = nullptr;
+    const oska::tool::SiteWard* ward = nullptr;
     std::optional<Strength> last;
     std::chrono::nanoseconds age{};  ///< time since `last`
     WardState state = WardState::silent;
 };
 
 /// The wards of a level at `now`, in the order of the site. `selection`: Dapo's.
-[[nodiscard]] std::vector<WardReading> readingsOf(const Level& level, const StrengthLog& strengths,
+[[nodiscard]] std::vector<WardReading> readingsOf(const oska::tool::Site& site, std::size_t level,
+                                                  const StrengthLog& strengths,
                                                   const std::vector<oska::DapoWard>& selection,
                                                   std::chrono::nanoseconds now);
 

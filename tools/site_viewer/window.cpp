@@ -21,9 +21,9 @@ constexpr double NARROW_MAP_SHARE = 0.45;  // of the window's height
 constexpr int LOG_LINES = 2000;
 
 /// The name of the level comes first, because a small box cuts off the end.
-QString levelName(const Level& level) {
+QString levelName(const oska::tool::SiteLevel& level) {
     const auto name = QString::fromStdString(level.name) + QString::fromUtf8(" · ") +
-                      QString::fromStdString(level.building);
+                      QString::fromStdString(level.buildingName);
     return name.simplified();
 }
 
@@ -39,7 +39,8 @@ QPlainTextEdit* logPane() {
 
 }  // namespace
 
-Window::Window(const Site& site, const Source& source, Player& player, std::function<void()> onReady)
+Window::Window(const oska::tool::Site& site, const Source& source, Player& player,
+               std::function<void()> onReady)
     : site_(site), player_(player), onReady_(std::move(onReady)) {
     setUp(source);
     if (!source.note.empty()) log(source.note);

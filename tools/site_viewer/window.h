@@ -39,7 +39,7 @@ public:
     };
 
     /// Calls `onReady` when the walk can be played.
-    Window(const Site& site, const Source& source, Player& player, std::function<void()> onReady);
+    Window(const oska::tool::Site& site, const Source& source, Player& player, std::function<void()> onReady);
     ~Window() override;
 
     /// Shows the level with that index in the site, and no longer follows the phone.
@@ -63,7 +63,7 @@ private:
     void select(std::size_t level);
     void log(const std::string& line);
 
-    const Site& site_;
+    const oska::tool::Site& site_;
     Player& player_;
     const std::function<void()> onReady_;
     std::size_t level_ = 0;

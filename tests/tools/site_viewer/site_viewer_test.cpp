@@ -9,12 +9,10 @@
 
 #include "adapters/qt/qt_host_view.h"
 #include "oska/foundation/logger.h"
+#include "tools/oska/site/sector_folder.h"
 #include "tools/oska_serve/site_server.h"
 #include "tools/site_viewer/label_layout.h"
-#include "tools/site_viewer/map_view.h"
-#include "tools/site_viewer/player.h"
-#include "tools/site_viewer/session.h"
-#include "tools/site_viewer/walk.h"
+#include "tools/site_viewer/played_walk.h"
 #include "tools/site_viewer/window.h"
 #include "tools/site_viewer/world.h"
 
@@ -26,53 +24,42 @@ using namespace std::chrono_literals;
 const std::string RIVERSIDE = RIVERSIDE_FOLDER;
 const std::string VISIT = RIVERSIDE + "/walks/museum_visit.jsonl";
 
-class Folder {
-public:
-    std::string write(const QString& name, const std::string& content) {
-        const auto path = folder_.filePath(name);
-        QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray::fromStdString(content));
-        return path.toStdString();
-    }
-    [[nodiscard]] std::string path() const { return folder_.path().toStdString(); }
-
-private:
-    QTemporaryDir folder_;
-};
-
 // ---- what it reads
 
-TEST(ViewerWalk, TellsWhereARecordingIsNone) {
+oska::Result<PlayedWalk, std::string> walkOf(const std::string& recording) {
+    const QTemporaryDir folder;
+    QFile file(folder.filePath("walk.jsonl"));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(QByteArray::fromStdString(recording));
+    file.close();
+    return loadWalk(file.fileName().toStdString());
+}
+
+TEST(ViewerWalk, RefusesARecordingThatItCannotPlay) {
     struct Case {
-        std::string text;
+        std::string recording;
         std::string problem;
     };
-    Folder folder;
-    for (const auto& [text, problem] :
-         {Case{"", ": no sample in it"},
-          {"{\"mobile_time\":1,\"rfs\":{}}\n\n{\"mobile_time\":2,\"rfs\":{\"a\":\"b\"}}", ":3: "},
-          {"{\"mobile_time\":1}", ":1: neither a sample"},
-          {"{\"mobile_time\":1,\"rfs\":{},\"action\":\"tap\"}", ":1: neither a sample"},
-          {"{\"mobile_time\":0,\"rfs\":{}}\n{\"mobile_time\":86400001,\"rfs\":{}}", ":2: more than a day"},
-          {"{\"mobile_time\":-9223372036854775808,\"rfs\":{}}\n{\"mobile_time\":9223372036854775807,\"rfs\":{"
-           "}}",
-           ":2: more than a day"}}) {
-        const auto path = folder.write("walk.jsonl", text);
-        const auto walk = loadWalk(path);
-        ASSERT_FALSE(walk) << text;
-        EXPECT_TRUE(walk.error().starts_with(path + problem)) << walk.error();
+    const auto sampleAt = [](const std::string& time) {
+        return R"({"mobile_time":)" + time + R"(,"rfs":{}})";
+    };
+    for (const auto& [recording, problem] :
+         {Case{R"({"mobile_time":1,"action":"tap"})", "walk.jsonl: no sample in it"},
+          {sampleAt("1") + "\n\n" + R"({"mobile_time":1})", "walk.jsonl:3: neither"},
+          {sampleAt("0") + "\n" + sampleAt("86400001"), "walk.jsonl:2: more than a day"},
+          {sampleAt("-9223372036854775808") + "\n" + sampleAt("9223372036854775807"),
+           "walk.jsonl:2: more than a day"}}) {
+        const auto walk = walkOf(recording);
+        ASSERT_FALSE(walk) << recording;
+        EXPECT_NE(walk.error().find(problem), std::string::npos) << walk.error();
     }
-    EXPECT_FALSE(loadWalk(folder.path()));
 }
 
 TEST(ViewerWalk, CountsActionsAndNeverGoesBack) {
-    Folder folder;
-    const auto walk = loadWalk(folder.write("walk.jsonl", R"({"mobile_time":1000,"rfs":{"a":-60}}
+    const auto walk = walkOf(R"({"mobile_time":1000,"rfs":{"a":-60}}
         {"mobile_time":1200,"action":"tap"}
         {"mobile_time":2500,"rfs":{}}
-        {"mobile_time":-5,"rfs":{}})"));
+        {"mobile_time":-5,"rfs":{}})");
     ASSERT_TRUE(walk);
     EXPECT_EQ(walk->actions, 1u);
     ASSERT_EQ(walk->samples.size(), 3u);
@@ -80,41 +67,7 @@ TEST(ViewerWalk, CountsActionsAndNeverGoesBack) {
     EXPECT_EQ(walk->samples[2].due, 1500ms);
 }
 
-std::string bundle(const std::string& wardFields, const std::string& id = "1") {
-    return R"({"id":7,"name":"S","operating_system":"iOS","buildings":[{"id":1,"name":"B","levels":[{"id":)" +
-           id +
-           R"(,"name":"L","map_image":{"url":"u","image_width":10,"image_height":10,"scale_x":2,"scale_y":3,)"
-           R"("offset_x":4,"offset_y":5},"wards":[{"id":1,"name":" Ward-A ")" +
-           wardFields + "}]}]}]}";
-}
-
-TEST(ViewerSite, JoinsWhatBothServicesKnowOfAWard) {
-    Folder folder;
-    folder.write("7/pelio.json", bundle(R"(,"x":10,"y":20,"rssi":-84.5)"));
-    folder.write("7/dapo.json", bundle(R"(,"rssi":-70,"contents":[])"));
-    const auto site = loadSite(folder.path(), std::nullopt);
-    ASSERT_TRUE(site) << site.error();
-    ASSERT_EQ(site->levels.size(), 1u);
-    ASSERT_EQ(site->levels[0].wards.size(), 1u);
-    const auto& ward = site->levels[0].wards[0];
-    EXPECT_EQ(ward.key, "ward-a");
-    EXPECT_EQ(ward.place, QPointF(24, 65));
-    EXPECT_EQ(ward.pelioThreshold, -84.5);
-    EXPECT_EQ(ward.dapoThreshold, -70);
-}
-
-TEST(ViewerSite, TellsWhyAFolderIsNone) {
-    Folder folder;
-    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("no sector"), std::string::npos);
-    EXPECT_NE(loadSite(folder.path() + "/x", std::nullopt).error().find("no such folder"), std::string::npos);
-    folder.write("7/pelio.json", bundle(R"(,"x":10,"y":20.5,"rssi":-84)"));
-    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("7/pelio.json: "), std::string::npos);
-    EXPECT_NE(loadSite(folder.path(), 8).error().find("neither"), std::string::npos);
-    folder.write("8/pelio.json", "{}");
-    EXPECT_NE(loadSite(folder.path(), std::nullopt).error().find("--sector: 7 8"), std::string::npos);
-}
-
-TEST(ViewerLabels, NeverLieOverOneAnotherOrOutside) {
+TEST(ViewerLabels, DoNotOverlapAndStayInThePicture) {
     const QRectF picture(0, 0, 100, 60);
     LabelLayout layout(picture);
     std::vector<QRectF> placed;
@@ -162,8 +115,8 @@ protected:
         QTest::mouseClick(window_->windowHandle(), Qt::LeftButton, {}, at);
     }
 
-    const oska::Result<Site, std::string> site_ = loadSite(RIVERSIDE, std::nullopt);
-    const oska::Result<Walk, std::string> walk_ = loadWalk(VISIT);
+    const oska::Result<oska::tool::Site, std::string> site_ = oska::tool::readSector(RIVERSIDE, std::nullopt);
+    const oska::Result<PlayedWalk, std::string> walk_ = loadWalk(VISIT);
     const oska::Result<std::unique_ptr<oska::tool::SiteServer>, oska::tool::NotServing> server_ =
         oska::tool::SiteServer::start({.folder = RIVERSIDE, .reportsAnswers = false});
     World world_;
@@ -171,7 +124,7 @@ protected:
     std::unique_ptr<Window> window_;
 };
 
-TEST_F(ViewerWindow, FindsTheSameStateByEveryWayToAPosition) {
+TEST_F(ViewerWindow, ShowsTheSameAtATimeHoweverItIsReached) {
     player_.seek(100s);
     const auto direct = text();
     EXPECT_TRUE(direct.contains("ceramics-kiln")) << direct.toStdString();
@@ -186,7 +139,7 @@ TEST_F(ViewerWindow, FindsTheSameStateByEveryWayToAPosition) {
     EXPECT_EQ(text(), direct) << "in small steps";
 }
 
-TEST_F(ViewerWindow, ListsTheLinksOfATapOnTheOverlayAndOfNoOther) {
+TEST_F(ViewerWindow, ListsLinksAfterATapOnTheOverlayOnly) {
     const auto hint = links();
     player_.seek(160s);  // on the stairs
     ASSERT_FALSE(isOverlayShown());
@@ -196,10 +149,10 @@ TEST_F(ViewerWindow, ListsTheLinksOfATapOnTheOverlayAndOfNoOther) {
     clickMap();
     EXPECT_TRUE(links().contains("A kiln, cut open")) << links().toStdString();
     player_.seek(50s);
-    EXPECT_EQ(links(), hint) << "the walk starts over";
+    EXPECT_EQ(links(), hint) << "the walk starts again";
 }
 
-TEST_F(ViewerWindow, KeepsTheOverlayOnTheMapWhereverThatIs) {
+TEST_F(ViewerWindow, KeepsTheOverlayOnTheMapAtEverySize) {
     player_.seek(100s);
     for (const QSize size : {QSize(390, 844), QSize(1280, 800), QSize(700, 600)}) {
         window_->resize(size);
@@ -208,7 +161,7 @@ TEST_F(ViewerWindow, KeepsTheOverlayOnTheMapWhereverThatIs) {
         const auto* const overlay = map.childAt(map.rect().center());
         ASSERT_TRUE(overlay);
         EXPECT_EQ(overlay->rect().translated(overlay->mapTo(&map, QPoint(0, 0))), map.rect());
-        EXPECT_EQ(window_->size(), size) << "nothing asks for more room";
+        EXPECT_EQ(window_->size(), size) << "no widget needs more space";
     }
 }
 
@@ -237,7 +190,7 @@ Ended viewer(const QStringList& arguments) {
     return {process.exitCode(), process.readAllStandardError().toStdString()};
 }
 
-TEST(ViewerProgram, WritesAPictureOfTheSizeAskedFor) {
+TEST(ViewerProgram, WritesAPictureOfTheGivenSize) {
     const QTemporaryDir folder;
     const auto file = folder.filePath("picture.png");
     const auto site = QString::fromStdString(RIVERSIDE);
