@@ -1,4 +1,4 @@
-# Comes behind project() of a host: none of the kit's flags may reach it, and the kit's headers must bear a host's own.
+# Included after project() of a host: no flag of the kit may reach the host, and the kit's headers must compile with its flags.
 cmake_language(DEFER CALL target_compile_options host
                PRIVATE -Wall -Wextra -Wpedantic -Wshadow -Werror -fno-exceptions -fno-rtti)
 function(check_that_no_options_leak)

@@ -4,11 +4,16 @@ set -euo pipefail
 root=$1 binary=$2 compiler=$3 kit=$4
 embedding=$(dirname "$(realpath "$0")")
 rm -rf "$binary"
-"$embedding/readme_files.sh" "$root/README.md" "$binary/sources"
+"$embedding/readme_files.sh" "$root/README.md" "$binary"
 cmake --install "$kit" --prefix "$binary/prefix" >/dev/null
-options=(-G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$compiler" -DHOST_SOURCES="$binary/sources"
-    -DCMAKE_PREFIX_PATH="$binary/prefix")
-# The package serves a host without Qt, too.
-cmake -S "$embedding" -B "$binary/without_qt" "${options[@]}" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON >/dev/null
-cmake -S "$embedding" -B "$binary/build" "${options[@]}" >/dev/null
-cmake --build "$binary/build"
+sed -i 's|^add_subdirectory.*|find_package(QuenloOska 0.1 REQUIRED COMPONENTS qt)|' "$binary/CMakeLists.txt"
+options=(-S "$binary" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DCMAKE_CXX_COMPILER="$compiler" -DCMAKE_PREFIX_PATH="$binary/prefix"
+    -DCMAKE_PROJECT_hosts_INCLUDE="$embedding/host_checks.cmake")
+if [ -d "$binary/prefix/include/adapters/qt" ]; then
+    cmake -B "$binary/qt" "${options[@]}" >/dev/null
+    cmake --build "$binary/qt"
+fi
+# A host without Qt needs nothing of it.
+sed -i 's| COMPONENTS qt||; /[qQ]t/d' "$binary/CMakeLists.txt"
+cmake -B "$binary/plain" "${options[@]}" -DCMAKE_DISABLE_FIND_PACKAGE_Qt6=ON >/dev/null
+cmake --build "$binary/plain"

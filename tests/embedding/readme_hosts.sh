@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# The README's hosts as it has them, built with its CMakeLists.txt, print where the phone is:
-# readme_hosts.sh SOURCE_ROOT BINARY_DIR CXX OSKA. Only the server's port is another, one that is free.
+# Builds the README's hosts with the README's CMakeLists.txt, and waits until each prints a position:
+# readme_hosts.sh SOURCE_ROOT BINARY_DIR CXX OSKA. Only the server's port is changed, to a free one.
 set -euo pipefail
 root=$1 binary=$2 compiler=$3 oska=$4
 embedding=$(dirname "$(realpath "$0")")

@@ -1,6 +1,6 @@
 #pragma once
 
-// Macros that toolkits and system headers define before a host includes the kit.
+// Macros that toolkits and system headers may define before a host includes the kit.
 #include <algorithm>
 #include <functional>
 #include <memory>
