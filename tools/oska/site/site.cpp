@@ -10,8 +10,6 @@
 namespace oska::tool {
 namespace {
 
-constexpr Log LOG{"oska"};
-
 using Parsed = Result<Site, std::string>;
 
 template <class Ward>
@@ -38,7 +36,8 @@ Site flattened(const Bundle<Ward>& bundle) {
         std::int64_t floor = 0;
         for (const auto& level : building.levels) {
             for (const auto& ward : level.wards) {
-                const auto place = maps.convertWardCoordinate(level.id, orZero(ward.x), orZero(ward.y), LOG);
+                const auto place = *maps.convertWardCoordinate(level.id, orZero(ward.x),
+                                                               orZero(ward.y));  // each level has a map
                 site.wards.push_back(flattened(ward, site.levels.size(), place));
             }
             site.levels.push_back(
