@@ -61,8 +61,10 @@ std::optional<std::string> idnaForm(std::string_view host) {
     if (host.size() > LONGEST_CONVERTED) return std::nullopt;
     const std::string text(host);
     auto strict = idnaForm(text, IDN2_NONTRANSITIONAL);
-    // libidn2 takes symbols, which may stand in names, in its other mode only.
-    const bool mayBeSymbol = strict.code == IDN2_DISALLOWED && !needsStrictMode(text);
+    // libidn2 takes symbols, which may stand in names, in its other mode only; and there alone does it know
+    // the characters of newer versions of Unicode.
+    const bool isRefused = strict.code == IDN2_DISALLOWED || strict.code == IDN2_UNASSIGNED;
+    const bool mayBeSymbol = isRefused && !needsStrictMode(text);
     return mayBeSymbol ? idnaForm(text, IDN2_TRANSITIONAL).form : std::move(strict.form);
 }
 

@@ -132,6 +132,7 @@ TEST(Url, AHostBeyondAsciiTakesItsIdnaForm) {
         {"//\uFF45x\uFF0Ecom/", "ex.com"},
         {"https://i\u2764\uFE0Ftacos.ws", "xn--itacos-i50d.ws"},
         {"https://\U0001F4A9.la", "xn--ls8h.la"},
+        {"https://\U0001FAE0.ws", "xn--129h.ws"},
         {"https://\u2764\u00DF.de", NO_URL},  // a symbol, but "ss" would be another name
         {"https://\u2764\u200D.de", NO_URL},
         {"https://\u05D0\u2764a/", NO_URL},  // as below, with a symbol
@@ -144,6 +145,7 @@ TEST(Url, AHostBeyondAsciiTakesItsIdnaForm) {
         {"https://a\u200Cb/", NO_URL},       // joiner where none belongs
         {"https://\u00E9%20.com/", NO_URL},
         {"https://\u00E9 .com/", NO_URL},
+        {"https://\u0378/", NO_URL},  // unassigned
     };
     for (const auto& [text, host] : cases) {
         const auto url = Url::parse(text);
