@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <mutex>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 #include "oska/json/json.h"
@@ -83,13 +84,23 @@ std::string faultOf(const Download& download, OskaService service, std::int64_t 
                                         : faultOfBundle<PelioBundle>(download);
 }
 
+/// What may be meant by a base URL without "://": the slashes at its end are gone. None without a host.
+std::optional<std::string> withScheme(std::string_view base) {
+    const std::string_view scheme = base.starts_with("https:") ? "https:" : "http:";
+    if (base.starts_with(scheme)) base.remove_prefix(scheme.size());
+    base.remove_prefix(std::min(base.find_first_not_of('/'), base.size()));
+    if (base.empty()) return std::nullopt;
+    return std::string(scheme).append("//").append(base);
+}
+
 /// A base URL that no request can be made of, which is told by itself: the request's own URL would be a
 /// riddle.
 std::optional<std::string> faultOfBaseUrl() {
     const auto base = OskaOnPremiseNetworkConstants::baseURL();
     if (base.find("://") == std::string::npos) {
-        return "the base URL " + inQuotes(base) + " has no scheme; " + inQuotes("http://" + base) +
-               " may be meant";
+        const auto meant = withScheme(base);
+        if (!meant) return "the base URL " + inQuotes(base) + " names no host";
+        return "the base URL " + inQuotes(base) + " has no scheme; " + inQuotes(*meant) + " may be meant";
     }
     if (!Url::parse(base)) return "the base URL " + inQuotes(base) + " is no URL";
     return std::nullopt;
