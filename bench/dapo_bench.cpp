@@ -86,7 +86,7 @@ private:
 
     std::unordered_map<std::string, DapoLevelWard> byName_;
     std::int64_t levelId_ = 0;
-    LevelMaps maps_;
+    LevelMapIndex maps_;
     std::deque<platform::ReceivedForce> window_;
 };
 

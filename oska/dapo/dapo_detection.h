@@ -10,7 +10,7 @@
 #include "oska/dapo/dapo_types.h"
 #include "oska/foundation/sample_window.h"
 #include "oska/resources/bundle.h"
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 
 namespace oska {
 
@@ -51,12 +51,12 @@ public:
     /// Replaces the wards that are known; of wards whose names normalise alike the last one counts. Samples
     /// that are buffered stay and count for the new wards.
     void indexDapoWards(const std::vector<DapoBuilding>& buildings);
-    void indexDapoMapImages(const std::vector<DapoBuilding>& buildings) { maps_ = LevelMaps(buildings); }
+    void indexDapoMapImages(const std::vector<DapoBuilding>& buildings) { maps_ = LevelMapIndex(buildings); }
     /// Knows no ward and no map any more.
     void clearIndexes();
 
     [[nodiscard]] bool isEmpty() const { return wards_.empty(); }
-    [[nodiscard]] const LevelMaps& maps() const { return maps_; }
+    [[nodiscard]] const LevelMapIndex& maps() const { return maps_; }
     /// The wards by normalised name, put together at each call.
     [[nodiscard]] std::map<std::string, IndexedDapoWard> indexedDapoWardsByName() const;
 
@@ -101,7 +101,7 @@ private:
     std::vector<Tally> tallies_;          // by ward
     std::uint64_t countsFrom_ = 0;
     std::vector<WardNames::Number> qualified_;
-    LevelMaps maps_;
+    LevelMapIndex maps_;
     SampleWindow bufferedRfds_{RFD_BUFFER_TIME_WINDOW * 1000};
 };
 

@@ -6,7 +6,7 @@
 namespace oska {
 namespace {
 
-DapoLevelInfo levelInfo(const DapoLevel& level, const LevelMaps& maps) {
+DapoLevelInfo levelInfo(const DapoLevel& level, const LevelMapIndex& maps) {
     DapoLevelInfo info{level.id, level.name, maps.find(level.id), {}};
     for (const auto& ward : level.wards) {
         const MapPoint inBundle{static_cast<double>(ward.x.value_or(0)),
@@ -31,7 +31,7 @@ std::vector<WardContents> wardContents(const DapoLevelWard& ward) {
     return contents;
 }
 
-DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMaps& maps) {
+DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMapIndex& maps) {
     DapoSectorDescription sector{{bundle.id, bundle.name, {}}, {}};
     for (const auto& building : bundle.buildings) {
         auto& info = sector.info.buildings.emplace_back(DapoBuildingInfo{building.id, building.name, {}});

@@ -4,7 +4,7 @@
 
 #include "oska/dapo/dapo_types.h"
 #include "oska/resources/bundle.h"
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 
 /// What hosts see of a Dapo bundle: pure functions of it. Threads: any.
 namespace oska {
@@ -21,6 +21,6 @@ struct DapoSectorDescription {
 };
 
 /// The sector as a tree, with each ward at its place on the map and `detected_rssi` 0.
-[[nodiscard]] DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMaps& maps);
+[[nodiscard]] DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMapIndex& maps);
 
 }  // namespace oska

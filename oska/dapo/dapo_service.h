@@ -38,7 +38,7 @@ public:
     void initialize(const Initialization& arguments);
     void startService();
     void stopService();
-    [[nodiscard]] const LevelMaps& maps() const { return detection_.maps(); }
+    [[nodiscard]] const LevelMapIndex& maps() const { return detection_.maps(); }
     [[nodiscard]] std::optional<DapoSectorInfo> sectorInfo() const;
     void configureFrame(const Placement& placement) { placement_.place(placement, id_); }
     [[nodiscard]] DapoPresentation& presentation() { return presentation_; }

@@ -9,7 +9,7 @@
 #include "oska/foundation/sample_window.h"
 #include "oska/pelio/pelio_types.h"
 #include "oska/resources/bundle.h"
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 
 namespace oska {
 
@@ -49,7 +49,7 @@ public:
     PelioWardSelection& operator=(const PelioWardSelection&) = delete;
 
     [[nodiscard]] std::size_t wardCount() const { return wards_.size(); }
-    [[nodiscard]] const LevelMaps& maps() const { return maps_; }
+    [[nodiscard]] const LevelMapIndex& maps() const { return maps_; }
 
     /// The ward to report for this sample, or none when nothing in the window qualifies; a ward that was
     /// reported before is kept in mind then. The pointer holds as long as the engine.
@@ -109,7 +109,7 @@ private:
     WardNames names_;
     std::vector<PelioWardNode> wards_;      // grouped by name, in bundle order within a group
     std::vector<std::size_t> firstOfName_;  // by name: where its group starts; one more entry for the end
-    LevelMaps maps_;
+    LevelMapIndex maps_;
     SampleWindow window_{RFD_BUFFER_TIME_WINDOW * 1000};
     std::optional<Current> current_;
 };

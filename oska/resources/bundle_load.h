@@ -10,7 +10,7 @@
 
 #include "oska/platform/main_queue.h"
 #include "oska/resources/bundle_shelf.h"
-#include "oska/resources/json_decoding.h"
+#include "oska/resources/logged_decoding.h"
 #include "oska/resources/resource_downloader.h"
 #include "oska/resources/resource_log.h"
 

@@ -6,7 +6,7 @@
 #include "oska/foundation/server_trust.h"
 #include "oska/platform/quenlo_resource.h"
 #include "oska/resources/bundle_load.h"
-#include "oska/resources/json_decoding.h"
+#include "oska/resources/logged_decoding.h"
 #include "oska/resources/resource_log.h"
 
 namespace oska {

@@ -173,7 +173,7 @@ TEST(DapoSector, IsTheBundleAsATreeWithPlacedWards) {
     auto bundle = siteOf({ward(1, " A"), ward(2, " a")});
     bundle.buildings.push_back({.id = 4, .name = "empty"});
     bundle.buildings[0].levels.push_back({.id = 5, .name = "bare", .map_image = {}});
-    const auto maps = LevelMaps(bundle.buildings);
+    const auto maps = LevelMapIndex(bundle.buildings);
     const auto [info, levelsWithoutMap] = describeSector(bundle, maps);
     EXPECT_TRUE(levelsWithoutMap.empty());
     ASSERT_EQ(info.buildings.size(), 2u);

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 
 namespace oska::tool {
 

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 #include "tools/oska/site/site.h"
 
 namespace oska::tool {

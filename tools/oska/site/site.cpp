@@ -30,7 +30,7 @@ std::int64_t orZero(std::optional<std::int64_t> coordinate) { return coordinate.
 
 template <class Ward>
 Site flattened(const Bundle<Ward>& bundle) {
-    const LevelMaps maps(bundle.buildings);
+    const LevelMapIndex maps(bundle.buildings);
     Site site{.sectorId = bundle.id, .name = bundle.name};
     for (const auto& building : bundle.buildings) {
         std::int64_t floor = 0;

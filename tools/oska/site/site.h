@@ -8,7 +8,7 @@
 
 #include "oska/foundation/network_constants.h"
 #include "oska/json/result.h"
-#include "oska/resources/level_maps.h"
+#include "oska/resources/level_map_index.h"
 
 namespace oska::tool {
 

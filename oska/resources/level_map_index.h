@@ -16,11 +16,11 @@ struct MapPoint {
 
 /// The map images of a site by level id; of levels that share an id the later one counts. A value, from a
 /// bundle of either kind.
-class LevelMaps {
+class LevelMapIndex {
 public:
-    LevelMaps() = default;
+    LevelMapIndex() = default;
     template <class Building>
-    explicit LevelMaps(const std::vector<Building>& buildings);
+    explicit LevelMapIndex(const std::vector<Building>& buildings);
 
     [[nodiscard]] const std::map<std::int64_t, LevelMap>& byLevelId() const { return byLevelId_; }
     [[nodiscard]] std::optional<LevelMap> find(std::int64_t levelId) const;
@@ -35,7 +35,7 @@ private:
 };
 
 template <class Building>
-LevelMaps::LevelMaps(const std::vector<Building>& buildings) {
+LevelMapIndex::LevelMapIndex(const std::vector<Building>& buildings) {
     for (const auto& building : buildings) {
         for (const auto& level : building.levels) {
             const auto& image = level.map_image;
