@@ -11,13 +11,23 @@
 #include "oska/json/record.h"
 #include "oska/json/result.h"
 
-/// JSON documents into records (see record.h) and back.
-/// Threads: any. Lifetime: what is decoded keeps nothing of its text; a text needs no padding and no
-/// terminator.
+/// JSON documents into values and back. This is the header that most callers include.
+///
+/// A value is a record (record.h) or any type that a record's field may have:
+///
+///     const auto door = json::decode<Door>(R"({"id": 7, "label": "north"})");
+///     if (!door) log(door.error().message());
+///     const auto text = json::encode(*door);
+///
+/// Threads: any. Lifetime: a decoded value refers to nothing in its text; a text needs neither padding nor a
+/// terminator. Errors: returned, never thrown, except that std::bad_alloc may pass.
 namespace oska::json {
 
-/// The value that the whole of `text` stands for, or where and why it stands for none; there are no partial
-/// results. Malformed JSON fails wherever it stands, also in values of keys that no record knows.
+/// Decodes the whole of `text`.
+///
+/// Returns the value, or an error that says where and why decoding failed. There are no partial results.
+/// JSON that is malformed anywhere makes decoding fail, also inside the value of a key that no record knows.
+/// `Value` must be default-constructible.
 template <class Value>
 Result<Value, DecodeError> decode(std::string_view text) {
     Reader reader(text);
@@ -26,9 +36,11 @@ Result<Value, DecodeError> decode(std::string_view text) {
     return reader.takeError();
 }
 
-/// Appends `value` as JSON, in one line, as the platform's encoder does by default: `/` is written `\/`,
-/// unless `slashes` (json_writer.h) says otherwise. On failure, which only NaN and infinities cause, `out` is
-/// as it was.
+/// Appends `value` to `out` as JSON, in one line without white space.
+///
+/// By default `/` is written `\/`, as the platform's encoder does; `slashes` can change that (json_writer.h).
+/// Returns nullopt on success. Fails only when the value holds NaN or an infinity; then `out` is as it was
+/// before.
 template <class Value>
 [[nodiscard]] std::optional<EncodeError> append(std::string& out, const Value& value,
                                                 Slashes slashes = Slashes::escaped) {
@@ -39,6 +51,7 @@ template <class Value>
     return writer.error();
 }
 
+/// Returns what `append` appends, or its error.
 template <class Value>
 Result<std::string, EncodeError> encode(const Value& value, Slashes slashes = Slashes::escaped) {
     std::string text;

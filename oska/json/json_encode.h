@@ -10,43 +10,45 @@
 #include "oska/json/json_writer.h"
 #include "oska/json/record.h"
 
-/// How each type that a document can hold is written. A record is an object of its fields in their order,
-/// without those that are none. There is no white space.
+/// How each type that a document can hold is written: one `write` function for each.
+///
+/// Most callers want encode() of json.h. Include this header to write a value into a Writer of your own.
+///
+/// Each function appends the value to the writer's text, without white space. It returns false when the value
+/// holds NaN or an infinity; Writer::error() then says where, and the text is incomplete. The functions find
+/// each other by their argument of type Writer, so their order here does not matter.
 namespace oska::json {
 
+/// `true` or `false`.
 inline bool write(Writer& writer, bool value) {
     writer.text() += value ? "true" : "false";
     return true;
 }
 
+/// All digits, also of integers that no double can hold.
 inline bool write(Writer& writer, std::int64_t value) {
     appendInteger(writer.text(), value);
     return true;
 }
 
+/// The shortest digits that read back as the same double (see appendReal).
 inline bool write(Writer& writer, double value) { return writer.writeReal(value); }
 
+/// A JSON string (see appendText).
 inline bool write(Writer& writer, const std::string& value) {
     writer.writeText(value);
     return true;
 }
 
+/// A value that documents hold as text: what its JsonText prints, as a JSON string.
 template <TextValue Value>
 bool write(Writer& writer, const Value& value) {
     writer.writeText(JsonText<Value>::print(value));
     return true;
 }
 
-template <class Value>
-bool write(Writer& writer, const std::optional<Value>& value);
-template <class Value>
-bool write(Writer& writer, const std::vector<Value>& values);
-template <class Value, class Order>
-bool write(Writer& writer, const std::map<std::string, Value, Order>& values);
-template <Record Value>
-bool write(Writer& writer, const Value& record);
-
-/// What an optional that is no field of a record becomes.
+/// The value, or `null`. Only for an optional inside an array or a map: as a field of a record, an optional
+/// without a value is left out together with its key.
 template <class Value>
 bool write(Writer& writer, const std::optional<Value>& value) {
     if (value) return write(writer, *value);
@@ -54,6 +56,7 @@ bool write(Writer& writer, const std::optional<Value>& value) {
     return true;
 }
 
+/// An array. An error inside it names the element's index, counted from 0.
 template <class Value>
 bool write(Writer& writer, const std::vector<Value>& values) {
     writer.text() += '[';
@@ -65,11 +68,14 @@ bool write(Writer& writer, const std::vector<Value>& values) {
     return true;
 }
 
-/// The members of one object, separated.
+/// Writes one JSON object, member by member. The constructor writes `{`; the caller must call end() last.
 class ObjectWriter {
 public:
+    /// `writer` must outlive the object.
     explicit ObjectWriter(Writer& writer) : writer_(writer) { writer_.text() += '{'; }
 
+    /// Writes `"key":value`, after a comma when it is not the first. Keys are not checked for repetition.
+    /// Returns false when the value could not be written; the error's path then begins with `key`.
     template <class Value>
     bool member(std::string_view key, const Value& value) {
         if (!isFirst_) writer_.text() += ',';
@@ -79,6 +85,7 @@ public:
         return write(writer_, value) || writer_.failedIn(key);
     }
 
+    /// Writes `}`.
     void end() { writer_.text() += '}'; }
 
 private:
@@ -86,6 +93,7 @@ private:
     bool isFirst_ = true;
 };
 
+/// An object with the entries in the map's order.
 template <class Value, class Order>
 bool write(Writer& writer, const std::map<std::string, Value, Order>& values) {
     ObjectWriter object(writer);
@@ -96,10 +104,14 @@ bool write(Writer& writer, const std::map<std::string, Value, Order>& values) {
     return true;
 }
 
+/// Visitor for visitFields(): writes each field as a member of one object.
 struct FieldsToObject {
+    /// Must outlive the visitor.
     ObjectWriter& object;
+    /// False from the first field on that could not be written.
     bool isWritten = true;
 
+    /// Leaves out an optional without a value. Writes nothing more after a failure.
     template <class Member>
     void operator()(std::string_view name, const Member& member) {
         if constexpr (IS_OPTIONAL<Member>) {
@@ -110,6 +122,7 @@ struct FieldsToObject {
     }
 };
 
+/// A record: an object with its fields in the order of its `fields` function.
 template <Record Value>
 bool write(Writer& writer, const Value& record) {
     ObjectWriter object(writer);

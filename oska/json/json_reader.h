@@ -15,15 +15,17 @@ namespace oska::json {
 class TokenIndex;
 enum class NumberReading;
 
-/// Goes through one JSON document from front to back, strictly by RFC 8259: the text must be UTF-8 (one byte
-/// order mark is skipped), and what the caller skips is checked like what it reads. At most 512 arrays and
-/// objects are nested.
+/// Reads one JSON document from front to back, strictly by RFC 8259.
 ///
-/// Most callers want decode() of json.h; a record is read through json_decode.h.
+/// Most callers want decode() of json.h; records are read through json_decode.h.
 ///
-/// A call that answers true has consumed what it names. One that answers false has either found something
-/// else, where that is said below, or has failed: the reader then keeps the first error, and all later calls
-/// answer false.
+/// The text must be UTF-8; one byte order mark at the start is skipped. At most 512 arrays and objects may be
+/// nested. What the caller skips is checked as strictly as what it reads.
+///
+/// All operations return bool. True: the operation has consumed what its name says. False: the document holds
+/// something else, and the reader has failed, except where an operation below says that false can also mean
+/// something harmless. A failed reader keeps its first error, and every later call returns false; so a caller
+/// may check once, after several calls.
 ///
 /// Threads: one at a time. Lifetime: the text must outlive the reader.
 class Reader {
@@ -33,61 +35,70 @@ public:
     Reader(const Reader&) = delete;
     Reader& operator=(const Reader&) = delete;
 
-    /// After true: nextKey or takeKey, each followed by the value, until nextKey answers false without a
-    /// failure.
+    /// Enters an object. After true, call nextKey() or takeKey(), then read or skip the value, and so on
+    /// until nextKey() returns false.
     bool beginObject();
 
-    /// The next key, unescaped and valid until the next call; false also at the end of the object.
+    /// Moves to the next member and stores its key, unescaped, in `key`. The key is valid until the next
+    /// call. Also returns false at the end of the object, which it then leaves: check failed().
     bool nextKey(std::string_view& key);
 
-    /// Whether the next key is `name`, which holds nothing that JSON escapes; false, with nothing consumed,
-    /// when something else or an escaped spelling comes next. The quick way through an object whose order is
-    /// known.
+    /// Moves to the next member if its key is `name`. Otherwise returns false and consumes nothing: also when
+    /// the key is spelled with an escape. Never fails. Faster than nextKey() for a key that can be foreseen.
+    /// REQUIRES: `name` has no character that JSON escapes.
     bool takeKey(std::string_view name);
 
-    /// After true: nextElement, followed by the element, until it answers false without a failure.
+    /// Enters an array. After true, call nextElement(), then read or skip the element, and so on until it
+    /// returns false.
     bool beginArray();
 
-    /// False also at the end of the array.
+    /// Moves to the next element. Also returns false at the end of the array, which it then leaves.
     bool nextElement();
 
-    /// A number with an integral value within 64 bits, however it is spelt; never rounded.
+    /// Reads a number whose value is an integer of 64 bits, however it is spelled (7, 7.0, 70e-1). Never
+    /// rounds.
     bool readInteger(std::int64_t& value);
 
-    /// Any number that a double can hold; one too small for it is zero.
+    /// Reads any number that a double can hold, as the nearest double. A number too close to zero is zero.
     bool readReal(double& value);
+
+    /// Reads `true` or `false`.
     bool readBoolean(bool& value);
+
+    /// Reads a string and unescapes it. `expected` is what the error says was expected here.
     bool readText(std::string& value, std::string_view expected = "text");
 
-    /// False, with nothing consumed, at anything but null.
+    /// Consumes `null`. At anything else returns false and consumes nothing. Never fails.
     bool takeNull();
 
-    /// Consumes one value of any kind.
+    /// Consumes one value of any type, with all that is in it.
     bool skipValue();
 
-    /// Consumes the value of the key that nextKey answered last; an error in there is told with its key.
+    /// Consumes the value of the key that nextKey() returned last. The path of an error in it has that key.
     bool skipMember();
 
-    /// That nothing follows the value that was read.
+    /// Checks that only white space follows the value that was read. Call it last.
     bool finish();
 
-    /// Where the next token begins, in bytes, for missingKey().
+    /// Where the next token begins, in bytes from the start of the text; for missingKey().
     [[nodiscard]] std::size_t offset() const;
 
+    /// Whether an operation has failed.
     [[nodiscard]] bool failed() const { return error_.has_value(); }
 
-    /// REQUIRES: failed().
+    /// The first error. REQUIRES: failed(). Call it once.
     [[nodiscard]] DecodeError takeError() { return *std::move(error_); }
 
-    // For readers of records. All answer false, so that they can be returned.
+    // For readers of records. All return false, so that a caller can return the result directly.
 
-    /// Fails because the text read last is not what was expected.
+    /// Fails because the text that was read last is not what was expected.
     bool rejectText(std::string_view expected);
 
-    /// Fails because the object that began at `objectOffset` has no `key`.
+    /// Fails because the object that began at `objectOffset` has no member `key`.
     bool missingKey(std::string_view key, std::size_t objectOffset);
 
-    /// Say, from the inside out, where in the document the failure lies.
+    /// Adds one step to the front of the error's path while a failed call returns through its callers: a key,
+    /// or the index of an element, counted from 0.
     bool failedIn(std::string_view key);
     bool failedIn(std::size_t element);
 
@@ -119,18 +130,18 @@ private:
 
     std::string_view text_;
     std::unique_ptr<TokenIndex> index_;
-    const char* stretch_ = nullptr;         // the part of the text that is indexed
-    const std::uint32_t* token_ = nullptr;  // the next one, counted from there
-    const std::uint32_t* end_ = nullptr;
+    const char* stretch_ = nullptr;         // the part of the text that is indexed at present
+    const std::uint32_t* token_ = nullptr;  // the next token: its offset from `stretch_`
+    const std::uint32_t* end_ = nullptr;    // behind the last token of the stretch
     std::size_t depth_ = 0;
-    bool isFirst_ = false;         // no comma before the next item: its bracket has just been opened
-    std::string_view escapedKey_;  // the last one, as the text has it
+    bool isFirst_ = false;         // the next item is the first of its array or object: no comma before it
+    std::string_view escapedKey_;  // the last key, as the document spells it
     std::string unescapedKey_;
     std::optional<DecodeError> error_;
-    bool hasPath_ = true;  // whether the error lies where the reading has come to
+    bool hasPath_ = true;  // whether the error lies at the value being read, so that its path is known
 };
 
-// Here so that the compiler sees the name: comparing with a constant takes no call.
+// Defined here so that the compiler sees `name`: comparing with a constant then needs no call.
 inline bool Reader::takeKey(std::string_view name) {
     const int comma = isFirst_ ? 0 : 1;
     if (end_ - token_ < 3 || (comma == 1 && stretch_[*token_] != ',')) return false;

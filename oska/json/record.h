@@ -6,13 +6,13 @@
 #include <string_view>
 #include <type_traits>
 
-/// What a record is: a plain struct that names its fields once, in the order of its document, by a function
-/// beside it.
+/// Records: plain structs that list their fields once, in a function `fields` beside them, in the order in
+/// which a document holds them.
 ///
 ///     struct Door {
 ///         static constexpr std::string_view TYPE_NAME = "Door";
 ///         std::int64_t id = 0;
-///         std::optional<std::string> label;  // not required: absent and null mean none
+///         std::optional<std::string> label;  // may be missing or null
 ///     };
 ///     template <class Visit>
 ///     void fields(Visit& f, Door& door) {
@@ -20,23 +20,27 @@
 ///         f("label", door.label);
 ///     }
 ///
-/// Decoding, encoding (json.h) and textual description (description.h) are each written once over that
-/// function. Field types: std::int64_t, double, bool, std::string, records, types with a JsonText, and
-/// std::optional, std::vector and std::map<std::string, ...> of these. A record has at most 64 fields and can
-/// be default-constructed.
+/// Decoding and encoding (json.h), equality (record_equality.h) and description (description.h) are each
+/// written once, over that function.
+///
+/// Field types: std::int64_t, double, bool, std::string, records, types with a JsonText, and std::optional,
+/// std::vector and std::map<std::string, ...> of these. A record has at most 64 fields and can be
+/// default-constructed. Only a description needs TYPE_NAME.
 namespace oska {
 
-/// For a value that a document holds as text, such as a URL. To be specialised:
+/// How a type that a document holds as text, such as a URL, is parsed and printed. Specialise it for such a
+/// type:
 ///
 ///     template <>
 ///     struct JsonText<Url> {
 ///         static constexpr std::string_view EXPECTED = "a URL";       // for "expected a URL, found 5"
-///         static std::optional<Url> parse(std::string_view text);     // none: the text is no such value
+///         static std::optional<Url> parse(std::string_view text);     // nullopt: the text is no such value
 ///         static std::string print(const Url& url);                   // or std::string_view
 ///     };
 template <class Value>
 struct JsonText;
 
+/// A type with a JsonText.
 template <class Value>
 concept TextValue = requires(const Value& value, std::string_view text) {
     { JsonText<Value>::EXPECTED } -> std::convertible_to<std::string_view>;
@@ -44,25 +48,29 @@ concept TextValue = requires(const Value& value, std::string_view text) {
     { JsonText<Value>::print(value) } -> std::convertible_to<std::string_view>;
 };
 
+/// Stands for any visitor in the concept below. Not to be called.
 struct AnyVisitor {
     template <class Member>
     void operator()(std::string_view name, Member& member);
 };
 
+/// A type with a function `fields(visit, record)` that calls `visit(name, member)` for each field.
 template <class Value>
 concept Record = requires(AnyVisitor& visit, Value& record) {
     fields(visit, record);
 };
 
+/// Whether a field's type is a std::optional: then its key may be missing.
 template <class Member>
 inline constexpr bool IS_OPTIONAL = false;
 template <class Value>
 inline constexpr bool IS_OPTIONAL<std::optional<Value>> = true;
 
-/// Visits a record that must not change: `visit` takes the members as const references.
+/// Calls `visit(name, member)` for each field of a record that must not change, in order. `visit` must take
+/// the members as const references.
 template <class Visit, Record Value>
 void visitFields(Visit& visit, const Value& record) {
-    // So that a record writes its list of fields once, for reading and for writing.
+    // The cast lets a record write one `fields` function for both reading and writing.
     fields(visit, const_cast<Value&>(record));
 }
 

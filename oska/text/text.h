@@ -6,14 +6,17 @@
 #include <string_view>
 #include <vector>
 
-/// What the kit asks of Unicode: trimming, lower case, and equality and order that do not depend on how an
-/// accent was typed. All text is UTF-8; no result depends on a locale.
+/// Unicode: decoding, trimming, lower case, and equality and order that do not depend on how an accent was
+/// typed. All text is UTF-8. No result depends on a locale.
 ///
-/// Threads: any. Cost: linear in the text; plain ASCII never reaches a table.
-/// Errors: none. Bytes that are no UTF-8 stay as they are and count as nothing but themselves.
+/// Threads: any. Cost: linear in the text; ASCII text is handled without table look-ups.
+/// Errors: none. Bytes that are not well-formed UTF-8 stay as they are and equal only themselves.
 namespace oska::text {
 
+/// Whether all bytes are below 0x80. True for the empty text.
 [[nodiscard]] bool isAscii(std::string_view text);
+
+/// Whether the whole text is well-formed UTF-8. True for the empty text.
 [[nodiscard]] bool isUtf8(std::string_view text);
 
 /// What a text begins with.
@@ -29,28 +32,29 @@ struct Scalar {
 /// Appends `scalar` as UTF-8. REQUIRES: a Unicode scalar, thus no surrogate.
 void appendScalar(std::string& text, std::int32_t scalar);
 
-/// The part of `text` between its white space and line breaks: general category Z, U+000A to U+000D and
-/// U+0085, taken off scalar by scalar. A tab (U+0009) is neither and stays.
+/// `text` without the white space and line breaks at its two ends: general category Z, U+000A to U+000D and
+/// U+0085. A tab (U+0009) is not among them and stays. The result is a part of `text` and lives as long.
 [[nodiscard]] std::string_view trimmed(std::string_view text);
 
-/// Unicode's full default lower case: U+0130 becomes two scalars, and a capital sigma that ends a word the
-/// final one.
+/// Unicode's full default lower case. U+0130 becomes two scalars; a capital sigma at the end of a word
+/// becomes the final sigma.
 [[nodiscard]] std::string lowercased(std::string_view text);
-/// The same, appended to `lower`.
+/// Appends what lowercased() returns to `lower`.
 void appendLowercased(std::string& lower, std::string_view text);
 
-/// The canonical composed form (NFC). A text that is not UTF-8 throughout is its own form.
+/// The canonical composed form (NFC). A text that is not well-formed UTF-8 throughout is returned unchanged.
 [[nodiscard]] std::string composed(std::string_view text);
-/// The same, appended to `composed`. What `scalars` holds is lost; a caller that keeps both saves
-/// allocations.
+/// Appends what composed() returns to `composed`. `scalars` is working memory, and its content is
+/// overwritten; a caller that keeps both objects for the next call saves allocations.
 void appendComposed(std::string& composed, std::string_view text, std::vector<std::int32_t>& scalars);
 
-/// Whether both texts have one composed form. Compatibility forms (U+FB01 and "fi") differ.
+/// Whether both texts have the same composed form. Compatibility forms (U+FB01 and "fi") differ.
 [[nodiscard]] bool canonicallyEqual(std::string_view a, std::string_view b);
 
-/// Orders texts by the scalars of their composed forms; two texts are equivalent exactly when
-/// `canonicallyEqual`.
+/// Order for std::map and std::set: by the scalars of the composed forms. Two texts are equivalent in this
+/// order exactly when canonicallyEqual() says so.
 struct CanonicalLess {
+    /// Lets a container look up a std::string_view without making a std::string.
     using is_transparent = void;
     [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const;
 };

@@ -9,11 +9,18 @@
 
 namespace oska {
 
-/// A URL as a field of a record: in documents it is its absolute string.
+/// Lets a Url be a field of a record (record.h). In a document it is a string, the URL's absolute string.
+/// Include this header where such a record is decoded, encoded, compared or described.
+///
+/// Decoding parses with Url::parse: a text with characters that have to be encoded is accepted, and encoding
+/// then writes it in its encoded form. Threads: any.
 template <>
 struct JsonText<Url> {
+    /// What a decoding error says was expected.
     static constexpr std::string_view EXPECTED = "a URL";
+    /// Nullopt when `text` is no URL; decoding then fails.
     static std::optional<Url> parse(std::string_view text) { return Url::parse(text); }
+    /// Valid as long as `url`.
     static std::string_view print(const Url& url) { return url.absoluteString(); }
 };
 

@@ -9,18 +9,22 @@
 
 namespace oska::views {
 
-/// An image as a file holds it, so that each toolkit decodes it by its own means. A value that nobody
-/// changes.
+/// An image as a file holds it. The kit does not decode it; each toolkit does so by its own means. Images are
+/// shared as `std::shared_ptr<const Image>` and not changed once they are shared.
 struct Image {
-    std::string encoded;  ///< the file's bytes, in any format that the toolkit reads
-    Size size;            ///< in pixels
+    /// The file's bytes, in any format that the toolkit reads.
+    std::string encoded = {};
+    /// In pixels, not in points. Only its proportions matter for the layout.
+    Size size = {};
 };
 
-/// An image from the bytes of a PNG file, whose size is read from its header; none when they are no PNG.
+/// An image from the bytes of a PNG file. The size is read from the file's header; what follows the header is
+/// not checked. Nullopt when the bytes do not begin with the header of a PNG file.
 [[nodiscard]] std::optional<Image> pngImage(std::string bytes);
 
-/// One of the images compiled into the kit, so that a host ships no file for it: "ic_dapo". Null for any
-/// other name. Threads: any.
+/// One of the images that are compiled into the kit, so that a host need not ship a file for it. The only
+/// name is "ic_dapo"; null for any other. Each call returns the same object, which is never destroyed.
+/// Threads: any.
 [[nodiscard]] std::shared_ptr<const Image> imageNamed(std::string_view name);
 
 }  // namespace oska::views

@@ -7,17 +7,22 @@
 
 namespace oska::views {
 
-/// Shows an image as large as its proportions allow, in the middle of the view. Closed to interaction from
-/// the start.
+/// A view that shows an image, centred and as large as the view and the image's proportions allow.
+///
+/// User interaction is off at first: a tap goes to the view below. Threads: main thread. Lifetime: as View.
 class ImageView : public View {
 public:
+    /// A view without an image, with an empty frame.
     [[nodiscard]] static std::shared_ptr<ImageView> create();
 
+    /// The image that is shown, or null.
     [[nodiscard]] std::shared_ptr<const Image> image() const override { return image_; }
-    /// Null shows nothing.
+
+    /// Shows `image` from now on; null shows nothing. The view's peer is told also when it is the same image.
     void setImage(std::shared_ptr<const Image> image);
 
-    /// Where the image is drawn, in the view's own points; empty without one.
+    /// Where the image is drawn, in points from the view's own upper left corner. Empty, in the middle of the
+    /// view, without an image.
     [[nodiscard]] Rect imageFrame() const;
 
 private:

@@ -12,83 +12,122 @@ namespace oska::views {
 
 class LayoutConstraint;
 
-/// Runs its action at each tap on the views that it was added to. Threads: main thread.
+/// Runs an action at each tap on the views that it was added to. Threads: main thread. Lifetime: shared by
+/// those views; the action is kept as long.
 class TapGestureRecognizer {
 public:
+    /// `action` must not be empty.
     explicit TapGestureRecognizer(std::function<void()> action) : action_(std::move(action)) {}
+
+    /// Runs the action now.
     void recognize() const { action_(); }
 
 private:
     std::function<void()> action_;
 };
 
-/// A rectangle on the screen, in a tree: what a view shows lies over its superview and over the subviews that
-/// were added to it before.
+/// A rectangle on the screen, and the views in it. A view covers its superview, and those of the superview's
+/// subviews that were added before it.
 ///
-/// A frame is as it was set, unless edges of the view are pinned (see LayoutConstraint): those follow the
-/// superview at its next layout, which a change of the superview's size does at once. Threads: main thread;
-/// the last reference, too. Lifetime: a view owns its subviews and knows its superview weakly.
+/// A frame stays as it was set, unless edges of the view are pinned (see LayoutConstraint). Pinned edges
+/// follow the superview at its next layout; changing the superview's size lays it out at once.
+///
+/// Threads: main thread only, also for the release of the last reference. Lifetime: a view owns its subviews
+/// and holds its superview weakly. Errors: misuse ends the program with one line.
 class View : public std::enable_shared_from_this<View> {
 public:
+    /// A view without a superview. `frame` is in points.
     [[nodiscard]] static std::shared_ptr<View> create(const Rect& frame = {});
 
     virtual ~View();
     View(const View&) = delete;
     View& operator=(const View&) = delete;
 
-    /// Null when there is none.
+    // ---- the tree
+
+    /// The view that this one is in, or null.
     [[nodiscard]] std::shared_ptr<View> superview() const { return superview_.lock(); }
-    /// The topmost last.
+
+    /// The views directly in this one, the topmost last.
     [[nodiscard]] const std::vector<std::shared_ptr<View>>& subviews() const { return subviews_; }
-    /// Puts `view` on top of the subviews, from wherever it was before. Adding a view to itself or to a view
-    /// below it is a programming error.
+
+    /// Puts `view` on top of the subviews and removes it from where it was before. It is a programming error
+    /// to add null, the view itself, or a view that contains this one.
     void addSubview(std::shared_ptr<View> view);
-    /// Whether `other` is this view or one around it.
+
+    /// Whether `other` is this view or contains it, directly or indirectly.
     [[nodiscard]] bool isAtOrBelow(const View& other) const;
-    /// The view's pins end. Nothing happens without a superview.
+
+    /// Takes the view out of its superview and ends its constraints. Without a superview nothing happens.
     void removeFromSuperview();
 
-    [[nodiscard]] const Rect& frame() const { return frame_; }  ///< in the superview's points
-    [[nodiscard]] Rect bounds() const { return {0, 0, frame_.width, frame_.height}; }  ///< in its own
+    // ---- geometry and look
+
+    /// Place and size, in the superview's points.
+    [[nodiscard]] const Rect& frame() const { return frame_; }
+
+    /// The same rectangle in the view's own points: its corner is (0, 0).
+    [[nodiscard]] Rect bounds() const { return {0, 0, frame_.width, frame_.height}; }
+
+    /// Moves and resizes the view. A new size lays out the subviews before the call returns.
     void setFrame(const Rect& frame);
 
-    /// Whether the view and everything in it is invisible.
+    /// Whether the view, with all views in it, is invisible. At first it is not.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
     void setHidden(bool isHidden);
-    /// From 0, invisible, to 1; numbers beyond count as these.
+
+    /// Opacity from 0 (invisible) to 1, the value at first. A number outside that range is set to its nearer
+    /// end.
     [[nodiscard]] double alpha() const { return alpha_; }
     void setAlpha(double alpha);
-    /// What the view shows of its own: null but for an ImageView with an image.
+
+    /// The image that the view itself shows; null unless it is an ImageView with an image.
     [[nodiscard]] virtual std::shared_ptr<const Image> image() const { return nullptr; }
-    /// Whether subviews are cut off at the view's edges.
+
+    /// Whether subviews are cut off at the view's edges. At first they are not.
     [[nodiscard]] bool clipsToBounds() const { return clipsToBounds_; }
     void setClipsToBounds(bool clipsToBounds);
 
-    /// Whether taps reach the view and everything in it.
+    // ---- taps
+
+    /// Whether taps can reach the view and the views in it. At first they can.
     [[nodiscard]] bool isUserInteractionEnabled() const { return isUserInteractionEnabled_; }
     void setUserInteractionEnabled(bool isEnabled);
-    /// Whether taps find this view, unless one around it keeps them away: it is neither hidden nor nearly
-    /// transparent nor closed to interaction.
+
+    /// Whether this view itself lets taps through to it: interaction is enabled, it is not hidden, and its
+    /// alpha is at least 0.01. The views that contain it are not looked at.
     [[nodiscard]] bool canBeTapped() const;
-    /// One that is already there is not added again.
+
+    /// Adds a recogniser. One that the view already has is not added again.
     void addGestureRecognizer(const std::shared_ptr<TapGestureRecognizer>& recognizer);
-    /// The topmost view at `point`, in this view's points, that a tap can reach: it and all views around it
-    /// can be tapped. Null when there is none.
+
+    /// The view that a tap at `point`, in this view's points, reaches: the topmost one there that can be
+    /// tapped together with all views between it and this one. Null when there is none.
     [[nodiscard]] std::shared_ptr<View> hitTest(ViewPoint point);
-    /// A tap at `point`, in this view's points. False when nothing heard it.
+
+    /// Handles a tap at `point`, in this view's points. Returns whether a recogniser ran.
     bool tapAt(ViewPoint point);
-    /// A tap on this view: heard by its recognisers or, when it has none, by those of the nearest view around
-    /// it that has some. False when nothing heard it.
+
+    /// Handles a tap on this view: runs its recognisers or, when it has none, those of the nearest view that
+    /// contains it and has some. Returns whether a recogniser ran. An action may change or release the views.
     bool handleTap();
 
-    /// Asks for the subviews' pinned edges to be put in place at the next `layoutIfNeeded`.
+    // ---- layout
+
+    /// Marks the subviews' pinned edges to be moved into place by the next layoutIfNeeded().
     void setNeedsLayout() { needsLayout_ = true; }
-    /// Does so now, for this view and all below it.
+
+    /// Moves pinned edges into place, in every view from this one down that is marked.
     void layoutIfNeeded();
 
-    /// How a toolkit comes to show a tree: it gives the top view a peer, and views below get theirs from the
-    /// installed platform, now and when they are added.
+    // ---- showing
+
+    /// Makes a toolkit show this view and the views in it. The toolkit gives the topmost view its peer; the
+    /// views below get theirs from the installed platform's `makeViewPeer`, now and when they are added. Null
+    /// takes the peer away.
     void setPeer(std::unique_ptr<platform::ViewPeer> peer);
+
+    /// The peer, owned by the view, or null.
     [[nodiscard]] platform::ViewPeer* peer() const { return peer_.get(); }
 
 protected:
@@ -115,18 +154,27 @@ private:
     std::unique_ptr<platform::ViewPeer> peer_;  // last: destroyed first
 };
 
-/// Keeps one edge of a view on the same edge of its superview while it is active; leading is left. An edge
-/// that is not pinned moves with its opposite one, and two pinned edges stretch the view between them. An
-/// active constraint needs no owner. It ends when the view leaves its superview.
+/// Keeps one edge of a view on the same edge of its superview while it is active.
+///
+/// When only one of two opposite edges is pinned, the view keeps its size and moves; when both are pinned, it
+/// is stretched between them. A constraint takes effect at the superview's next layout.
+///
+/// Threads: main thread. Lifetime: an active constraint is owned by its view, so the caller need not keep it.
+/// It becomes inactive when the view leaves its superview.
 class LayoutConstraint : public std::enable_shared_from_this<LayoutConstraint> {
 public:
+    /// Leading is the left edge, trailing the right one.
     enum class Edge { top, bottom, leading, trailing };
 
-    /// Not active yet.
+    /// A constraint that is not active yet. It holds `view` weakly.
     [[nodiscard]] static std::shared_ptr<LayoutConstraint> pin(const std::shared_ptr<View>& view, Edge edge);
 
     [[nodiscard]] bool isActive() const { return isActive_; }
+
+    /// Switches the constraint on or off. On a view without a superview this is a programming error, unless
+    /// it changes nothing; after the view is gone nothing happens.
     void setActive(bool isActive);
+
     [[nodiscard]] Edge edge() const { return edge_; }
 
 private:
