@@ -1,7 +1,8 @@
-// Decoding a large bundle file into records. Each figure is taken in a child process of its own, because the
-// state of the heap decides as much as the decoder: "mapped" is a process whose heap has its pages already,
-// "fresh" one that gets them from the system while it decodes. The yardstick, a general JSON library filling
-// the same records in the same kind of process, makes the figures comparable between machines.
+// Measures decoding and encoding, above all decoding a large bundle file into records. Each large measurement
+// runs in a new child process, because the state of the heap matters as much as the decoder: in a "mapped"
+// process the heap already has its pages, in a "fresh" one it gets them from the system while decoding. A
+// general JSON library, the yardstick, fills the same records in the same kind of process; the ratio of the
+// two can be compared between machines.
 
 #include <benchmark/benchmark.h>
 #include <malloc.h>
@@ -59,8 +60,7 @@ DapoLevel levelOf(std::int64_t id) {
     return level;
 }
 
-// Level by level, so that no great heap of freed records is left behind for the measured processes to
-// inherit.
+// Encodes level by level, so that the measured processes do not inherit a large heap of freed records.
 void appendBuilding(std::string& text, std::int64_t id) {
     text += R"({"id":)" + number(id) + R"(,"name":"Building","levels":[)";
     for (std::int64_t i = 0; i < LEVELS; ++i) {
@@ -83,7 +83,7 @@ const std::string& document() {
     return DOCUMENT;
 }
 
-// --- the yardstick: the same records, filled by way of its document tree ---
+// --- the yardstick: the same records, filled from its document tree ---
 
 template <class Value>
 void readYardstick(const nlohmann::json& from, Value& value);
@@ -118,7 +118,7 @@ void readYardstick(const nlohmann::json& from, Value& value) {
     }
 }
 
-// Processor time, page faults included: it does not count what other programs take meanwhile.
+// Measures processor time, page faults included. Time that other programs use is not counted.
 class Stopwatch {
 public:
     [[nodiscard]] double seconds() const {
@@ -129,7 +129,7 @@ private:
     std::clock_t begin_ = std::clock();
 };
 
-// --- what is measured, without the time to destroy the results; each answers seconds ---
+// --- what is measured, without destroying the results; each function returns seconds ---
 
 void require(bool holds) {
     if (!holds) std::abort();
@@ -168,7 +168,7 @@ using Work = double (*)();
 
 enum class Heap { fresh, mapped };
 
-// Takes all memory from the heap, never gives any back, and has the system provide it beforehand.
+// Makes the heap keep all its memory, and makes the system provide that memory now.
 void mapHeap() {
     constexpr std::size_t PLENTY = 800'000'000;
     mallopt(M_MMAP_MAX, 0);
@@ -183,8 +183,8 @@ double secondsInThisProcess(Work work, Heap heap) {
     } else {
         malloc_trim(0);
     }
-    // A document that has just arrived has been touched by its own process; an inherited page costs its first
-    // reader time.
+    // Touches every page of the document: an inherited page costs extra time when it is read first, and a
+    // document that has just been received has no such pages.
     benchmark::DoNotOptimize(std::count(document().begin(), document().end(), '{'));
     return work();
 }
@@ -206,7 +206,7 @@ double secondsInChild(Work work, Heap heap) {
     return seconds;
 }
 
-// The yardstick is measured in turns with the decoder, so that a slow spell of the machine hits both.
+// Decoder and yardstick are measured in turns, so that a slow phase of the machine affects both.
 void decodeLargeBundle(benchmark::State& state, Work work, Heap heap) {
     double best = 1e9;
     double bestOfYardstick = 1e9;

@@ -1,6 +1,6 @@
-// What a sample costs Pelio's engine, against the plain way of following the rule: keep the samples as they
-// come, and on each new one normalise and look up every name of the window. Both pick the same wards, which
-// is checked.
+// Measures the time that Pelio's engine needs for a sample. It is compared with a plain implementation of the
+// same rule, which keeps the samples as they come and, for each new sample, normalises and looks up every
+// name of the window. The benchmark ends the program when the two results differ.
 
 #include <benchmark/benchmark.h>
 
@@ -34,7 +34,7 @@ public:
             byName_[normalizeWardName(ward.name)] = ward;
     }
 
-    /// The id of the ward that is strongest in the window, or -1.
+    /// The id of the strongest ward in the window; -1 when there is none.
     std::int64_t handle(platform::ReceivedForce sample) {
         const auto now = sample.mobile_time;
         window_.push_back(std::move(sample));
@@ -65,7 +65,7 @@ private:
     std::deque<platform::ReceivedForce> window_;
 };
 
-void requireEqualAnswers(const PelioBundle& bundle, const std::vector<platform::ReceivedForce>& stream) {
+void requireEqualResults(const PelioBundle& bundle, const std::vector<platform::ReceivedForce>& stream) {
     PelioWardSelection kit(bundle);
     Plain plain(bundle);
     std::int64_t reported = -1;
@@ -85,7 +85,7 @@ void pelioHandleRfd(benchmark::State& state) {
     const Load load{static_cast<int>(state.range(0)), static_cast<int>(state.range(1))};
     const auto bundle = site(WARDS, -95);
     const auto stream = sampleStream(load, WINDOW, SAMPLES_BEFORE + SAMPLES_MEASURED);
-    requireEqualAnswers(bundle, stream);
+    requireEqualResults(bundle, stream);
     compare<PelioWardSelection, Plain>(state, bundle, stream);
 }
 

@@ -11,7 +11,7 @@ trap 'rm -rf "$work"' EXIT
 walk=../examples/corner_shop/walk.jsonl
 repeat=2000
 
-# The walk again and again, each time later than before.
+# The walk, repeated; each round begins later than the one before.
 awk -v repeat=$repeat '
     { gsub(/^{"mobile_time": */, ""); split($0, part, ","); times[NR] = part[1]; rest[NR] = substr($0, length(part[1]) + 1) }
     END {

@@ -8,14 +8,15 @@
 
 #include "oska/platform/quenlo_common.h"
 
-/// What a sample costs an engine, beside what it costs a plain one of the same run.
+/// Measures the time that an engine needs for one sample.
 namespace oska::bench {
 
 constexpr int SAMPLES_MEASURED = 200;
-constexpr int SAMPLES_BEFORE = 400;  // a minute or two: by then a phone has heard the names around it
+constexpr int SAMPLES_BEFORE = 400;  // one or two minutes: by then a phone has heard the names around it
 
-/// Runs the stream through `engine`; the median time of its last samples in seconds, which an interruption by
-/// another program does not touch. Each sample is made right before it is handed over, as a generator does.
+/// Hands all samples of the stream to `engine` and returns the median time of the last ones, in seconds. The
+/// median is not affected by single interruptions. Each sample is copied right before it is handed over, so
+/// that it is as fresh in memory as one from a generator.
 template <class Engine>
 double secondsASample(Engine& engine, const std::vector<platform::ReceivedForce>& stream) {
     std::vector<double> times;
@@ -30,7 +31,8 @@ double secondsASample(Engine& engine, const std::vector<platform::ReceivedForce>
     return *median;
 }
 
-/// In turns, so that a slow spell of the machine hits both; the ratio is that of the best times.
+/// Measures `Kit` and `Plain` in turns, so that a slow phase of the machine affects both, and reports the
+/// ratio of their best times.
 template <class Kit, class Plain, class Bundle>
 void compare(benchmark::State& state, const Bundle& bundle,
              const std::vector<platform::ReceivedForce>& stream) {
@@ -49,8 +51,8 @@ void compare(benchmark::State& state, const Bundle& bundle,
     state.counters["times_plain"] = bestOfPlain / best;
 }
 
-/// For sites of any size: what a sample costs where next to nothing is detected. The ratio to be looked at is
-/// that between sites.
+/// Measures one engine on a site where almost nothing is detected. Compare the results of sites of different
+/// sizes.
 template <class Kit>
 void measure(benchmark::State& state, Kit& kit, const std::vector<platform::ReceivedForce>& stream) {
     double best = 1e9;
@@ -63,8 +65,8 @@ void measure(benchmark::State& state, Kit& kit, const std::vector<platform::Rece
     state.counters["best_ns"] = best * 1e9;
 }
 
-/// Wards of the site, and how many of them are in reach: a walk through it, and what no walk can be, wards
-/// from all over the site in each sample.
+/// The arguments of such a benchmark: the number of wards of the site, and how many are in reach at a time.
+/// The last pair is no realistic walk: each sample has wards from the whole site.
 inline void siteSizes(benchmark::internal::Benchmark* benchmark) {
     for (const int wards : {100, 10'000, 1'000'000}) benchmark->Args({wards, 100});
     benchmark->Args({1'000'000, 1'000'000});

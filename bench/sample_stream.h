@@ -7,8 +7,8 @@
 
 #include "oska/platform/quenlo_common.h"
 
-/// A site and what a phone hears there: of the names, 30 % are strangers', and a quarter of the others have
-/// white space around them. Fixed by a seed.
+/// A site, and the samples of a phone there: 30 % of the names are not wards of the site, and a quarter of
+/// the others have white space around them. The random numbers have a fixed seed.
 namespace oska::bench {
 
 constexpr int WARDS = 2'000;
@@ -19,10 +19,10 @@ struct Load {
     int samples;  ///< in the window
     int entries;  ///< in each sample
     int wards = WARDS;
-    int inReach = WARDS;  ///< so many wards may be heard at a time; with each sample they are the next ones
+    int inReach = WARDS;  ///< wards that can be heard at a time; this range moves on by one with each sample
 };
 
-/// Enough samples to fill a window of `windowMilliseconds` and `count` more.
+/// Enough samples to fill a window of `windowMilliseconds`, and `count` more.
 inline std::vector<platform::ReceivedForce> sampleStream(Load load, std::int64_t windowMilliseconds,
                                                          int count) {
     std::mt19937 random(7);

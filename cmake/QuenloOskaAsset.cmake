@@ -1,4 +1,4 @@
-# quenlooska_asset(<target> <function> <file>): compiles the file's bytes into the target, for that function to answer.
+# quenlooska_asset(<target> <function> <file>): compiles the file's bytes into the target; the function returns them.
 function(quenlooska_asset target function file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
   file(READ ${file} bytes HEX)

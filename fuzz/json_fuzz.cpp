@@ -1,4 +1,5 @@
-// Any bytes: no crash, an error that is one line, and what decodes comes back the same after encoding.
+// Decodes arbitrary bytes. It must not crash, an error must be one line, and a decoded value must be the same
+// after encoding and decoding it again.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +17,7 @@ namespace {
 
 namespace json = oska::json;
 
-// What bundles do not hold.
+// Has the types that the records of bundles do not have.
 struct Sample {
     std::int64_t mobile_time = 0;
     std::map<std::string, double> rfs;

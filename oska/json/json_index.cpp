@@ -10,17 +10,17 @@ static_assert(simdjson::SIMDJSON_VERSION_MAJOR == 3 || simdjson::SIMDJSON_VERSIO
 namespace oska::json {
 namespace {
 
-// Bytes of text: its tokens' offsets then fit the second-level cache beside it.
+// In bytes of text. A stretch and the offsets of its tokens fit together into the second-level cache.
 constexpr std::size_t STRETCH = std::size_t{128} * 1024;
 
-// A single string can make a stretch far longer; above this the memory is worth more than the time to ask for
-// it again.
+// A long string makes a stretch longer. An index above this size is freed after use: allocating it again
+// costs less than keeping the memory.
 constexpr std::size_t LARGEST_KEPT_CAPACITY = 2 * STRETCH;
 
-// Room that a first short document leaves for the next ones.
+// What an index is made for at first, so that short documents need not enlarge it.
 constexpr std::size_t SMALLEST_CAPACITY = 4096;
 
-// The library's own choice would follow an environment variable.
+// The library's own choice can be changed by an environment variable.
 const simdjson::implementation* bestKernel() {
     for (const auto* const kernel : simdjson::get_available_implementations()) {
         if (kernel->supported_by_runtime_system()) return kernel;
@@ -30,7 +30,7 @@ const simdjson::implementation* bestKernel() {
 
 auto newStage() {
     static const simdjson::implementation* const KERNEL = bestKernel();
-    // Room for the first stage only: the depth is the second stage's business.
+    // The nesting depth matters to the second stage only, which is not used.
     std::unique_ptr<simdjson::internal::dom_parser_implementation> stage;
     if (KERNEL->create_dom_parser_implementation(SMALLEST_CAPACITY, 1, stage) != simdjson::SUCCESS)
         stage.reset();
@@ -39,8 +39,8 @@ auto newStage() {
 
 thread_local std::unique_ptr<TokenIndex> spare;
 
-// The end of the last comma of the window, preferably one between two objects, which few strings hold; 0:
-// none.
+// The offset behind the last comma in the window; 0 when there is none. A comma between two objects is
+// preferred, because few strings hold "},".
 std::size_t stretchLength(std::string_view text, std::size_t window) {
     if (text.size() <= window) return text.size();
     const std::string_view seen = text.substr(0, window);
@@ -53,8 +53,8 @@ std::size_t stretchLength(std::string_view text, std::size_t window) {
 TokenIndex::TokenIndex() : stage_(newStage()) {}
 TokenIndex::~TokenIndex() = default;
 
-// Quotes that do not pair up tell a comma inside a string from one between tokens: then a longer stretch is
-// tried.
+// When the comma at the end was inside a string, the stretch has an opening quote without its closing one.
+// The library reports that, and a longer stretch is tried.
 TokenIndex::Outcome TokenIndex::build(std::string_view text) {
     for (std::size_t window = STRETCH;; window *= 2) {
         const std::string_view stretch = text.substr(0, stretchLength(text, window));
@@ -64,7 +64,8 @@ TokenIndex::Outcome TokenIndex::build(std::string_view text) {
 }
 
 TokenIndex::Outcome TokenIndex::buildWhole(std::string_view stretch) {
-    // JSON ends in ASCII. A sequence that is cut off there could lead the library past the end of the text.
+    // JSON always ends with an ASCII character. An unfinished UTF-8 sequence at the end could make the
+    // library read past it.
     if (stretch.empty() || static_cast<unsigned char>(stretch.back()) >= 0x80) return Outcome::noTokens;
     if (stage_ == nullptr) return Outcome::noMemory;
     if (stretch.size() > stage_->capacity() && stage_->set_capacity(stretch.size()) != simdjson::SUCCESS) {

@@ -11,7 +11,8 @@ namespace {
 constexpr std::uint64_t LARGEST_INTEGER = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t DIGITS_OF_LARGEST_INTEGER = 19;
 
-// Beyond what the digits of any text could outweigh; keeps sums of exponents and lengths far from overflow.
+// Larger exponents are cut to this one. No text has so many digits that the difference could matter, and sums
+// of exponents and lengths cannot overflow.
 constexpr std::int64_t LARGEST_EXPONENT = std::int64_t{1} << 60;
 
 struct Spelling {
@@ -70,8 +71,8 @@ std::optional<Spelling> spellingOf(std::string_view token) {
     return spelling;
 }
 
-// The digits between the first and the last that is not zero, and the power of ten that they are to be
-// multiplied by. `leading` is empty for zero only; `trailing` goes on where `leading` ends.
+// A number without leading and trailing zeros: the digits of `leading`, then those of `trailing`, times ten
+// to the power of `exponent`. Only zero has no leading digits.
 struct Decimal {
     std::string_view leading;
     std::string_view trailing;
@@ -79,8 +80,7 @@ struct Decimal {
 
     [[nodiscard]] bool isZero() const { return leading.empty(); }
 
-    // Where the decimal point stands, counted from the first digit: 10^(magnitude - 1) <= value <
-    // 10^magnitude.
+    // The number of digits before the decimal point: 10^(magnitude - 1) <= value < 10^magnitude.
     [[nodiscard]] std::int64_t magnitude() const {
         return static_cast<std::int64_t>(leading.size() + trailing.size()) + exponent;
     }
@@ -127,7 +127,7 @@ NumberReading parseExactly(const Spelling& spelling, std::int64_t& value) {
         value = 0;
         return NumberReading::read;
     }
-    // Its last digit is not zero.
+    // The last digit is not zero, so a negative exponent means a fraction.
     if (decimal.exponent < 0) return NumberReading::fraction;
     if (decimal.magnitude() > DIGITS_OF_LARGEST_INTEGER) return NumberReading::outOfRange;
     const std::uint64_t whole = wholeValueOf(decimal);
@@ -136,7 +136,8 @@ NumberReading parseExactly(const Spelling& spelling, std::int64_t& value) {
     return NumberReading::read;
 }
 
-// Nearly every integer of a document: digits alone, too few to overflow. False: to be looked at in full.
+// The quick way for most integers of a document: only digits, too few to overflow. Returns false when the
+// full way must be taken.
 bool parsePlainInteger(std::string_view token, std::int64_t& value) {
     const bool isNegative = take(token, '-');
     if (token.empty() || token.size() >= DIGITS_OF_LARGEST_INTEGER) return false;
@@ -164,7 +165,7 @@ NumberReading parseReal(std::string_view token, double& value) {
     if (!spelling) return NumberReading::notANumber;
     const auto error = std::from_chars(token.data(), token.data() + token.size(), value).ec;
     if (error == std::errc{}) return NumberReading::read;
-    // from_chars reports too large and too small alike.
+    // from_chars reports the same error for too large and too small.
     if (decimalOf(*spelling).magnitude() > 0) return NumberReading::outOfRange;
     value = spelling->isNegative ? -0.0 : 0.0;
     return NumberReading::read;

@@ -12,7 +12,7 @@
 namespace oska::json {
 namespace {
 
-// As deep as the phones' own decoder goes. Readers of records recurse, so this also bounds the stack.
+// The limit of the reference platform's decoder. Reading records is recursive, so this also limits the stack.
 constexpr std::size_t DEEPEST_NESTING = 512;
 
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
@@ -32,8 +32,8 @@ Reader::Reader(std::string_view text)
 
 Reader::~Reader() { TokenIndex::giveBack(std::move(index_)); }
 
-// Where nothing but white space is left, there is no next token, which whoever asks for it will report. A
-// fault of the text may lie far behind the value that is being read: its path is not known.
+// When only white space is left, there is no next token; the next operation reports that. A fault that this
+// function reports may lie far behind the value being read, so its path is not known.
 void Reader::indexFrom(std::size_t offset) {
     const std::string_view rest = text_.substr(offset);
     const TokenIndex::Outcome outcome = index_->build(rest);
@@ -50,12 +50,11 @@ void Reader::indexFrom(std::size_t offset) {
     }
 }
 
-// The first byte of the next token; at the end NUL, which begins no token of JSON.
+// The first byte of the next token. At the end NUL, with which no token begins.
 char Reader::head() const { return token_ != end_ ? stretch_[*token_] : '\0'; }
 
-// A token without the white space behind it. It reaches up to the next one, so that stray bytes behind a
-// number are part of it, and are refused with it. Behind the closing quote of a text there are none: there,
-// any byte begins a token.
+// The token, up to the next one, without white space at its end. Stray bytes behind a number or literal are
+// thus part of it and make it invalid. Behind the closing quote of a string any byte begins a new token.
 std::string_view Reader::spelling(const std::uint32_t* token) const {
     const char* const first = stretch_ + token[0];
     const char* last = stretch_ + token[1];
@@ -63,7 +62,7 @@ std::string_view Reader::spelling(const std::uint32_t* token) const {
     return {first, static_cast<std::size_t>(last - first)};
 }
 
-// REQUIRES: a token that begins with a quote. The index has seen to it that the text is closed.
+// REQUIRES: the token begins with a quote. The index has checked that the string is closed.
 std::string_view Reader::insideOfText(const std::uint32_t* token) const {
     const std::string_view quoted = spelling(token);
     assert(quoted.size() >= 2 && quoted.back() == '"');
@@ -90,7 +89,8 @@ bool Reader::begin(char bracket, std::string_view expected) {
     return true;
 }
 
-// Past the comma, if one is due; false at the end of the enclosure or after a failure.
+// Moves past the comma, if there must be one. Returns false at the closing bracket, which it consumes, and
+// after a failure.
 bool Reader::nextItem(Enclosure enclosure) {
     const char next = head();
     if (next == static_cast<char>(enclosure)) return end();
@@ -149,7 +149,8 @@ bool Reader::readText(std::string& value, std::string_view expected) {
     return true;
 }
 
-// `text` is the part of the document where it holds no escape, else `unescaped`. REQUIRES: a quote is next.
+// Sets `text` to the string: a part of the document when it has no escapes, else the content of `unescaped`.
+// REQUIRES: a quote is next.
 bool Reader::takeText(std::string_view& text, std::string& unescaped) {
     text = insideOfText(token_);
     if (text.find('\\') != std::string_view::npos) {
@@ -248,7 +249,7 @@ bool Reader::failedIn(std::size_t element) {
     return false;
 }
 
-// A scalar that is not JSON at all is a fault of the text, whatever was wanted in its place.
+// Reports a value of the wrong type. When the token is not even JSON, that is reported instead.
 bool Reader::mismatch(std::string_view expected) {
     const char next = head();
     const std::uint32_t* const token = token_;

@@ -8,7 +8,7 @@
 namespace oska::json {
 namespace {
 
-// What stands after the backslash in the escapes of two characters; 0 for anything else.
+// The character that a backslash and `c` stand for; 0 when they are not an escape.
 char shortEscape(char c) {
     switch (c) {
         case '"':
@@ -30,7 +30,7 @@ char shortEscape(char c) {
     }
 }
 
-// The number of a \uXXXX escape at the beginning of `text`.
+// The number XXXX of a \uXXXX escape at the beginning of `text`.
 std::optional<std::uint32_t> unicodeEscape(std::string_view text) {
     if (text.size() < 6 || !text.starts_with("\\u")) return {};
     std::uint32_t value = 0;
@@ -43,8 +43,8 @@ std::optional<std::uint32_t> unicodeEscape(std::string_view text) {
 bool isHighSurrogate(std::uint32_t c) { return c >= 0xD800 && c <= 0xDBFF; }
 bool isLowSurrogate(std::uint32_t c) { return c >= 0xDC00 && c <= 0xDFFF; }
 
-// Appends what the \uXXXX escape, or the two of a surrogate pair, at the beginning of `text` stand for;
-// answers its length, 0 when there is none.
+// Appends the scalar of the \uXXXX escape, or of the surrogate pair of two such escapes, at the beginning of
+// `text`. Returns their length in bytes, 0 when there is no valid escape.
 std::size_t takeUnicodeEscape(std::string_view text, std::string& out) {
     const auto first = unicodeEscape(text);
     if (!first || isLowSurrogate(*first)) return 0;
@@ -108,8 +108,8 @@ std::optional<LexicalFault> findLexicalFault(std::string_view text) {
             return LexicalFault{at, "an escape", byteName(c)};
         if (!inString && c == '\\') return LexicalFault{at, "a value", "a backslash"};
         if (c == '"') inString = !inString;
-        // The character after a backslash is no end of the string; it is looked at on its own when it is not
-        // ASCII.
+        // A quote after a backslash does not end the string. A control character or a character beyond ASCII
+        // after a backslash is checked in the next round.
         at += c == '\\' && at + 1 < text.size() && text[at + 1] >= 0x20 ? 2 : length;
     }
     if (inString) return LexicalFault{text.size(), "a closing quote", "the end"};

@@ -5,26 +5,27 @@
 #include <string>
 #include <string_view>
 
-// Characters and escapes of JSON strings, and the faults of a text that no token survives.
+// Escapes in JSON strings, and faults that keep a text from being cut into tokens.
 namespace oska::json {
 
 constexpr bool isWhiteSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
-/// Replaces `out` by the text that `escaped`, the inside of a string token, stands for. Fails at an unknown
-/// escape and at half a surrogate pair: answers where the bad escape begins.
+/// Sets `out` to the text that `escaped`, the inside of a string token, stands for. Returns nullopt on
+/// success. At an unknown escape or half a surrogate pair, returns the offset where that escape begins.
 [[nodiscard]] std::optional<std::size_t> unescape(std::string_view escaped, std::string& out);
 
-/// The part of `escaped` from `offset` on that an error about the escape there should show.
+/// The escape at `offset`, as an error message shows it. REQUIRES: a backslash stands there.
 std::string_view escapeAt(std::string_view escaped, std::size_t offset);
 
+/// Why a text cannot be cut into tokens.
 struct LexicalFault {
-    std::size_t offset;
-    std::string expected;
+    std::size_t offset;    // in bytes
+    std::string expected;  // as in DecodeError
     std::string found;
 };
 
-/// The first place where `text` cannot be cut into tokens: a byte that is not UTF-8, a raw control character
-/// or the end inside a string. Slow; only for texts known to be bad.
+/// The first such fault: a byte that is not UTF-8, a control character inside a string, a backslash outside
+/// one, or a string that is not closed. Slow; call it only when indexing the text has failed.
 std::optional<LexicalFault> findLexicalFault(std::string_view text);
 
 }  // namespace oska::json

@@ -13,20 +13,21 @@ namespace {
 
 constexpr std::string_view REPLACEMENT_CHARACTER = "\xEF\xBF\xBD";
 
-// Shorter doubles stand in plain notation: from 1e-4, and up to where every integer has its own double.
+// Doubles from 1e-4 up to 2^53, below which every integer is a double, are written without an exponent.
 constexpr double SMALLEST_PLAIN = 1e-4;
 constexpr double LARGEST_PLAIN = 9007199254740992.0;
 
 constexpr std::size_t LONGEST_NUMBER = 32;
 
-// `third`: the character that is special beside quote and backslash; a quote when there is no such character.
+// Whether `c` is written as it is. `third` is the third special character, beside quote and backslash; a
+// quote when there is no third one.
 bool isPlain(char c, char third) {
     const auto byte = static_cast<unsigned char>(c);
     return byte >= 0x20 && byte < 0x80 && byte != '"' && byte != '\\' && c != third;
 }
 
-// Whether eight bytes at once are all plain, by the arithmetic of "Bit Twiddling Hacks" (a byte less than n,
-// a zero byte).
+// Whether eight bytes are all plain, tested at once. The formulas are from "Bit Twiddling Hacks": "a byte
+// less than n" and "a zero byte".
 bool areEightPlain(const char* bytes, char third) {
     constexpr std::uint64_t ONES = 0x0101010101010101;
     constexpr std::uint64_t HIGH_BITS = 0x8080808080808080;
@@ -53,7 +54,7 @@ void appendEscaped(std::string& out, char c) {
     out += c;
 }
 
-// Appends the first character of `text`, which is not plain; answers its length in bytes.
+// Appends the first character of `text`, which is not plain. Returns its length in bytes.
 std::size_t appendSpecial(std::string& out, std::string_view text) {
     const auto [scalar, length] = text::firstScalar(text);
     if (scalar < 0) {

@@ -11,7 +11,7 @@ bool isC1(char c) {
     return byte >= 0x80 && byte <= 0x9F;
 }
 
-// `character`: well-formed UTF-8 of one character, or one byte that is no part of any.
+// `character`: one character in well-formed UTF-8, or a single byte that is not part of one.
 void appendVisibly(std::string& line, std::string_view character) {
     const char last = character.back();
     const auto byte = static_cast<unsigned char>(last);
@@ -19,7 +19,7 @@ void appendVisibly(std::string& line, std::string_view character) {
     if (isControl) {
         appendControlEscape(line, last);
     } else if (character.size() == 2 && character.front() == '\xC2' && isC1(last)) {
-        appendControlEscape(line, last);  // the second byte is the number of the character
+        appendControlEscape(line, last);  // its second byte equals the character's number
     } else if (character == "\xE2\x80\xA8") {
         line += "\\u2028";
     } else if (character == "\xE2\x80\xA9") {

@@ -20,7 +20,7 @@ bool isBlank(utf8proc_int32_t scalar) {
            category == UTF8PROC_CATEGORY_ZP;
 }
 
-// Bytes of the blank that `text` starts with; 0 when it starts with none.
+// Length in bytes of the blank that `text` starts with; 0 when it starts with something else.
 std::size_t leadingBlank(std::string_view text) {
     if (text.empty()) return 0;
     if (isAscii(text.front())) return isAsciiBlank(text.front()) ? 1 : 0;

@@ -1,5 +1,5 @@
-// Lower case: utf8proc's simple mapping, with what Unicode's SpecialCasing.txt adds to it for every locale:
-// U+0130, and the final sigma of section 3.13 of the Unicode Standard.
+// Lower case: utf8proc's simple mapping, and the two rules that Unicode's SpecialCasing.txt adds for all
+// locales: U+0130, and the final sigma (the Unicode Standard, section 3.13).
 #include <utf8proc.h>
 
 #include <algorithm>
@@ -12,7 +12,7 @@ namespace {
 constexpr utf8proc_int32_t CAPITAL_I_WITH_DOT = 0x130;
 constexpr utf8proc_int32_t CAPITAL_SIGMA = 0x3A3;
 
-// Case_Ignorable (DerivedCoreProperties.txt): these categories, and the Word_Break classes MidLetter,
+// Case_Ignorable (DerivedCoreProperties.txt): five categories, and the Word_Break classes MidLetter,
 // MidNumLet and Single_Quote (WordBreakProperty.txt).
 bool isCaseIgnorable(utf8proc_int32_t scalar, int category) {
     switch (category) {
@@ -41,7 +41,7 @@ bool isCaseIgnorable(utf8proc_int32_t scalar, int category) {
     }
 }
 
-// Other_Lowercase and Other_Uppercase (PropList.txt) without what is case-ignorable anyway: ordinal
+// Other_Lowercase and Other_Uppercase (PropList.txt), except for those that are case-ignorable: ordinal
 // indicators, Roman numerals, enclosed and squared letters.
 bool isCasedSymbol(utf8proc_int32_t scalar) {
     return scalar == 0xAA || scalar == 0xBA || (scalar >= 0x2160 && scalar <= 0x217F) ||
@@ -51,7 +51,7 @@ bool isCasedSymbol(utf8proc_int32_t scalar) {
 
 enum class CaseRole { cased, ignorable, other };
 
-// What a scalar means to a sigma near it. One that is both cased and ignorable is passed over.
+// The role of a scalar near a sigma. One that is both cased and ignorable counts as ignorable.
 CaseRole caseRole(utf8proc_int32_t scalar) {
     if (scalar < 0) return CaseRole::other;
     const int category = utf8proc_category(scalar);

@@ -1,5 +1,5 @@
-// Canonical equivalence: utf8proc's decomposition and composition. Its whole-text functions are not used,
-// because they sort combining marks by insertion, which a text of nothing but marks turns into minutes.
+// Canonical equivalence, over utf8proc's decomposition and composition. Its functions for whole texts are not
+// used: they sort combining marks by insertion, which takes minutes for a long text of marks only.
 #include <utf8proc.h>
 
 #include <algorithm>
@@ -14,8 +14,8 @@ namespace {
 
 using Scalars = std::vector<utf8proc_int32_t>;
 
-// Starters that neither decompose nor ever join the scalar before them: all below the combining marks,
-// unified ideographs and Hangul syllables. Text of these alone is composed as it stands.
+// Starters that neither decompose nor compose with the scalar before them: all scalars below the combining
+// marks, unified ideographs and Hangul syllables. A text of only these is already composed.
 bool staysAsItIs(utf8proc_int32_t scalar) {
     return (scalar >= 0 && scalar < 0x300) || (scalar >= 0x4E00 && scalar <= 0x9FFF) ||
            (scalar >= 0xAC00 && scalar <= 0xD7A3);
@@ -38,7 +38,7 @@ void appendDecomposed(Scalars& scalars, utf8proc_int32_t scalar) {
     scalars.insert(scalars.end(), parts, parts + count);
 }
 
-/// False when the text is not UTF-8 throughout.
+/// Returns false when the text is not well-formed UTF-8 throughout.
 bool decompose(Scalars& scalars, std::string_view text) {
     scalars.clear();
     scalars.reserve(text.size());
@@ -53,7 +53,8 @@ bool decompose(Scalars& scalars, std::string_view text) {
 
 auto combiningClass(utf8proc_int32_t scalar) { return utf8proc_get_property(scalar)->combining_class; }
 
-/// Stable. Few marks follow one letter as a rule, and the library's stable sort takes memory for every run.
+/// Sorts stably. Short runs, the usual case, are sorted by hand, because std::stable_sort allocates memory
+/// for each run.
 void sortRun(std::span<utf8proc_int32_t> run) {
     constexpr std::size_t FEW = 16;
     const auto comesBefore = [](auto a, auto b) { return combiningClass(a) < combiningClass(b); };
@@ -80,8 +81,8 @@ void appendPairsComposed(std::string& text, std::span<utf8proc_int32_t> scalars)
     for (const auto scalar : scalars.first(static_cast<std::size_t>(count))) appendScalar(text, scalar);
 }
 
-// U+11A7 stands one before the final jamos and joins nothing, but utf8proc 2.8 drops it after a syllable
-// without a final. So it is kept out of what the library sees.
+// U+11A7 is the number before the first final jamo and composes with nothing. utf8proc 2.8 drops it after a
+// syllable without a final jamo, so the text is handed to the library in parts without it.
 void appendRecomposed(std::string& text, std::span<utf8proc_int32_t> scalars) {
     constexpr utf8proc_int32_t BEFORE_FINAL_JAMOS = 0x11A7;
     while (true) {

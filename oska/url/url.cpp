@@ -25,7 +25,7 @@ std::optional<std::string> encodedAuthority(std::string_view authority) {
     return encoded;
 }
 
-// Scheme, authority and path.
+// Scheme, authority and path, encoded.
 std::optional<std::string> encodedHierarchy(const UrlView& view) {
     const auto first = view.firstSegment();
     const bool badScheme = view.isPathOnly() && startsLikeScheme(first) && !first.starts_with(':');
@@ -40,7 +40,7 @@ std::optional<std::string> encodedHierarchy(const UrlView& view) {
     return encoded + encodedWhereNeeded(view.path, PATH_CHARACTERS);
 }
 
-// A query or a fragment.
+// A query or a fragment, encoded.
 std::optional<std::string> encodedPart(std::optional<std::string_view> part) {
     if (!part) return std::nullopt;
     return encodedWhereNeeded(*part, QUERY_CHARACTERS);
@@ -53,7 +53,7 @@ std::string joinedText(std::string text, const std::optional<std::string>& query
     return text;
 }
 
-// A path whose first segment cannot be taken for a scheme when read again.
+// The path with the colons of its first segment encoded, so that the segment is not taken for a scheme.
 std::string withoutLeadingScheme(std::string_view path) {
     if (path.starts_with(':')) return std::string(path);
     const auto firstEnd = std::min(path.find('/'), path.size());

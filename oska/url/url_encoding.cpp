@@ -13,7 +13,7 @@ namespace {
 
 constexpr bool isHexDigit(char c) { return isDigit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F'); }
 
-// REQUIRES: a hex digit.
+// REQUIRES: `c` is a hexadecimal digit.
 constexpr int hexValue(char c) { return isDigit(c) ? c - '0' : (c | 0x20) - 'a' + 10; }
 
 bool startsWithEscape(std::string_view text) {
@@ -43,7 +43,8 @@ bool isWrittenRightToLeft(utf8proc_int32_t scalar) {
            direction == UTF8PROC_BIDI_CLASS_AN;
 }
 
-// Transitional mode makes other names of sharp s, final sigma and the joiners, and checks no directions.
+// Whether transitional mode would be wrong: it replaces sharp s, final sigma and the joiners, and does not
+// check the direction of writing.
 bool needsStrictMode(std::string_view host) {
     constexpr std::array<utf8proc_int32_t, 4> DEVIATIONS{0xDF, 0x3C2, 0x200C, 0x200D};
     while (!host.empty()) {
@@ -56,13 +57,14 @@ bool needsStrictMode(std::string_view host) {
 }
 
 std::optional<std::string> idnaForm(std::string_view host) {
-    // No name longer than 255 bytes can be looked up, and the work grows with the square of a label's length.
+    // Names longer than 255 bytes cannot be looked up, and the time grows with the square of a label's
+    // length.
     constexpr std::size_t LONGEST_CONVERTED = 1024;
     if (host.size() > LONGEST_CONVERTED) return std::nullopt;
     const std::string text(host);
     auto strict = idnaForm(text, IDN2_NONTRANSITIONAL);
-    // libidn2 takes symbols, which may stand in names, in its other mode only; and there alone does it know
-    // the characters of newer versions of Unicode.
+    // Symbols are allowed in names, but libidn2 accepts them in transitional mode only. The same goes for
+    // characters of Unicode versions that are newer than its strict table.
     const bool isRefused = strict.code == IDN2_DISALLOWED || strict.code == IDN2_UNASSIGNED;
     const bool mayBeSymbol = isRefused && !needsStrictMode(text);
     return mayBeSymbol ? idnaForm(text, IDN2_TRANSITIONAL).form : std::move(strict.form);
@@ -75,7 +77,7 @@ std::optional<std::string> encodedName(std::string_view host) {
     };
     if (!std::all_of(host.begin(), host.end(), mayBeConverted)) return std::nullopt;
     auto name = idnaForm(host);
-    // Compatibility characters can turn into delimiters: U+2100 is "a/c".
+    // Compatibility characters can become delimiters: U+2100 becomes "a/c".
     if (!name || name->empty() || !consistsOf(*name, HOST_CHARACTERS)) return std::nullopt;
     return name;
 }
@@ -86,7 +88,7 @@ std::string encodedZone(std::string_view zone) {
     return "%25" + encodedWhereNeeded(zone, HOST_CHARACTERS);
 }
 
-// `address` is what stands between the brackets.
+// `address` is the text between the brackets.
 std::optional<std::string> encodedAddress(std::string_view address) {
     const auto zoneMark = std::min(address.find('%'), address.size());
     const auto number = address.substr(0, zoneMark);

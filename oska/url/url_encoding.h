@@ -5,13 +5,13 @@
 #include <string>
 #include <string_view>
 
-/// Percent-encoding, and the sets of bytes that stand as they are in each component of a URL.
+/// Percent-encoding, and the sets of characters that each component of a URL may hold without encoding.
 namespace oska {
 
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 constexpr bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
 
-/// A set of ASCII characters: letters, digits and those given.
+/// A set of ASCII characters: all letters, all digits and the given marks.
 class UrlCharacters {
 public:
     explicit constexpr UrlCharacters(std::string_view marks) {
@@ -29,7 +29,7 @@ private:
     std::array<bool, 128> allowed_{};
 };
 
-// unreserved and sub-delims of RFC 3986, and what each component allows beside them.
+// The unreserved characters and sub-delims of RFC 3986, and what each component allows in addition.
 inline constexpr UrlCharacters HOST_CHARACTERS{"!$&'()*+,-.;=_~"};
 inline constexpr UrlCharacters USER_CHARACTERS = HOST_CHARACTERS;
 inline constexpr UrlCharacters ADDRESS_CHARACTERS{"!$&'()*+,-.;=_~:"};
@@ -38,20 +38,20 @@ inline constexpr UrlCharacters QUERY_CHARACTERS{"!$&'()*+,-.;=_~/:@?"};
 inline constexpr UrlCharacters QUERY_ITEM_CHARACTERS{
     "!$'()*+,-./:;?@_~"};  // without the separators "&" and "="
 
-/// Whether every byte of `text` is allowed or part of an escape (`%` and two hexadecimal digits).
+/// Whether every byte of `text` is in `allowed` or part of an escape (`%` and two hexadecimal digits).
 [[nodiscard]] bool isEncoded(std::string_view text, const UrlCharacters& allowed);
 
-/// Every byte that is not allowed, "%" among them, as an escape with upper-case digits.
+/// `text` with each byte that is not in `allowed`, also "%", replaced by an escape with upper-case digits.
 [[nodiscard]] std::string percentEncoded(std::string_view text, const UrlCharacters& allowed);
 
-/// `text` as it is when it `isEncoded`, else the whole of it percent-encoded.
+/// `text` unchanged when isEncoded(), else percentEncoded() as a whole.
 [[nodiscard]] std::string encodedWhereNeeded(std::string_view text, const UrlCharacters& allowed);
 
-/// `text` with its escapes as the bytes that they stand for, but `%00` as it is.
+/// `text` with each escape replaced by the byte that it stands for. `%00` stays.
 [[nodiscard]] std::string percentDecoded(std::string_view text);
 
-/// A host as it may stand in a URL: a name, its IDNA form when it is not ASCII, or an address in brackets,
-/// whose zone is then introduced by "%25". None when it cannot be a host.
+/// `host` in the form that a URL may hold: a name (its IDNA form when it is not ASCII), or an address in
+/// brackets, where "%25" comes before a zone. Nullopt when it cannot be a host.
 [[nodiscard]] std::optional<std::string> encodedHost(std::string_view host);
 
 }  // namespace oska

@@ -16,7 +16,7 @@ bool isScheme(std::string_view text) {
     return !text.empty() && isLetter(text.front()) && std::all_of(text.begin(), text.end(), mayFollow);
 }
 
-// Cuts `text` at the first `mark` and answers what comes after it.
+// Cuts `text` off at the first `mark` and returns what comes after the mark.
 std::optional<std::string_view> cutAt(char mark, std::string_view& text) {
     const auto at = text.find(mark);
     if (at == NONE) return std::nullopt;
@@ -34,7 +34,7 @@ std::optional<std::string_view> takeScheme(std::string_view& text, EmptyScheme e
     return scheme;
 }
 
-// `text` has neither query nor fragment any more.
+// REQUIRES: query and fragment have been cut off `text`.
 std::optional<std::string_view> takeAuthority(std::string_view& text) {
     if (!text.starts_with("//")) return std::nullopt;
     text.remove_prefix(2);

@@ -3,12 +3,14 @@
 #include <optional>
 #include <string_view>
 
-/// The parts of a URL's text by RFC 3986, appendix B, for text that may still hold characters not allowed in
-/// it. All views lie in the text given.
+/// Splits the text of a URL into its parts by RFC 3986, appendix B. The text may hold characters that are not
+/// allowed in a URL. All views are parts of the given text.
 namespace oska {
 
+/// What an empty text before a leading colon is: a scheme that counts, or a part of the path.
 enum class EmptyScheme { counts, isPartOfPath };
 
+/// The parts of a URL. Nullopt: the part and its delimiter are missing.
 struct UrlView {
     std::optional<std::string_view> scheme;     // without ":"
     std::optional<std::string_view> authority;  // without "//"
@@ -20,20 +22,22 @@ struct UrlView {
     [[nodiscard]] std::string_view firstSegment() const { return path.substr(0, path.find('/')); }
 };
 
-/// Text before a colon that is no scheme (a letter, then letters, digits and `+-.`) belongs to the path.
+/// Text before a colon that is not a valid scheme (a letter, then letters, digits and `+-.`) belongs to the
+/// path.
 [[nodiscard]] UrlView splitUrl(std::string_view text, EmptyScheme emptyScheme);
 
-/// Whether `text` has a colon before any other delimiter, as if a scheme came first.
+/// Whether the first delimiter in `text` is a colon, as it is after a scheme.
 [[nodiscard]] bool startsLikeScheme(std::string_view text);
 
+/// The parts of an authority.
 struct AuthorityView {
     std::optional<std::string_view> user;
     std::optional<std::string_view> password;
     std::string_view host;                 // with the brackets of an address
-    std::optional<std::string_view> port;  // digits, possibly none
+    std::optional<std::string_view> port;  // digits, or empty
 };
 
-/// None when something other than a port follows the host, or a bracket is not closed.
+/// Nullopt when something other than a port follows the host, or a bracket is not closed.
 [[nodiscard]] std::optional<AuthorityView> splitAuthority(std::string_view authority);
 
 }  // namespace oska

@@ -7,7 +7,7 @@
 namespace oska::views {
 namespace {
 
-// ISO/IEC 15948, 5.2 and 11.2.2: the signature, then the header chunk with width and height first.
+// ISO/IEC 15948, 5.2 and 11.2.2: the signature, then the header chunk, which begins with width and height.
 constexpr std::string_view PNG_START{"\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16};
 
 double bigEndian32(std::string_view bytes) {

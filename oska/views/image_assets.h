@@ -2,7 +2,8 @@
 
 #include <string_view>
 
-/// The files of assets/ that are compiled into the kit; oska/CMakeLists.txt makes the arrays.
+/// The files of assets/ that are compiled into the kit, one function for each, which returns the file's
+/// bytes. oska/CMakeLists.txt generates the definitions.
 namespace oska::views::assets {
 
 [[nodiscard]] std::string_view icDapoPng();

@@ -10,7 +10,7 @@ namespace {
 
 using Edge = LayoutConstraint::Edge;
 
-// A view fainter than this cannot be seen, so it takes no taps.
+// A fainter view can hardly be seen, so taps do not reach it.
 constexpr double FAINTEST_TAPPABLE_ALPHA = 0.01;
 
 struct Span {
@@ -18,7 +18,7 @@ struct Span {
     double length;
 };
 
-/// Where `span` lies when it is pinned inside a length of `available`.
+/// Where `span` lies after pinning its start, its end or both inside a length of `available`.
 Span pinned(Span span, bool atStart, bool atEnd, double available) {
     if (atStart && atEnd) return {0, available};
     if (atStart) return {0, span.length};
@@ -45,7 +45,7 @@ void View::tellPeer(platform::ViewChange what) const {
 
 // ---- the tree
 
-// By value: the argument may be an element of the list that this changes.
+// By value: the argument may be an element of the list that this function changes.
 void View::addSubview(std::shared_ptr<View> view) {  // NOLINT(performance-unnecessary-value-param)
     if (!view || isAtOrBelow(*view))
         platform::programmingError("View::addSubview was given null, the view itself or one around it");
@@ -187,7 +187,7 @@ bool View::handleTap() {
     auto heard = shared_from_this();
     while (heard && heard->recognizers_.empty()) heard = heard->superview();
     if (!heard) return false;
-    const auto recognizers = heard->recognizers_;  // an action may do anything to the tree
+    const auto recognizers = heard->recognizers_;  // a copy: an action may change the tree
     for (const auto& recognizer : recognizers) recognizer->recognize();
     return true;
 }
