@@ -9,33 +9,21 @@
 namespace oska::json {
 namespace {
 
-TEST(JsonInteger, IsExactHoweverItIsSpelt) {
-    const std::pair<std::string_view, std::int64_t> cases[] = {
-        {"7", 7},
-        {"-70", -70},
-        {"7.0", 7},
-        {"7e1", 70},
-        {"7E+1", 70},
-        {"70e-1", 7},
-        {"0.07e2", 7},
-        {"-0", 0},
-        {"-0.0", 0},
-        {"0e5", 0},
-        {"0e99999999999999999999", 0},
-        {"1e18", 1'000'000'000'000'000'000},
-        {"9007199254740993", 9007199254740993},
-        {"9007199254740993.0", 9007199254740993},
-        {"9223372036854775807", std::numeric_limits<std::int64_t>::max()},
-        {"9223372036854775807.0", std::numeric_limits<std::int64_t>::max()},
-        {"922337203685477580700e-2", std::numeric_limits<std::int64_t>::max()},
-        {"-9223372036854775808", std::numeric_limits<std::int64_t>::min()},
-        {"-0.9223372036854775808e19", std::numeric_limits<std::int64_t>::min()},
-    };
-    for (const auto& [text, value] : cases) {
-        const auto decoded = decode<std::int64_t>(text);
-        ASSERT_TRUE(decoded) << text << ": " << decoded.error().message();
-        EXPECT_EQ(*decoded, value) << text;
-    }
+using Integers = std::vector<std::int64_t>;
+using Reals = std::vector<double>;
+
+TEST(JsonInteger, IsExactHoweverItIsSpelled) {
+    constexpr auto LARGEST = std::numeric_limits<std::int64_t>::max();
+    constexpr auto SMALLEST = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(
+        *decode<Integers>("[7, -70, 7.0, 7e1, 7E+1, 70e-1, 0.07e2, -0, -0.0, 0e5, 0e99999999999999999999]"),
+        (Integers{7, -70, 7, 70, 70, 7, 7, 0, 0, 0, 0}));
+    EXPECT_EQ(*decode<Integers>("[1e18, 9007199254740993, 9007199254740993.0]"),
+              (Integers{1'000'000'000'000'000'000, 9007199254740993, 9007199254740993}));
+    EXPECT_EQ(*decode<Integers>("[9223372036854775807, 9223372036854775807.0, 922337203685477580700e-2]"),
+              (Integers{LARGEST, LARGEST, LARGEST}));
+    EXPECT_EQ(*decode<Integers>("[-9223372036854775808, -0.9223372036854775808e19]"),
+              (Integers{SMALLEST, SMALLEST}));
     EXPECT_EQ(*decode<std::int64_t>("1" + std::string(1000, '0') + "e-1000"), 1);
 }
 
@@ -50,32 +38,20 @@ TEST(JsonInteger, IsNothingElse) {
         EXPECT_EQ(decodingErrorOf<std::int64_t>(text),
                   "document: expected an integer of 64 bits, found " + text);
     }
-    EXPECT_EQ(decodingErrorOf<std::int64_t>("\"7\""), "document: expected an integer, found \"7\"");
-    EXPECT_EQ(decodingErrorOf<std::int64_t>("true"), "document: expected an integer, found true");
-    EXPECT_EQ(decodingErrorOf<std::int64_t>("null"), "document: expected an integer, found null");
+    for (const std::string text : {"\"7\"", "true", "null"})
+        EXPECT_EQ(decodingErrorOf<std::int64_t>(text), "document: expected an integer, found " + text);
     EXPECT_EQ(decodingErrorOf<std::int64_t>("[7]"), "document: expected an integer, found an array");
     EXPECT_EQ(decodingErrorOf<std::int64_t>("{}"), "document: expected an integer, found an object");
 }
 
 TEST(JsonReal, IsTheNearestDouble) {
-    const std::pair<std::string_view, double> cases[] = {
-        {"-70.5", -70.5},
-        {"7", 7},
-        {"1234567890123456789012345", 1234567890123456789012345.0},
-        {"0.1234567890123456789012345", 0.1234567890123456789012345},
-        {"0.99999999999999999999", 1.0},
-        {"1.7976931348623157e308", std::numeric_limits<double>::max()},
-        {"3e-324", std::numeric_limits<double>::denorm_min()},
-        {"2e-324", 0},
-        {"1e-400", 0},
-        {"0e5", 0},
-        {"0.00e99999999999", 0},
-    };
-    for (const auto& [text, value] : cases) {
-        const auto decoded = decode<double>(text);
-        ASSERT_TRUE(decoded) << text << ": " << decoded.error().message();
-        EXPECT_EQ(*decoded, value) << text;
-    }
+    constexpr double LARGEST = std::numeric_limits<double>::max();
+    constexpr double TINIEST = std::numeric_limits<double>::denorm_min();
+    EXPECT_EQ(*decode<Reals>("[-70.5, 7, 1234567890123456789012345, 0.1234567890123456789012345]"),
+              (Reals{-70.5, 7, 1234567890123456789012345.0, 0.1234567890123456789012345}));
+    EXPECT_EQ(*decode<Reals>("[0.99999999999999999999, 1.7976931348623157e308, 3e-324, 2e-324]"),
+              (Reals{1, LARGEST, TINIEST, 0}));
+    EXPECT_EQ(*decode<Reals>("[1e-400, 0e5, 0.00e99999999999]"), (Reals{0, 0, 0}));
     for (const auto* const text : {"-0", "-0.0", "-1e-400"})
         EXPECT_TRUE(std::signbit(*decode<double>(text))) << text;
 }

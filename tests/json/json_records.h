@@ -9,7 +9,7 @@
 
 #include "oska/json/json.h"
 
-// What the tests of JSON decode and encode, and their ways to say so.
+// The records that the tests of JSON decode and encode, and short forms for doing so.
 namespace oska::json {
 
 struct Colour {
@@ -73,7 +73,7 @@ template <>
 struct oska::JsonText<oska::json::Colour> {
     static constexpr std::string_view EXPECTED = "a colour";
 
-    // Decodes, too, while the document around it is being decoded.
+    // Decodes a second document while the first is being decoded.
     static std::optional<json::Colour> parse(std::string_view text) {
         auto name = json::decode<std::string>('"' + std::string(text) + '"');
         if (!name || *name == "none") return {};
@@ -91,7 +91,7 @@ std::string decodingErrorOf(std::string_view text) {
     return result ? "none" : result.error().message();
 }
 
-// A document of any kind, walked through as the value of an unknown key is.
+// The error of a document that is only skipped, as the value of an unknown key is.
 inline std::string syntaxErrorOf(std::string_view text) {
     Reader reader(text);
     if (reader.skipValue() && reader.finish()) return "none";

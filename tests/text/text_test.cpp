@@ -10,11 +10,9 @@ namespace oska::text {
 namespace {
 
 std::string utf8(char32_t scalar) {
-    const auto tail = [&](int shift) { return static_cast<char>(0x80 | ((scalar >> shift) & 0x3F)); };
-    if (scalar < 0x80) return {static_cast<char>(scalar)};
-    if (scalar < 0x800) return {static_cast<char>(0xC0 | (scalar >> 6)), tail(0)};
-    if (scalar < 0x10000) return {static_cast<char>(0xE0 | (scalar >> 12)), tail(6), tail(0)};
-    return {static_cast<char>(0xF0 | (scalar >> 18)), tail(12), tail(6), tail(0)};
+    std::string text;
+    appendScalar(text, static_cast<std::int32_t>(scalar));
+    return text;
 }
 
 bool isSurrogate(char32_t scalar) { return scalar >= 0xD800 && scalar <= 0xDFFF; }
@@ -22,7 +20,7 @@ bool isSurrogate(char32_t scalar) { return scalar >= 0xD800 && scalar <= 0xDFFF;
 const char* const NOT_UTF8[] = {"\x80",     "\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80",
                                 "\xE3\x80", "\xFF"};
 
-TEST(Text, AsciiAndUtf8AreToldApartAtEveryPosition) {
+TEST(Text, FindsBytesBeyondAsciiAtEveryPosition) {
     for (std::size_t size = 0; size < 40; ++size) {
         EXPECT_TRUE(isAscii(std::string(size, '\x7F')));
         for (std::size_t at = 0; at < size; ++at) {
@@ -33,15 +31,22 @@ TEST(Text, AsciiAndUtf8AreToldApartAtEveryPosition) {
         }
     }
     EXPECT_TRUE(isUtf8(std::string("a\0\u00E9\uFFFF\U0010FFFF", 11)));
-    for (const std::string text : NOT_UTF8) EXPECT_FALSE(isUtf8("\u00E9" + text));
+    for (const std::string text : NOT_UTF8) {
+        EXPECT_FALSE(isUtf8("\u00E9" + text));
+        EXPECT_EQ(firstScalar(text).value, -1);
+        EXPECT_EQ(firstScalar(text).length, 1u);
+    }
 }
 
-TEST(Text, TrimmingTakesExactlyTheBlanks) {
+TEST(Text, TrimmingRemovesExactlyTheBlanks) {
     const std::set<char32_t> blanks = {0x0A,   0x0B,   0x0C,   0x0D,   0x20,   0x85,   0xA0,   0x1680,
                                        0x2000, 0x2001, 0x2002, 0x2003, 0x2004, 0x2005, 0x2006, 0x2007,
                                        0x2008, 0x2009, 0x200A, 0x2028, 0x2029, 0x202F, 0x205F, 0x3000};
     for (char32_t scalar = 0; scalar <= 0x10FFFF; ++scalar) {
         if (isSurrogate(scalar)) continue;
+        const auto [value, length] = firstScalar(utf8(scalar) + "\x80");
+        ASSERT_EQ(static_cast<char32_t>(value), scalar);
+        ASSERT_EQ(length, utf8(scalar).size());
         const auto inside = utf8(scalar) + "\u00E9" + utf8(scalar);
         const auto expected = blanks.contains(scalar) ? "\u00E9" : inside;
         ASSERT_EQ(trimmed("\n " + inside + "\u3000\r\n"), expected)
@@ -60,55 +65,35 @@ TEST(Text, TrimmingGoesScalarByScalarAndStopsAtBrokenBytes) {
 }
 
 TEST(Text, LowerCaseIsTheFullDefaultMapping) {
-    struct Case {
-        const char* text;
-        const char* lower;
-    };
-    const Case cases[] = {
+    const std::pair<const char*, const char*> rows[] = {
         {"", ""},
-        {"@AZ[`az{", "@az[`az{"},
-        {"ABCDEFGHIJKLMNOPQRSTUVWXYZ-0123456789", "abcdefghijklmnopqrstuvwxyz-0123456789"},
+        {"@AZ[`az{ABCDEFGHIJKLMNOPQRSTUVWXYZ-0123456789", "@az[`az{abcdefghijklmnopqrstuvwxyz-0123456789"},
         {"\u00C9\u1E9E\u212A\u01C5\U00010400", "\u00E9\u00DFk\u01C6\U00010428"},
-        {"\u0130I\u0131", "i\u0307i\u0131"},
-        {"한글 漢字", "한글 漢字"},
+        {"\u0130I\u0131 한글 漢字", "i\u0307i\u0131 한글 漢字"},
+        // A capital sigma: at the end, alone, at the start and inside of words.
         {"\u0391\u03A3", "\u03B1\u03C2"},
-        {"\u03A3", "\u03C3"},
-        {"\u03A3\u0391", "\u03C3\u03B1"},
-        {"1\u03A3", "1\u03C3"},
+        {"\u03A3 \u03A3\u0391 1\u03A3", "\u03C3 \u03C3\u03B1 1\u03C3"},
         {"\u0391\u03A3\u0391\u03A3 \u03A3", "\u03B1\u03C3\u03B1\u03C2 \u03C3"},
-        {"\u0391.\u0301\u03A3", "\u03B1.\u0301\u03C2"},
-        {"\u0391\u03A3'\u0301", "\u03B1\u03C2'\u0301"},
-        {"\u0391\u03A3\u00AD\u0391", "\u03B1\u03C3\u00AD\u03B1"},
-        {"\u0391\u03A3-\u0391", "\u03B1\u03C2-\u03B1"},
-        {"\u2160\u03A3", "\u2170\u03C2"},
-        {"\u0391\u03A3\u00AA", "\u03B1\u03C3\u00AA"},
-        {"\U0001F130\u03A3", "\U0001F130\u03C2"},
-        {"\u02B0\u03A3", "\u02B0\u03C3"},
+        // Beside scalars that are ignored, and beside a hyphen, which is not.
+        {"\u0391.\u0301\u03A3 \u0391\u03A3'\u0301", "\u03B1.\u0301\u03C2 \u03B1\u03C2'\u0301"},
+        {"\u0391\u03A3\u00AD\u0391 \u0391\u03A3-\u0391", "\u03B1\u03C3\u00AD\u03B1 \u03B1\u03C2-\u03B1"},
+        // Beside cased symbols, a modifier letter, and bytes that are not UTF-8.
+        {"\u2160\u03A3 \u0391\u03A3\u00AA", "\u2170\u03C2 \u03B1\u03C3\u00AA"},
+        {"\U0001F130\u03A3 \u02B0\u03A3", "\U0001F130\u03C2 \u02B0\u03C3"},
         {"A\xFF\u03A3\xC3", "a\xFF\u03C3\xC3"},
     };
-    for (const auto& [text, lower] : cases) EXPECT_EQ(lowercased(text), lower) << text;
+    for (const auto& [text, lower] : rows) EXPECT_EQ(lowercased(text), lower) << text;
 }
 
 TEST(Text, ComposedFormIsCanonical) {
-    struct Case {
-        const char* text;
-        const char* form;
-    };
-    const Case cases[] = {
-        {"abc", "abc"},
-        {"e\u0301", "\u00E9"},
-        {"e\u0323\u0301", "\u1EB9\u0301"},
-        {"e\u0301\u0323", "\u1EB9\u0301"},
-        {"\u1112\u1161\u11AB", "\uD55C"},
-        {"\uD558\u11AB", "\uD55C"},
-        {"\uD558\u11A7\u11AB", "\uD558\u11A7\u11AB"},
+    const std::pair<const char*, const char*> rows[] = {
+        {"abc e\u0301 \uFB01\uFF21", "abc \u00E9 \uFB01\uFF21"},
+        {"e\u0323\u0301 e\u0301\u0323 a\u0327\u0300", "\u1EB9\u0301 \u1EB9\u0301 \u00E0\u0327"},
+        {"\u1112\u1161\u11AB \uD558\u11AB \uD558\u11A7\u11AB", "\uD55C \uD55C \uD558\u11A7\u11AB"},
         {"\u212B\u2126\u2000", "\u00C5\u03A9\u2002"},
-        {"\u0958\u0344", "\u0915\u093C\u0308\u0301"},
-        {"a\u0327\u0300", "\u00E0\u0327"},
-        {"\U0001D15E", "\U0001D157\U0001D165"},
-        {"\uFB01\uFF21", "\uFB01\uFF21"},
+        {"\u0958\u0344 \U0001D15E", "\u0915\u093C\u0308\u0301 \U0001D157\U0001D165"},
     };
-    for (const auto& [text, form] : cases) {
+    for (const auto& [text, form] : rows) {
         EXPECT_EQ(composed(text), form);
         EXPECT_TRUE(canonicallyEqual(text, form));
     }
@@ -117,8 +102,8 @@ TEST(Text, ComposedFormIsCanonical) {
     EXPECT_FALSE(canonicallyEqual("한글", "한국"));
 }
 
-// Sorting so many marks one by one past the others would outlast the test's time-out by far.
-TEST(Text, AMegabyteOfMarksIsSortedAllTheSame) {
+// Sorting by insertion would take longer than the test's time-out.
+TEST(Text, SortsAMegabyteOfMarks) {
     std::string text = "q";
     for (int i = 0; i < 300'000; ++i) text += "\u0301\u0323";
     const auto form = composed(text);
@@ -139,15 +124,12 @@ TEST(Text, OrderIsThatOfComposedScalars) {
     // Ascending; texts of one row are equivalent.
     const std::vector<std::vector<std::string>> rows = {
         {""},
-        {"Z"},
         {"a"},
         {std::string("a\0", 2)},
-        {"e"},
         {"ez"},
         {"\u00E9", "e\u0301"},
         {"\u00E9a", "e\u0301a"},
         {"\u1EB9\u0301", "e\u0301\u0323", "e\u0323\u0301"},
-        {"\u3042"},
         {"\uD55C", "\u1112\u1161\u11AB"},
         {"\uFF21"},
         {"\U0001F600"},

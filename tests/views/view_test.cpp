@@ -12,7 +12,7 @@ namespace {
 
 using Edge = LayoutConstraint::Edge;
 
-void pin(const std::shared_ptr<View>& view, std::initializer_list<Edge> edges) {
+void pin(const std::shared_ptr<View>& view, const std::vector<Edge>& edges) {
     for (const auto edge : edges) LayoutConstraint::pin(view, edge)->setActive(true);
 }
 
@@ -41,7 +41,7 @@ TEST(Images, AreFoundByTheNameOfTheirAsset) {
     EXPECT_FALSE(pngImage(std::string(40, 'x')));
 }
 
-TEST(ViewTree, OwnsDownwardsAndMovesViewsThatAreAddedElsewhere) {
+TEST(ViewTree, OwnsSubviewsAndMovesThemWhenTheyAreAddedElsewhere) {
     auto first = View::create();
     const auto second = View::create();
     const auto child = viewIn(first, {});
@@ -59,12 +59,16 @@ TEST(ViewTree, OwnsDownwardsAndMovesViewsThatAreAddedElsewhere) {
     EXPECT_TRUE(second->subviews().empty());
 }
 
-TEST(ViewTree, PutsAViewThatIsAddedAgainOnTop) {
-    const auto host = View::create();
-    const auto a = viewIn(host, {});
-    const auto b = viewIn(host, {});
-    host->addSubview(a);
-    EXPECT_EQ(host->subviews(), (std::vector{b, a}));
+TEST(ViewTree, MovesAViewGivenByItsPlaceInTheListThatItLeaves) {
+    const auto first = View::create();
+    const auto second = View::create();
+    const auto a = viewIn(first, {});
+    const auto b = viewIn(first, {});
+    first->addSubview(first->subviews()[0]);
+    EXPECT_EQ(first->subviews(), (std::vector{b, a})) << "a view that is added again comes on top";
+    second->addSubview(first->subviews()[0]);
+    EXPECT_EQ(first->subviews(), std::vector{a});
+    EXPECT_EQ(second->subviews(), std::vector{b});
 }
 
 TEST(ViewTree, RefusesACircle) {
@@ -75,7 +79,7 @@ TEST(ViewTree, RefusesACircle) {
     EXPECT_DEATH(host->addSubview(host), "addSubview");
 }
 
-TEST(ViewLayout, FollowsPinnedEdgesDownTheTreeWithTheHostsSize) {
+TEST(ViewLayout, FollowsPinnedEdgesDownTheTree) {
     const auto host = View::create({5, 5, 100, 200});
     const auto cover = viewIn(host, {1, 2, 3, 4});
     const auto inner = viewIn(cover, {});
@@ -90,15 +94,12 @@ TEST(ViewLayout, FollowsPinnedEdgesDownTheTreeWithTheHostsSize) {
 }
 
 TEST(ViewLayout, MovesOrStretchesByTheEdgesThatArePinned) {
-    struct Case {
-        std::initializer_list<Edge> edges;
-        Rect frame;
+    const std::pair<std::vector<Edge>, Rect> rows[] = {
+        {{Edge::leading}, {0, 20, 30, 40}},
+        {{Edge::top, Edge::bottom}, {10, 0, 30, 200}},
+        {{Edge::bottom, Edge::trailing}, {70, 160, 30, 40}},
     };
-    for (const auto& [edges, frame] : {Case{{}, {10, 20, 30, 40}},
-                                       {{Edge::leading}, {0, 20, 30, 40}},
-                                       {{Edge::trailing}, {70, 20, 30, 40}},
-                                       {{Edge::top, Edge::bottom}, {10, 0, 30, 200}},
-                                       {{Edge::bottom, Edge::trailing}, {70, 160, 30, 40}}}) {
+    for (const auto& [edges, frame] : rows) {
         const auto host = View::create({0, 0, 100, 200});
         const auto view = viewIn(host, {10, 20, 30, 40});
         pin(view, edges);
@@ -108,18 +109,24 @@ TEST(ViewLayout, MovesOrStretchesByTheEdgesThatArePinned) {
 }
 
 TEST(ViewLayout, ConstraintsEndWhenDeactivatedOrWhenTheViewLeaves) {
-    const auto host = View::create({0, 0, 100, 200});
+    auto host = View::create({0, 0, 100, 200});
     const auto view = viewIn(host, {0, 0, 10, 10});
     const auto left = LayoutConstraint::pin(view, Edge::leading);
     const auto right = LayoutConstraint::pin(view, Edge::trailing);
-    left->setActive(true);
-    right->setActive(true);
+    for (const auto& pin : {left, right}) pin->setActive(true);
     right->setActive(false);
     host->setFrame({0, 0, 300, 300});
     EXPECT_EQ(view->frame().width, 10);
 
-    View::create()->addSubview(view);
+    auto other = View::create();
+    other->addSubview(view);
     EXPECT_FALSE(left->isActive());
+
+    right->setActive(true);
+    other.reset();
+    EXPECT_FALSE(right->isActive()) << "the superview is gone";
+    right->setActive(false);
+    EXPECT_FALSE(view->superview());
 }
 
 TEST(ViewTaps, FindTheTopmostViewThatCanBeSeenAndTouched) {
@@ -141,11 +148,11 @@ TEST(ViewTaps, FindTheTopmostViewThatCanBeSeenAndTouched) {
     EXPECT_EQ(host->hitTest({50, 50}), below);
 }
 
-TEST(ViewTaps, AreHeardByTheNearestViewWithRecognisers) {
+TEST(ViewTaps, ReachTheNearestViewWithRecognisers) {
     const auto host = View::create({0, 0, 100, 100});
     const auto cover = viewIn(host, {0, 0, 50, 50});
     viewIn(cover, {0, 0, 50, 50});
-    EXPECT_FALSE(host->tapAt({1, 1})) << "nothing listens";
+    EXPECT_FALSE(host->tapAt({1, 1})) << "no recogniser";
     int hostTaps = 0;
     int coverTaps = 0;
     const auto onCover = std::make_shared<TapGestureRecognizer>([&] { ++coverTaps; });
@@ -171,7 +178,7 @@ TEST(ViewTaps, AnActionMayRemoveItsView) {
     EXPECT_TRUE(watch.expired());
 }
 
-/// Writes down what each view tells its peer.
+/// Records what each view tells its peer, as words.
 class Screen {
 public:
     std::unique_ptr<platform::ViewPeer> peer(std::string name) {
@@ -196,7 +203,7 @@ private:
     std::string said_;
 };
 
-TEST(ViewPeers, AreMadeForWhatComesUnderAViewThatIsShown) {
+TEST(ViewPeers, AreMadeForViewsAddedToAViewWithAPeer) {
     Screen screen;
     virtual_world::VirtualPlatform world{{0, 0}};
     auto platform = world.platform();
@@ -205,7 +212,7 @@ TEST(ViewPeers, AreMadeForWhatComesUnderAViewThatIsShown) {
 
     const auto child = View::create();
     const auto grandchild = viewIn(child, {});
-    EXPECT_FALSE(grandchild->peer()) << "in memory only";
+    EXPECT_FALSE(grandchild->peer()) << "the top has no peer yet";
     const auto host = View::create({0, 0, 10, 10});
     host->addSubview(child);
     host->setPeer(screen.peer("host"));
@@ -217,7 +224,7 @@ TEST(ViewPeers, AreMadeForWhatComesUnderAViewThatIsShown) {
     EXPECT_EQ(screen.take(), "made-tree ");
 }
 
-TEST(ViewPeers, HearOfEachChangeOnceAndOfNothingElse) {
+TEST(ViewPeers, AreToldOfEachChangeOnce) {
     Screen screen;
     const auto view = ImageView::create();
     view->setPeer(screen.peer("v"));
@@ -236,32 +243,6 @@ TEST(ViewPeers, HearOfEachChangeOnceAndOfNothingElse) {
     view->setPeer(nullptr);
     view->setHidden(false);
     EXPECT_EQ(screen.take(), "v-gone ");
-}
-
-TEST(View, CanBeMovedByItsPlaceInTheListItLeaves) {
-    const auto first = View::create();
-    const auto second = View::create();
-    const auto a = View::create();
-    const auto b = View::create();
-    first->addSubview(a);
-    first->addSubview(b);
-    first->addSubview(first->subviews()[0]);  // to the top
-    EXPECT_EQ(first->subviews(), (std::vector{b, a}));
-    second->addSubview(first->subviews()[0]);
-    EXPECT_EQ(first->subviews(), std::vector{a});
-    EXPECT_EQ(second->subviews(), std::vector{b});
-}
-
-TEST(View, PinsEndWithTheSuperview) {
-    const auto view = View::create({0, 0, 10, 10});
-    auto host = View::create({0, 0, 50, 50});
-    host->addSubview(view);
-    const auto pin = LayoutConstraint::pin(view, LayoutConstraint::Edge::trailing);
-    pin->setActive(true);
-    host.reset();
-    EXPECT_FALSE(pin->isActive());
-    pin->setActive(false);
-    EXPECT_FALSE(view->superview());
 }
 
 }  // namespace
