@@ -16,7 +16,7 @@ IndexedDapoWard indexed(const DapoLevel& level, const DapoLevelWard& ward) {
             ward.rssi, wardContents(ward)};
 }
 
-/// To the nearest, halves away from zero; beyond 64 bits the end of their range.
+/// To the nearest integer, halves away from zero, limited to 64 bits.
 std::int64_t roundedToInteger(double strength) {
     constexpr double LIMIT = 0x1p63;
     const double rounded = std::round(strength);
@@ -29,7 +29,7 @@ bool comesBefore(const IndexedDapoWard& a, const IndexedDapoWard& b) {
     return a.id != b.id ? a.id < b.id : text::CanonicalLess{}(a.name, b.name);
 }
 
-/// The wards that can be detected, in the order in which they are delivered: of those with one name the last.
+/// The wards that can be detected, in the order of delivery. Of wards with one name that is the last.
 std::vector<IndexedDapoWard> wardsOf(const std::vector<DapoBuilding>& buildings) {
     WardNames names;
     std::vector<IndexedDapoWard> wards;

@@ -9,8 +9,8 @@ namespace oska {
 namespace {
 
 constexpr std::size_t LEAST_ROOM = 64;     // readings
-constexpr std::size_t MOST_ROOM = 4096;    // readings that one sample makes room for in others
-constexpr std::size_t SPARE_SAMPLES = 64;  // that stay even where fewer are in use
+constexpr std::size_t MOST_ROOM = 4096;    // readings: one large sample reserves no more in all others
+constexpr std::size_t SPARE_SAMPLES = 64;  // kept even when fewer are in use
 
 std::uint64_t distance(std::int64_t from, std::int64_t to) {
     return static_cast<std::uint64_t>(to) - static_cast<std::uint64_t>(from);
@@ -48,13 +48,13 @@ void SampleWindow::prune(std::int64_t now) {
     while (spare_.size() > std::max(samples_.size(), SPARE_SAMPLES)) spare_.pop_back();
 }
 
-// As many as are in use, so that a window of about so many samples, now more and now less, is soon content.
+// As many as are in use, so that a window whose size varies a little soon allocates no more.
 void SampleWindow::provideSpare() {
     spare_.resize(std::max<std::size_t>(samples_.size(), 1));
     for (auto& sample : spare_) sample.readings.reserve(std::max(room_, LEAST_ROOM));
 }
 
-// All samples make room for what one of them held: the next one in the same storage may be as large.
+// Every sample reserves storage for the largest one: the next sample in the same storage may be as large.
 void SampleWindow::resolve(BufferedRfdSample& sample, const WardNames& names) {
     const auto needed = std::bit_ceil(sample.rfs.size());
     room_ = std::max(room_, std::min(needed, MOST_ROOM));

@@ -10,46 +10,50 @@
 
 namespace oska {
 
-/// Milliseconds of mobile time are compared without overflow, whatever the stamps.
+// Comparisons of mobile times, in milliseconds. They do not overflow for any two 64-bit times.
 
-/// `now - then > limit`; a `then` that lies ahead of `now` has no age.
+/// Whether `now - then > limit`. False when `then` is later than `now`. Requires: `limit` is not negative.
 [[nodiscard]] bool isOlderThan(std::int64_t limit, std::int64_t then, std::int64_t now);
 
-/// `now - then >= span`.
+/// Whether `now - then >= span`. False when `then` is later than `now`. Requires: `span` is not negative.
 [[nodiscard]] bool hasElapsed(std::int64_t span, std::int64_t then, std::int64_t now);
 
-/// What one sample says of one ward.
+/// How strongly one sample has received one ward name.
 struct Reading {
-    WardNames::Number ward;
-    double strength;  ///< dBm
+    WardNames::Number ward;  ///< the number of the name
+    double strength;         ///< dBm
 };
 
-/// A sample of the window: as received, and resolved to the wards that are known.
+/// One sample of the window: as received, and resolved to the known names.
 struct BufferedRfdSample {
-    std::int64_t mobileTime = 0;  ///< milliseconds
-    platform::ReceivedForce::Strengths rfs;
-    std::vector<Reading> readings;  ///< without those that are below every threshold of their name
+    std::int64_t mobileTime = 0;             ///< milliseconds
+    platform::ReceivedForce::Strengths rfs;  ///< dBm by name, as the generator has sent it
+    /// The readings that can count: of known names, and not below every threshold of their name.
+    std::vector<Reading> readings;
 };
 
-/// The samples of the last so many milliseconds of mobile time, oldest first as they came.
+/// The samples of the last milliseconds of mobile time, in the order in which they came.
 ///
-/// Each name is resolved once, when its sample arrives; an engine then rescans numbers, not names. The
-/// samples are kept as received, too, so that the window outlives an index: see `resolveAgain`. A sample that
-/// leaves hands its storage on to one that comes, so that a full window allocates nothing. Threads: one at a
-/// time.
+/// Each name is resolved once, when its sample arrives, so that an engine scans numbers and not names. The
+/// window also keeps each sample as received, so that it can be used with new names: see `resolveAgain`. A
+/// new sample takes the storage of one that has left: a full window allocates no memory. Threads: one at a
+/// time. Errors: none.
 class SampleWindow {
 public:
+    /// An empty window of that length, not negative.
     explicit SampleWindow(std::int64_t lengthMilliseconds) : length_(lengthMilliseconds) {}
 
-    /// Appends the sample and drops what is older than the window, measured from it. A sample exactly as old
-    /// as the window stays, and so does one stamped later than the new one.
+    /// Appends the sample and drops the samples that are older than the length of the window, compared with
+    /// the new one. A sample of exactly that age stays, and so does one that is later than the new one.
     void append(platform::ReceivedForce sample, const WardNames& names);
 
-    /// To be called with each new index: what was heard before it counts for its wards.
+    /// Resolves all samples of the window with other names. To be called whenever the names have changed.
     void resolveAgain(const WardNames& names);
 
+    /// Drops all samples and their storage.
     void clear();
 
+    /// Oldest first.
     [[nodiscard]] const std::list<BufferedRfdSample>& samples() const { return samples_; }
 
 private:
@@ -61,8 +65,8 @@ private:
 
     std::int64_t length_;
     Samples samples_;
-    Samples spare_;         // left the window; without names
-    std::size_t room_ = 0;  // for readings, in each sample
+    Samples spare_;         // samples that have left the window, kept for their storage; without names
+    std::size_t room_ = 0;  // the number of readings that each sample reserves storage for
 };
 
 }  // namespace oska

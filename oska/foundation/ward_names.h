@@ -12,33 +12,35 @@
 
 namespace oska {
 
-/// The names of a site's wards, normalised, each with a dense number from 0, and with the weakest reading
-/// that can count for a ward of that name.
+/// The normalised names of a site's wards. Each has a number, counted from 0 without gaps, and the weakest
+/// reading that can count for a ward of that name.
 ///
-/// `find` is made for the stream of samples: it costs about the same however many wards there are, and it
-/// allocates nothing but storage of its own, which it keeps and whose size does not depend on how many names
-/// a busy street broadcasts. Threads: one at a time, `find` included.
+/// `find` is made for a stream of samples. Its cost does not depend on the number of wards. It allocates
+/// memory once, of a fixed size, however many other names are broadcast. Threads: one at a time, also for
+/// `find`. Errors: none.
 class WardNames {
 public:
+    /// The number of a name.
     using Number = std::uint32_t;
 
-    /// The number of `name`, a new one when no equal name was added before. `threshold` is in dBm; of those
-    /// given for one name the lowest holds.
+    /// Returns the number of `name`: a new one when no name with the same normal form was added before.
+    /// `threshold` is in dBm; the lowest of the values given for one name is used.
     Number add(std::string_view name, double threshold = -std::numeric_limits<double>::infinity());
 
-    /// The number of a name as broadcast.
+    /// The number of a name as broadcast, not normalised. Nullopt for an unknown name.
     [[nodiscard]] std::optional<Number> find(std::string_view name) const;
 
-    /// Whether a reading, in dBm, meets the threshold of the name with that number.
+    /// Whether a reading, in dBm, meets the threshold of the name with that number, which must exist.
     [[nodiscard]] bool canCount(Number number, double strength) const {
         return names_[number].threshold <= strength;
     }
 
+    /// The number of different names.
     [[nodiscard]] std::size_t size() const { return names_.size(); }
 
 private:
-    // The half of a hash that does not choose the slot tells nearly all other names apart without a look at
-    // the name.
+    // Holds the half of the hash that does not choose the slot: it rules out nearly all other names without a
+    // comparison of texts.
     struct Slot {
         std::uint32_t hash;
         std::uint32_t numberPlusOne;  // 0: the slot is free
@@ -49,7 +51,8 @@ private:
         double threshold;
     };
 
-    // A name as broadcast, short enough to keep, and what it was found to be: radios repeat themselves.
+    // A name as broadcast, and the result for it: radios send the same names over and over. Longer names are
+    // not remembered.
     struct Remembered {
         static constexpr std::size_t MOST_BYTES = 54;
         std::optional<Number> number;
@@ -63,10 +66,10 @@ private:
     [[nodiscard]] std::optional<Number> findKey(std::string_view key) const;
     void grow();
 
-    // A power of two of them, half of them free or more; a name lies in the first that was free for it.
+    // A hash table with open addressing. Its size is a power of two, and at least half of the slots are free.
     std::vector<Slot> slots_;
     std::vector<Name> names_;  // by number
-    std::string keys_;         // one after the other
+    std::string keys_;         // all names, one after the other
     mutable WardNameNormalizer normalize_;
     mutable std::vector<Remembered> remembered_;
 };

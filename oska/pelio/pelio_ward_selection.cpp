@@ -17,7 +17,8 @@ void forEachWard(const PelioBundle& bundle, Visit visit) {
 
 }  // namespace
 
-// Counted and then put in place: nodes are large, and moving them about would cost more than all the rest.
+// Counts the wards of each name first and then puts each ward in its place: moving the nodes, which are
+// large, would cost more than all the rest.
 PelioWardSelection::PelioWardSelection(const PelioBundle& bundle) : maps_(bundle.buildings) {
     std::vector<WardNames::Number> names;
     forEachWard(bundle, [&](const auto&, const auto&, const auto& ward) {
@@ -45,20 +46,20 @@ const PelioWardNode* PelioWardSelection::handle(platform::ReceivedForce sample) 
 }
 
 PelioWardSelection::Difference PelioWardSelection::difference(const Candidate& a, const Candidate& b) {
-    if (a.observedRssi != b.observedRssi) return Difference::STRENGTH;
-    if (a.ward->thresholdRssi != b.ward->thresholdRssi) return Difference::THRESHOLD;
-    return a.ward->id != b.ward->id ? Difference::ID : Difference::NONE;
+    if (a.observedRssi != b.observedRssi) return Difference::strength;
+    if (a.ward->thresholdRssi != b.ward->thresholdRssi) return Difference::threshold;
+    return a.ward->id != b.ward->id ? Difference::id : Difference::none;
 }
 
 bool PelioWardSelection::isBetter(const Candidate& a, const Candidate& b) {
     switch (difference(a, b)) {
-        case Difference::STRENGTH:
+        case Difference::strength:
             return a.observedRssi > b.observedRssi;
-        case Difference::THRESHOLD:
+        case Difference::threshold:
             return a.ward->thresholdRssi > b.ward->thresholdRssi;
-        case Difference::ID:
+        case Difference::id:
             return a.ward->id < b.ward->id;
-        case Difference::NONE:
+        case Difference::none:
             break;
     }
     return false;
@@ -72,7 +73,8 @@ PelioWardSelection::Candidate PelioWardSelection::strongest() const {
     Candidate best;
     for (const auto& sample : window_.samples()) {
         for (const auto& [name, rssi] : sample.readings) {
-            if (best.ward && rssi < best.observedRssi) continue;  // most readings: no ward need be looked at
+            if (best.ward && rssi < best.observedRssi)
+                continue;  // true for most readings: no ward is looked at
             for (const auto& ward : wardsOf(name)) {
                 const Candidate candidate{&ward, {name, ward.id}, rssi};
                 if (qualifies(ward, rssi) && (!best.ward || isBetter(candidate, best))) best = candidate;

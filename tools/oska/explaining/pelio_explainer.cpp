@@ -25,13 +25,13 @@ struct Rule {
 
 Rule ruleOf(Difference difference) {
     switch (difference) {
-        case Difference::STRENGTH:
+        case Difference::strength:
             return {"strength", "the strongest reading"};
-        case Difference::THRESHOLD:
+        case Difference::threshold:
             return {"threshold", "as strong, with the higher threshold"};
-        case Difference::ID:
+        case Difference::id:
             return {"id", "as strong, with the same threshold and the smaller id"};
-        case Difference::NONE:
+        case Difference::none:
             break;
     }
     return {"order", "alike in all, heard first"};
@@ -39,10 +39,10 @@ Rule ruleOf(Difference difference) {
 
 std::string_view wordsOf(const PelioWinner& winner) {
     if (winner.rule == "only") return "the only one that meets its threshold";
-    for (const auto difference : {Difference::STRENGTH, Difference::THRESHOLD, Difference::ID}) {
+    for (const auto difference : {Difference::strength, Difference::threshold, Difference::id}) {
         if (ruleOf(difference).name == winner.rule) return ruleOf(difference).words;
     }
-    return ruleOf(Difference::NONE).words;
+    return ruleOf(Difference::none).words;
 }
 
 std::string strengthOf(double value) { return decibels(value) + " dBm"; }
@@ -58,7 +58,7 @@ std::string reasonOf(const PelioWinner& winner) {
 std::string whyBeaten(const PelioWardSelection::Candidate& loser, const PelioWardSelection::Candidate& best) {
     const auto winner = inQuotes(best.ward->name);
     const auto difference = PelioWardSelection::difference(best, loser);
-    if (difference == Difference::STRENGTH) {
+    if (difference == Difference::strength) {
         return "beaten: " + decibels(best.observedRssi - loser.observedRssi) + " dB weaker than " + winner;
     }
     return "beaten: " + winner + " is " + std::string(ruleOf(difference).words);
