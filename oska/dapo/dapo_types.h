@@ -10,49 +10,57 @@
 #include "oska/resources/level_map.h"
 #include "oska/url/url_record.h"
 
-/// What a Dapo view tells its host. The records have a JSON form, in which an absent `mapImage` is left out,
-/// and are equal when all their fields are (see platform/record_equality.h).
+/// What a Dapo view reports to its host.
+///
+/// The records are plain values. Each has a JSON form, one object whose keys are the field names (see
+/// json/json.h): encoding omits a `mapImage` that is nullopt, decoding requires every other key. Two records
+/// are equal when all their fields are; texts are compared by canonical equivalence, a NaN equals nothing.
 namespace oska {
 
+/// Why an initialisation failed, why a start failed, and the map image of a level: types that Dapo shares
+/// with Pelio, under Dapo's names.
 using DapoInitErrorCode = ServiceInitErrorCode;
 using DapoErrorCode = ServiceErrorCode;
 using DapoMapImage = LevelMap;
 
-/// One content link of a ward.
+/// One content link of a ward: an address that the host may open when the ward is near.
 struct WardContents {
     static constexpr std::string_view TYPE_NAME = "WardContents";
     std::int64_t id = 0;  ///< the entry's number in the bundle
     std::string name;     ///< the entry's description in the bundle
-    Url url;
+    Url url;              ///< never invalid: entries whose address is no URL are left out
 };
 
-/// One detected ward, or one ward of the sector's description.
+/// One detected ward, or one ward of the sector's description (`DapoSectorInfo`).
 struct DapoWard {
     static constexpr std::string_view TYPE_NAME = "DapoWard";
-    std::int64_t id = 0;
-    std::int64_t level_id = 0;
-    std::string name;  ///< as in the bundle, whatever case it was broadcast in
-    double x = 0;      ///< on the level's map image, after scale and offset
-    double y = 0;
-    std::int64_t rssi = 0;               ///< threshold, dBm
-    std::int64_t detected_rssi = 0;      ///< the strongest of the readings that detected it, dBm
-    std::vector<WardContents> contents;  ///< ascending by id
+    std::int64_t id = 0;        ///< from the bundle; not necessarily unique
+    std::int64_t level_id = 0;  ///< the level that the ward is on
+    std::string name;           ///< as in the bundle, even when it was broadcast in another case
+    double x = 0;               ///< map pixels: after scale and offset of the level's map image
+    double y = 0;               ///< map pixels, second axis
+    std::int64_t rssi = 0;      ///< dBm: the weakest reading that counts for the ward
+    /// dBm: the strongest reading of the last 10 seconds, rounded, halves away from zero; 0 in a description.
+    std::int64_t detected_rssi = 0;
+    std::vector<WardContents> contents;  ///< ascending by id; equal ids in bundle order
 };
 
-/// The wards that are selected at a time; never none.
+/// The wards that are selected at one time; never empty.
 struct DapoContents {
     static constexpr std::string_view TYPE_NAME = "DapoContents";
     std::vector<DapoWard> wards;  ///< ascending by id, then by name
 };
 
+/// One level of a building, with its wards in bundle order.
 struct DapoLevelInfo {
     static constexpr std::string_view TYPE_NAME = "DapoLevelInfo";
     std::int64_t id = 0;
     std::string name;
-    std::optional<DapoMapImage> mapImage;
+    std::optional<DapoMapImage> mapImage;  ///< nullopt when the level has none
     std::vector<DapoWard> wards;
 };
 
+/// One building of a sector, with its levels in bundle order.
 struct DapoBuildingInfo {
     static constexpr std::string_view TYPE_NAME = "DapoBuildingInfo";
     std::int64_t id = 0;
@@ -60,13 +68,16 @@ struct DapoBuildingInfo {
     std::vector<DapoLevelInfo> levels;
 };
 
-/// A sector as a tree, in the bundle's order.
+/// A sector as a tree of buildings, levels and wards, all in bundle order. Nothing is left out: wards with
+/// equal names are listed each, though only the last of them can be detected.
 struct DapoSectorInfo {
     static constexpr std::string_view TYPE_NAME = "DapoSectorInfo";
     std::int64_t id = 0;
     std::string name;
     std::vector<DapoBuildingInfo> buildings;
 };
+
+// The fields of each record in the order of its JSON form (see json/record.h).
 
 template <class Visit>
 void fields(Visit& f, WardContents& contents) {
@@ -123,31 +134,37 @@ void fields(Visit& f, DapoSectorInfo& sector) {
 
 class DapoView;
 
-/// What a host hears of a Dapo view, which holds it weakly; all on the main thread. It may call the view back
-/// from any callback. A start and a refused id are answered inside the host's own call; a call on another
-/// thread waits for that.
+/// The host's side of a Dapo view.
+///
+/// Threads: each callback comes on the main thread. It may call any operation of the view, and may release
+/// the view's last reference. Lifetime: the view holds its delegate weakly. Errors: a callback must not
+/// throw.
 class DapoViewDelegate {
 public:
     virtual ~DapoViewDelegate() = default;
 
-    /// Once for each initialisation: success without a code, or failure with one. INVALID_ID comes inside
-    /// `initialize`, all else in a later job of the main queue. Whatever keeps the bundle away (no server, no
-    /// token, a status, a document that does not decode) is RESOURCE_FAIL; which it was is in the log alone,
-    /// where status 406 stands for no usable URL or token, and 500 for no reply, too.
+    /// The outcome of one `initialize`: success with nullopt, or failure with a code. INVALID_ID comes inside
+    /// `initialize`, every other outcome in a later job of the main queue.
+    /// RESOURCE_FAIL: the bundle could not be loaded (no server, no token, an HTTP status, a document that
+    /// does not decode). The log says which; status 406 there also stands for a missing URL or token, and 500
+    /// also for a missing reply.
     virtual void onInitSuccess(DapoView& view, bool success, std::optional<DapoInitErrorCode> code) = 0;
 
-    /// Once for each `startService`, before it returns.
+    /// The outcome of one `startService`, before it returns: success with nullopt, or failure with a code.
     virtual void onDapoSuccess(DapoView& view, bool success, std::optional<DapoErrorCode> code) = 0;
 
-    /// At a tap on the view while wards are selected, inside whatever the toolkit handles it in.
+    /// The user has tapped the view while wards are selected; never empty. Comes inside the toolkit's own
+    /// handling of the tap.
     virtual void onClick(DapoView& view, const std::vector<DapoWard>& dapoWards) = 0;
 
-    /// At a tick of the output timer, with the whole selection; not when a selection ends. Without an
-    /// unchanged-delivery interval also at once when the application comes back to the foreground, inside the
-    /// `NotificationCenter::post` that says so.
+    /// The whole selection, ascending by id, then by name; never empty. Comes at a tick of the output timer
+    /// when the set of names has changed, or when it is delivered again. The end of a selection is not
+    /// reported. Without an unchanged-delivery interval it also comes when the application returns to the
+    /// foreground, inside the `NotificationCenter::post` of that event.
     virtual void onDapoSelectionChanged(DapoView& view, const std::vector<DapoWard>& dapoWards) = 0;
 
-    /// Once for each level of the bundle, before a successful `onInitSuccess`, in the same job.
+    /// The map image of one level. Comes once for each level of a loaded bundle, ascending by level id,
+    /// before `onInitSuccess` and in the same job. Does nothing unless it is overridden.
     virtual void onDapoMapImageData(DapoView& view, std::int64_t levelId, const DapoMapImage& mapImage);
 };
 

@@ -17,7 +17,7 @@ void configure(platform::RFDGenerator& generator, const GeneratorRun::Start& sta
     });
 }
 
-// False when the generator threw.
+// Returns false when the generator threw.
 bool letGo(platform::RFDGenerator& generator) {
     try {
         generator.setDelegate({});
@@ -27,7 +27,7 @@ bool letGo(platform::RFDGenerator& generator) {
     }
 }
 
-// False when the generator threw; it has let go of the service all the same, if it could.
+// Returns false when the generator threw. Its delegate is removed in any case, if it lets us.
 bool halt(platform::RFDGenerator& generator) {
     bool isQuiet = true;
     try {
@@ -38,7 +38,7 @@ bool halt(platform::RFDGenerator& generator) {
     return letGo(generator) && isQuiet;
 }
 
-/// Null when none can be had; a factory that throws has none.
+/// Null when there is no factory, or when it makes none or throws.
 std::shared_ptr<platform::RFDGenerator> made(const platform::RFDGeneratorFactory& make) {
     try {
         return make ? make() : nullptr;
@@ -57,8 +57,8 @@ GeneratorRun::~GeneratorRun() {
 
 std::optional<GeneratorRun::Claim> GeneratorRun::claim() {
     const std::lock_guard lock(mutex_);
-    if (state_ != State::IDLE) return std::nullopt;
-    state_ = State::STARTING;
+    if (state_ != State::idle) return std::nullopt;
+    state_ = State::starting;
     isStopping_ = false;
     ++starts_;
     return Claim{stops_};
@@ -81,7 +81,7 @@ std::shared_ptr<platform::RFDGenerator> GeneratorRun::make(Claim claim, const st
     if (!generator) {
         settings_.log.error("startGenerator", "failed because rfdGenerator is nil", {{"id", id}});
     }
-    std::shared_ptr<platform::RFDGenerator> previous;  // goes outside the lock
+    std::shared_ptr<platform::RFDGenerator> previous;  // destroyed outside the lock
     const std::lock_guard lock(mutex_);
     if (claim.stops == stops_) previous = std::exchange(rfdGenerator_, generator);
     return generator;
@@ -98,7 +98,7 @@ bool GeneratorRun::run(platform::RFDGenerator& generator, Claim claim, const Sta
     }
 }
 
-// An overtaken start asks nothing more of the generator, which might begin to deliver to a stopped service.
+// An overtaken start does not touch the generator any more: it could begin to send to a stopped service.
 bool GeneratorRun::configureAndStart(platform::RFDGenerator& generator, Claim claim,
                                      const Start& start) const {
     if (const auto availability = generator.checkIsAvailableRfd(); !availability.available) {
@@ -125,10 +125,10 @@ bool GeneratorRun::isOvertaken(Claim claim) const {
 }
 
 bool GeneratorRun::settle(Claim claim, bool isRunning) {
-    std::shared_ptr<platform::RFDGenerator> failed;  // goes outside the lock
+    std::shared_ptr<platform::RFDGenerator> failed;  // destroyed outside the lock
     const std::lock_guard lock(mutex_);
     if (claim.stops != stops_) return false;
-    state_ = isRunning ? State::RUNNING : State::IDLE;
+    state_ = isRunning ? State::running : State::idle;
     if (!isRunning && settings_.stopsFailedGenerator) failed = std::exchange(rfdGenerator_, nullptr);
     return true;
 }
@@ -153,9 +153,9 @@ void GeneratorRun::stop() {
     }
     const std::lock_guard lock(mutex_);
     if (starts != starts_) return;
-    state_ = State::IDLE;
+    state_ = State::idle;
     isStopping_ = false;
-    rfdGenerator_ = nullptr;  // `generator` goes outside the lock
+    rfdGenerator_ = nullptr;  // `generator` is destroyed outside the lock
 }
 
 void GeneratorRun::end(platform::RFDGenerator* generator) const {
@@ -169,12 +169,12 @@ void GeneratorRun::end(platform::RFDGenerator* generator) const {
 
 bool GeneratorRun::isRunning() const {
     const std::lock_guard lock(mutex_);
-    return state_ == State::RUNNING;
+    return state_ == State::running;
 }
 
 bool GeneratorRun::isIdle() const {
     const std::lock_guard lock(mutex_);
-    return state_ == State::IDLE;
+    return state_ == State::idle;
 }
 
 }  // namespace oska

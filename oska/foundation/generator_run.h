@@ -14,43 +14,47 @@
 
 namespace oska {
 
-/// A service's signal generator from start to stop, over and over.
+/// The life that both services share: starts and stops a signal generator, any number of times.
 ///
-/// A generator may call back inside any operation of its own, and may run the main thread's loop in one. So
-/// a service may be stopped, and started again, in the middle of a start or of a stop. Starts and stops are
-/// numbered for that: a start that a stop has overtaken ends its own generator and changes nothing else, and
-/// so does a stop that a start has overtaken. While a stop is under way the service still counts as
-/// started; a second stop then takes the delegate away, ends the run, and leaves the rest to the first.
+/// A generator may call back inside each of its operations, and may run the main thread's loop there. So a
+/// service may be stopped, and started again, in the middle of a start or of a stop. Starts and stops are
+/// therefore numbered. A start during which the service was stopped ends its own generator and changes
+/// nothing else; a stop during which the service was started again does the same. Until a stop has ended, the
+/// service counts as started. A second stop in the middle of the first one takes the delegate from the
+/// generator, ends the run, and leaves the rest to the first.
 ///
-/// Threads: any. No lock is held while the generator or the log is called. Lifetime: keeps a generator for as
-/// long as a call of it runs. Destroying it stops the generator that is left. Its owner must outlive each
-/// call. Errors: each failure is logged with the service's own tag; no delegate of a host is called.
+/// Threads: any. No lock is held while the generator or the log is called. Lifetime: keeps a generator as
+/// long as one of its operations runs; its destructor stops the generator that is left. Its owner must
+/// outlive each call. Errors: each failure is logged with the service's tag; a generator that throws counts
+/// as failed. No delegate of a host is called.
 class GeneratorRun {
 public:
-    /// In what the services differ.
+    /// What differs between the services.
     struct Settings {
         Log log;
-        std::string_view stopOperation;  ///< logs, when there is no generator to stop
-        /// Whether a generator that could not be started is stopped at once; else it is kept until the next
-        /// stop or start.
+        std::string_view stopOperation;  ///< the name in the line that is logged without a generator to stop
+        /// Whether a generator that could not be started is stopped at once; otherwise it is kept until the
+        /// next stop or start.
         bool stopsFailedGenerator = false;
     };
 
+    /// The arguments of one start.
     struct Start {
-        std::string id;
-        std::optional<platform::ScanMode> scanMode = {};  ///< none: the generator's default
-        std::weak_ptr<platform::RFDGeneratorDelegate> delegate;
-        std::weak_ptr<const std::atomic<float>> pressure;  ///< of the service; told as 0 when that is gone
+        std::string id = {};                              ///< of the service; only logged
+        std::optional<platform::ScanMode> scanMode = {};  ///< nullopt: the generator's default
+        std::weak_ptr<platform::RFDGeneratorDelegate> delegate = {};
+        std::weak_ptr<const std::atomic<float>> pressure = {};  ///< read by the generator; expired: 0
     };
 
-    /// The right to start, until the next stop.
+    /// The right to start, valid until the next stop.
     struct Claim {
         std::uint64_t stops;
     };
 
+    /// The outcome of one start.
     struct Outcome {
-        std::optional<ServiceErrorCode> failure;
-        bool isOvertaken = false;  ///< stopped meanwhile; nothing of this start is left
+        std::optional<ServiceErrorCode> failure;  ///< nullopt: the start succeeded
+        bool isOvertaken = false;                 ///< the service was stopped meanwhile; no generator is left
     };
 
     explicit GeneratorRun(Settings settings) : settings_(settings) {}
@@ -58,24 +62,25 @@ public:
     GeneratorRun(const GeneratorRun&) = delete;
     GeneratorRun& operator=(const GeneratorRun&) = delete;
 
-    /// None when started already: from an earlier claim to the end of a stop or of a start that failed.
+    /// Nullopt when the service counts as started: from an earlier claim to the end of a stop, or to the end
+    /// of a start that failed.
     [[nodiscard]] std::optional<Claim> claim();
 
-    /// Checks Bluetooth, makes a generator, configures and starts it: live with
-    /// `platform::LIVE_SCAN`, or from recorded data while the process is in replay mode. Must follow each
-    /// claim. A start that is overtaken before it could fail counts as successful.
+    /// Checks Bluetooth, makes a generator, configures it and starts it: live with `platform::LIVE_SCAN`, or
+    /// from recorded data while the process is in replay mode. Must be called after each claim. A start that is
+    /// overtaken before it could fail counts as successful.
     Outcome start(Claim claim, const Start& start);
 
-    /// Stops the generator, then takes its delegate away, then lets go of it.
+    /// Stops the generator, then takes its delegate away, then releases it.
     void stop();
 
-    /// A start has succeeded, and no stop has ended since.
+    /// Whether a start has succeeded and no stop has ended since.
     [[nodiscard]] bool isRunning() const;
-    /// Neither started nor about to be.
+    /// Whether the service is neither started nor being started.
     [[nodiscard]] bool isIdle() const;
 
 private:
-    enum class State { IDLE, STARTING, RUNNING };
+    enum class State { idle, starting, running };
 
     [[nodiscard]] std::shared_ptr<platform::RFDGenerator> make(Claim claim, const std::string& id);
     [[nodiscard]] bool run(platform::RFDGenerator& generator, Claim claim, const Start& start) const;
@@ -90,9 +95,9 @@ private:
     mutable std::mutex mutex_;  // guards all below
     std::uint64_t starts_ = 0;
     std::uint64_t stops_ = 0;
-    State state_ = State::IDLE;
+    State state_ = State::idle;
     std::shared_ptr<platform::RFDGenerator> rfdGenerator_;
-    bool isStopping_ = false;  // rfdGenerator_, that is
+    bool isStopping_ = false;  // whether a stop of rfdGenerator_ is under way
 };
 
 }  // namespace oska

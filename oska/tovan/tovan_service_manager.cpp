@@ -39,7 +39,7 @@ TovanServiceManager::~TovanServiceManager() {
     try {
         serviceManager_->setDelegate({});
         serviceManager_->stopService([](bool, const std::string&, const platform::TovanServiceResult&) {});
-    } catch (...) {  // out of a destructor it would end the process
+    } catch (...) {  // an exception that leaves a destructor would end the process
     }
 }
 

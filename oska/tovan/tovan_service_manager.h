@@ -14,60 +14,80 @@ namespace oska {
 /// The maker's navigation service with the same kind of configuration as the kit's other services.
 ///
 ///     auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA", .sectorId = 12});
-///     service->setDelegate(host);   // hears onInitSuccess, then startService() may be called
+///     service->setDelegate(host);   // after onInitSuccess the host may call startService
 ///
-/// Passes every call to a navigation service of its own, unchanged, and hands that service's notifications to
-/// the host's delegate, all but `onBuildingLevelChangeStateChanged`. A notification that finds no delegate is
-/// dropped. Without a navigation framework, initialisation and start fail in words that say so.
+/// Makes one navigation service, passes each call to it unchanged, and passes its notifications to the host's
+/// delegate, all except `onBuildingLevelChangeStateChanged`. Checks nothing, logs nothing and keeps no state
+/// of the navigation.
 ///
-/// Threads: operations on any thread, inside a notification, too; notifications on whichever thread the
+/// Requires: a platform is installed (see platform/platform.h).
+/// Threads: operations on any thread, also inside a notification; notifications on the thread that the
 /// navigation service chooses.
-/// Lifetime: the last reference may go on any thread, inside a notification, too; that stops the navigation
-/// service. No notification reaches the host afterwards; one that runs on another thread at that moment may
-/// still end.
+/// Lifetime: the last reference may be released on any thread, also inside a notification. That stops the
+/// navigation service. No notification reaches the host afterwards, except one that is running on another
+/// thread at that moment.
+/// Errors: without a navigation framework, initialisation and start fail with a text that says so,
+/// completions fail, and queries return nullopt.
 class TovanServiceManager : public platform::NavigationManagerDelegate {
 public:
+    /// The arguments of `create`. All but the delegate are passed to the navigation service unchecked.
     struct Options {
-        std::string id;  ///< this and what follows go to the navigation service as they stand
-        std::string region;
+        /// The service id.
+        std::string id = {};
+        /// The region's name, such as "KOREA".
+        std::string region = {};
+        /// The sector to navigate in.
         std::int64_t sectorId = 0;
-        bool debugOption = false;  ///< of the navigation service; the kit's own logging is not touched
+        /// Whether the navigation service logs; the kit's own log switch is not changed.
+        bool debugOption = false;
+        /// The address of a server on the customer's premises; nullopt: the maker's servers.
         std::optional<std::string> onPremiseBaseURL = {};
-
-        /// The first delegate. A navigation service may answer its initialisation at once, inside `create`; a
-        /// delegate given here hears that answer, one that is set afterwards does not.
+        /// The first delegate, held weakly. A navigation service may report its initialisation at once,
+        /// inside `create`; a delegate that is set later misses such a report.
         std::weak_ptr<platform::NavigationManagerDelegate> delegate = {};
     };
 
-    /// Makes the service and starts its initialisation, which ends with `onInitSuccess`.
+    /// Makes the service and starts its initialisation, which ends with `onInitSuccess`. Never null.
     [[nodiscard]] static std::shared_ptr<TovanServiceManager> create(const Options& options);
 
     ~TovanServiceManager() override;
     TovanServiceManager(const TovanServiceManager&) = delete;
     TovanServiceManager& operator=(const TovanServiceManager&) = delete;
 
-    /// Held weakly; may be set, replaced and taken away at any time.
+    /// The receiver of all notifications, held weakly; it may be replaced or cleared at any time. Without
+    /// one, notifications are dropped.
     void setDelegate(std::weak_ptr<platform::NavigationManagerDelegate> delegate);
+    /// Null when no delegate is set or when it has been destroyed.
     [[nodiscard]] std::shared_ptr<platform::NavigationManagerDelegate> delegate() const;
 
+    // What the options contained.
     [[nodiscard]] const std::string& id() const { return id_; }
     [[nodiscard]] const std::string& region() const { return region_; }
     [[nodiscard]] std::int64_t sectorId() const { return sectorId_; }
 
+    /// Starts navigation for a person on foot or in a vehicle; ends with `onTovanSuccess`.
     void startService(platform::UserMode mode);
+    /// Stops navigation. `completion` is called exactly once, on any thread, inside this call or later.
     void stopService(platform::NavigationManager::StopCompletion completion);
 
+    // Queries of the site's names and ids. Nullopt when the navigation service does not know the place.
     [[nodiscard]] std::optional<std::string> getBuildingName(std::int64_t buildingId);
     [[nodiscard]] std::optional<std::int64_t> getBuildingId(const std::string& buildingName);
     [[nodiscard]] std::optional<std::string> getLevelName(std::int64_t levelId);
     [[nodiscard]] std::optional<std::int64_t> getLevelId(std::int64_t sectorId,
                                                          const std::string& buildingName,
                                                          const std::string& levelName);
+    /// The numbers that convert a level's coordinates, as the navigation service returns them; their number
+    /// and order are the navigation framework's.
     [[nodiscard]] std::optional<std::vector<float>> getScaleOffset(std::int64_t sectorId,
                                                                    const std::string& buildingName,
                                                                    const std::string& levelName);
 
+    /// Sets the destination; the route then comes with `isNavigationRouteChanged`, a failure with
+    /// `isNavigationRouteFailed`.
     void setNaviDestination(const platform::Point& dest, bool isVehicle);
+    /// Asks for a route over `waypoints`. `completion` is called exactly once, on any thread, inside this
+    /// call or later: with a result and the routes of each level, or with a reason why there is none.
     void requestRouting(const platform::RoutingStart& start, const platform::Point& end,
                         const std::vector<platform::Point>& waypoints, bool isVehicle,
                         platform::NavigationManager::RoutingCompletion completion);
@@ -75,7 +95,7 @@ public:
 private:
     explicit TovanServiceManager(const Options& options);
 
-    // The navigation service's notifications.
+    // The navigation service's notifications, passed to the host's delegate.
     void onInitSuccess(bool success, std::optional<platform::InitErrorCode> code,
                        const platform::TovanServiceResult& result) override;
     void onTovanSuccess(bool success, std::optional<platform::TovanErrorCode> code,
@@ -94,7 +114,7 @@ private:
     const std::int64_t sectorId_;
     const std::shared_ptr<platform::NavigationManager> serviceManager_;  // never null
 
-    mutable std::mutex mutex_;  // guards the delegate: hosts set it while notifications arrive
+    mutable std::mutex mutex_;  // guards the delegate, which a host may set while notifications arrive
     std::weak_ptr<platform::NavigationManagerDelegate> delegate_;
 };
 
