@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -11,49 +10,12 @@
 #include "oska/dapo/dapo_view.h"
 #include "oska/platform/notification_center.h"
 #include "tests/fakes/output_capture.h"
+#include "tests/fakes/recording_hosts.h"
 #include "tests/fakes/site_server.h"
 
 namespace oska {
 
-using Events = std::vector<std::string>;
-
-/// Writes down what it hears, and does what a test asks for inside a callback.
-class DapoHost : public DapoViewDelegate {
-public:
-    void onInitSuccess(DapoView&, bool success, std::optional<DapoInitErrorCode> code) override {
-        hear("init " + (success ? "true" : std::string(caseName(*code))));
-    }
-    void onDapoSuccess(DapoView&, bool success, std::optional<DapoErrorCode> code) override {
-        hear("start " + (success ? "true" : std::string(caseName(*code))));
-    }
-    void onClick(DapoView&, const std::vector<DapoWard>& dapoWards) override {
-        hear("click" + names(dapoWards));
-    }
-    void onDapoSelectionChanged(DapoView&, const std::vector<DapoWard>& dapoWards) override {
-        hear("changed" + names(dapoWards));
-    }
-    void onDapoMapImageData(DapoView&, std::int64_t levelId, const DapoMapImage&) override {
-        hear("map " + std::to_string(levelId));
-    }
-
-    Events take() { return std::exchange(events_, {}); }
-
-    std::function<void(const std::string& event)> reaction = [](const auto&) {};
-
-private:
-    static std::string names(const std::vector<DapoWard>& wards) {
-        std::string names;
-        for (const auto& ward : wards) names += " " + ward.name;
-        return names;
-    }
-
-    void hear(const std::string& event) {
-        events_.push_back(event);
-        reaction(event);
-    }
-
-    Events events_;
-};
+using fakes::Events;
 
 /// A Dapo view in a virtual world, over a host view of 390 by 844 points, for a site with the one ward
 /// "lobby-a".
@@ -117,7 +79,7 @@ protected:
     virtual_world::VirtualPlatform world_{{1'700'000'000'000, 0}};
     fakes::SiteServer site_{world_.server()};
     fakes::OutputCapture output_;
-    std::shared_ptr<DapoHost> host_ = std::make_shared<DapoHost>();
+    std::shared_ptr<fakes::DapoHost> host_ = std::make_shared<fakes::DapoHost>();
     std::shared_ptr<views::View> hostView_ = views::View::create({0, 0, 390, 844});
     std::shared_ptr<DapoView> view_;
 };

@@ -7,33 +7,29 @@
 namespace oska {
 namespace {
 
-namespace json = json;
-
 TEST(PelioTypes, KeepTheirJsonForm) {
-    const PelioResult result{9'007'199'254'740'993, 1, "b", 2, "l", 60, 30.5};
-    const std::string text =
+    const std::string result =
         R"({"mobile_time":9007199254740993,"building_id":1,"building_name":"b","level_id":2,)"
         R"("level_name":"l","x":60,"y":30.5})";
-    EXPECT_EQ(*json::encode(result), text);
-    const auto decoded = json::decode<PelioResult>(text);
-    ASSERT_TRUE(decoded);
-    EXPECT_EQ(*json::encode(*decoded), text);
-
+    EXPECT_EQ(*json::encode(PelioResult{9'007'199'254'740'993, 1, "b", 2, "l", 60, 30.5}), result);
+    EXPECT_EQ(*json::encode(*json::decode<PelioResult>(result)), result);
     const std::string image =
         R"({"building_id":1,"building_name":"b","level_id":2,"level_name":"l","url":"u",)"
         R"("image_width":1,"image_height":2,"scale_x":3,"scale_y":4,"offset_x":5,"offset_y":6})";
     EXPECT_EQ(*json::encode(*json::decode<PelioMapImage>(image)), image);
-
-    const auto incomplete = json::decode<PelioResult>(text.substr(0, text.rfind(',')) + "}");
+    const auto incomplete = json::decode<PelioResult>(result.substr(0, result.rfind(',')) + "}");
     ASSERT_FALSE(incomplete);
     EXPECT_EQ(incomplete.error().path, "y");
 }
 
-TEST(PelioTypes, RawValuesConvertToTheCasesThatTheyHave) {
+TEST(ServiceCodes, ConvertFromTheRawValuesThatTheyHave) {
     for (const int raw : {-1, 0, 1, 2, 3}) EXPECT_EQ(static_cast<int>(*serviceErrorCode(raw)), raw);
     for (const int raw : {-1, 0, 1}) EXPECT_EQ(static_cast<int>(*serviceInitErrorCode(raw)), raw);
-    for (const int raw : {-2, 4}) EXPECT_FALSE(serviceErrorCode(raw));
-    for (const int raw : {-2, 2, 4}) EXPECT_FALSE(serviceInitErrorCode(raw));
+    const auto beyond32Bits = (std::int64_t{1} << 32) + 1;
+    for (const auto raw : {std::int64_t{-2}, std::int64_t{4}, beyond32Bits})
+        EXPECT_FALSE(serviceErrorCode(raw));
+    for (const auto raw : {std::int64_t{-2}, std::int64_t{2}, beyond32Bits})
+        EXPECT_FALSE(serviceInitErrorCode(raw));
     EXPECT_EQ(caseName(PelioErrorCode::BLE_NOT_AUTHORIZED), "BLE_NOT_AUTHORIZED");
 }
 
