@@ -54,6 +54,7 @@ void DapoDetection::indexDapoWards(const std::vector<DapoBuilding>& buildings) {
     for (const auto& ward : wards_) names_.add(ward.name, static_cast<double>(ward.thresholdRssi));
     tallies_.assign(wards_.size(), {});
     countsFrom_ = 0;
+    qualified_.setLimit(wards_.size());
     bufferedRfds_.resolveAgain(names_);
 }
 
@@ -72,7 +73,8 @@ DapoDetection::Detected DapoDetection::handle(platform::ReceivedForce sample) {
     bufferedRfds_.append(std::move(sample), names_);
     qualify();
     Detected detected;
-    for (const auto number : qualified_) {
+    detected.wards.reserve(qualified_.size());
+    qualified_.drain([&](std::size_t number) {
         const auto& ward = wards_[number];
         const auto onMap = maps_.convertWardCoordinate(ward.levelId, ward.x, ward.y);
         if (!onMap) detected.levelsWithoutMap.push_back(ward.levelId);
@@ -80,12 +82,11 @@ DapoDetection::Detected DapoDetection::handle(platform::ReceivedForce sample) {
             onMap.value_or(MapPoint{static_cast<double>(ward.x), static_cast<double>(ward.y)});
         detected.wards.push_back({ward.id, ward.levelId, ward.name, x, y, ward.thresholdRssi,
                                   roundedToInteger(tallies_[number].strongest), ward.contents});
-    }
+    });
     return detected;
 }
 
 void DapoDetection::qualify() {
-    qualified_.clear();
     std::uint64_t highest = countsFrom_;
     for (const auto& sample : bufferedRfds_.samples()) {
         for (const auto& [ward, strength] : sample.readings) {
@@ -95,11 +96,10 @@ void DapoDetection::qualify() {
             tally.strongest = isFirst ? strength : std::max(tally.strongest, strength);
             tally.count = std::max(tally.count, countsFrom_) + 1;
             highest = std::max(highest, tally.count);
-            if (tally.count == countsFrom_ + RFD_TRIGGER_COUNT) qualified_.push_back(ward);
+            if (tally.count == countsFrom_ + RFD_TRIGGER_COUNT) qualified_.insert(ward);
         }
     }
     countsFrom_ = highest;
-    std::sort(qualified_.begin(), qualified_.end());
 }
 
 }  // namespace oska

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "oska/dapo/dapo_types.h"
+#include "oska/foundation/number_set.h"
 #include "oska/foundation/sample_window.h"
 #include "oska/resources/bundle.h"
 #include "oska/resources/level_map_index.h"
@@ -108,7 +109,7 @@ private:
     std::vector<IndexedDapoWard> wards_;  // by the number of their name, which is the order of delivery
     std::vector<Tally> tallies_;          // by ward
     std::uint64_t countsFrom_ = 0;
-    std::vector<WardNames::Number> qualified_;
+    NumberSet qualified_;  // the wards that this sample detects; empty between samples
     LevelMapIndex maps_;
     SampleWindow bufferedRfds_{RFD_BUFFER_TIME_WINDOW * 1000};
 };

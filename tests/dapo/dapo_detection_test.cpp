@@ -151,6 +151,17 @@ TEST_F(Detection, SortsByIdThenByNameInTheOrderOfComposedScalars) {
     EXPECT_EQ(names, (std::vector<std::string>{"f\u0302", "\u00e9", "e\u0301x", "a", "b", "z"}));
 }
 
+TEST_F(Detection, SortsWardsOfALargeSite) {
+    std::vector<DapoLevelWard> wards;
+    for (int id = 9999; id >= 0; --id) wards.push_back(ward(id, std::to_string(id)));
+    know(wards);
+    const Ids expected{0, 63, 64, 4095, 4096, 9999};
+    Strengths heard;
+    for (const auto id : expected) heard[std::to_string(id)] = -70;
+    EXPECT_EQ(ids(hearOften(6, heard)), expected);
+    EXPECT_EQ(ids(hear(6000, {{"1", -70}})), expected) << "and again with the next sample";
+}
+
 TEST_F(Detection, CountsWhatWasBufferedForANewIndex) {
     know({ward(1, "a")});
     hearOften(5, {{"a", -70}, {"b", -70}});
