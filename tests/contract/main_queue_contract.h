@@ -104,7 +104,7 @@ TYPED_TEST_P(MainQueueContract, RunsNothingInsideTheCallAndNothingEarly) {
         this->queue().async(this->note("nested"));
         this->ran_.push_back("outer ends");
     });
-    const auto tick = this->queue().every(DELAY, this->note("tick"));
+    const auto tick = this->queue().every(std::chrono::hours(1), this->note("tick"));
     const auto delayed = this->queue().after(DELAY, [&] {
         EXPECT_GE(this->driver_.elapsed() - before, DELAY);
         isDone = true;
@@ -112,8 +112,6 @@ TYPED_TEST_P(MainQueueContract, RunsNothingInsideTheCallAndNothingEarly) {
     EXPECT_TRUE(this->ran_.empty());
     this->runUntil(isDone);
 
-    ASSERT_GE(this->ran_.size(), 3U);
-    this->ran_.resize(3);
     EXPECT_EQ(this->ran_, (std::vector<std::string>{"outer ends", "tick", "nested"}));
 }
 
@@ -262,8 +260,8 @@ TYPED_TEST_P(MainQueueContract, StoppingAnswersWaitingSyncs) {
 TYPED_TEST_P(MainQueueContract, StoppingDestroysJobsWithoutRunningThem) {
     Held waiting;
     Held running;
-    auto victim = this->queue().after(2 * TestFixture::UNIT, this->note("victim"));
-    const auto kept = this->queue().after(TestFixture::UNIT, [token = waiting.give()] {});
+    auto victim = this->queue().after(std::chrono::hours(1), this->note("victim"));
+    const auto kept = this->queue().after(std::chrono::hours(1), [token = waiting.give()] {});
     // A job's destruction may use the queue, also while that stops.
     const auto user = this->queue().every(TestFixture::UNIT,
                                           [this, end = whenDestroyed([&] {

@@ -95,12 +95,13 @@ TEST_F(NativeHttp, HasSixConnectionsASessionAndHostAndLetsTheRestWait) {
     const auto session = factory_.makeSession({}, nullptr);
     platform::Outcomes outcomes;
     for (int i = 0; i < 8; ++i) session->send(get(server.url("/held")), outcomes.next());
-    auto impatient = get(server.url("/held"));
-    impatient.timeout = 20ms;
-    session->send(impatient, outcomes.next());
     auto refused = get(server.url("/"));
     refused.body = "x";
     session->send(refused, outcomes.next());
+    while (outcomes.count() < 1) std::this_thread::yield();
+    auto impatient = get(server.url("/held"));
+    impatient.timeout = 20ms;
+    session->send(impatient, outcomes.next());
     while (outcomes.count() < 2) std::this_thread::yield();
     EXPECT_EQ(kindOf(outcomes.all()[0]), HttpErrorKind::bodyNotAllowed);
     EXPECT_EQ(kindOf(outcomes.all()[1]), HttpErrorKind::timedOut);
