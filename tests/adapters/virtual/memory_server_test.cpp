@@ -2,248 +2,150 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include "tests/contract/http_session_contract.h"
 
 namespace oska::virtual_world {
 namespace {
 
-using platform::ChallengeDisposition;
 using platform::HttpErrorKind;
-using platform::HttpOutcome;
 using platform::HttpRequest;
+using platform::HttpSession;
 using namespace std::chrono_literals;
 
 constexpr platform::WallTime START{1'700'000'000'000, 0};
 
-HttpRequest requestTo(std::string_view url) {
-    HttpRequest request;
-    request.url = Url::parse(url).value();
-    return request;
-}
-
-struct Judge : platform::HttpSessionDelegate {
-    ChallengeDisposition didReceiveChallenge(const platform::AuthenticationChallenge& challenge) override {
-        asked.push_back(challenge.host);
-        return verdict;
-    }
-    ChallengeDisposition verdict = ChallengeDisposition::performDefaultHandling;
-    std::vector<std::string> asked;
-};
-
-/// One completion: what it was told, and when.
-struct Heard {
-    HttpOutcome outcome;
-    std::int64_t at = 0;
-
-    std::optional<HttpErrorKind> error() const {
-        return outcome.error ? std::optional(outcome.error->kind) : std::nullopt;
-    }
-};
-
+/// What the contract of HTTP sessions leaves open: scripts, instants, and what the server has seen.
 class MemoryServerTest : public testing::Test {
 protected:
-    std::unique_ptr<platform::HttpSession> session(platform::HttpSessionConfiguration configuration = {}) {
-        return server_->makeSession(configuration, judge_);
+    void send(HttpSession& session, const std::string& url) {
+        session.send({.url = Url::parse(url).value()}, hear());
     }
-    void send(platform::HttpSession& session, HttpRequest request) {
-        const auto heardBefore = heard_.size();
-        session.send(std::move(request), hear());
-        EXPECT_EQ(heard_.size(), heardBefore) << "completed inside send";
+    HttpSession::Completion hear() {
+        return heard_.next([this] { instants_.push_back(millisecondsBetween(START, time_->now())); });
     }
-    platform::HttpSession::Completion hear() {
-        return [this](HttpOutcome outcome) {
-            heard_.push_back({std::move(outcome), platform::millisecondsBetween(START, time_->now())});
-        };
-    }
-    /// The one completion of a request sent now, an hour later.
-    Heard outcomeOf(platform::HttpSession& session, HttpRequest request) {
-        send(session, std::move(request));
-        time_->advanceBy(1h);
-        EXPECT_EQ(heard_.size(), 1U);
-        return heard_.empty() ? Heard{} : heard_.front();
-    }
+    std::optional<HttpErrorKind> errorOf(std::size_t index) const { return kindOf(heard_.all().at(index)); }
 
     std::shared_ptr<VirtualMainQueue> time_ = std::make_shared<VirtualMainQueue>(START);
     std::unique_ptr<MemoryServer> server_ = std::make_unique<MemoryServer>(time_);
-    std::shared_ptr<Judge> judge_ = std::make_shared<Judge>();
-    std::vector<Heard> heard_;
+    platform::Outcomes heard_;
+    std::vector<std::int64_t> instants_;  // of the outcomes
 };
 
 TEST_F(MemoryServerTest, AnswersByPathAndRecordsWhatItSaw) {
     server_->onPath("/a", always(reply(200, "first", {{"ETag", "x"}}).delayedBy(20ms)));
-    server_->onRequest([](const HttpRequest& request) { return reply(201, request.body); });
-    const auto one = session();
-    const auto two = session();
-    auto post = requestTo("http://host/other?a=/a");
-    post.method = "POST";
-    post.headers = {{"Authorization", "Bearer t"}};
-    post.body = "payload";
-    send(*two, requestTo("http://host:80/a?q=1"));
+    server_->onRequest([](const HttpRequest& request) { return reply(201, request.url.absoluteString()); });
+    const auto one = server_->makeSession({}, nullptr);
+    const auto two = server_->makeSession({}, nullptr);
+    send(*two, "http://host:80/a?q=1");
     time_->advanceBy(5ms);
-    send(*one, std::move(post));
+    send(*one, "http://host/other?a=/a");
     time_->advanceBy(1s);
 
-    ASSERT_EQ(heard_.size(), 2U);
-    EXPECT_EQ(heard_[0].at, 5);
-    EXPECT_EQ(heard_[0].outcome.reply->status, 201);
-    EXPECT_EQ(heard_[0].outcome.body, "payload");
-    EXPECT_EQ(heard_[1].at, 20);
-    EXPECT_EQ(heard_[1].outcome.body, "first");
-    EXPECT_EQ(heard_[1].outcome.reply->headers.at(0).value, "x");
-
+    EXPECT_EQ(instants_, (std::vector<std::int64_t>{5, 20}));
+    EXPECT_EQ(heard_.all().at(0).body, "http://host/other?a=/a");
+    EXPECT_EQ(heard_.all().at(1).body, "first");
+    EXPECT_EQ(heard_.all().at(1).reply->headers.at(0).value, "x");
     const auto seen = server_->requests();
     ASSERT_EQ(seen.size(), 2U);
     EXPECT_EQ(seen[0].session, 1U);
-    EXPECT_EQ(seen[0].request.url.absoluteString(), "http://host:80/a?q=1");
     EXPECT_EQ(seen[1].session, 0U);
     EXPECT_EQ(seen[1].at, START + 5ms);
-    EXPECT_EQ(seen[1].request.headers.at(0).value, "Bearer t");
-}
 
-TEST_F(MemoryServerTest, WithoutAScriptNothingIsFound) {
-    const auto one = session();
-    EXPECT_EQ(outcomeOf(*one, requestTo("http://host")).outcome.reply->status, 404);
-}
-
-TEST_F(MemoryServerTest, KeepsNoRequestsWhenToldNotTo) {
     server_->keepRequests(false);
-    const auto one = session();
-    EXPECT_EQ(outcomeOf(*one, requestTo("http://host/")).outcome.reply->status, 404);
-    EXPECT_TRUE(server_->requests().empty());
-}
-
-struct Ending {
-    const char* name;
-    ScriptedAnswer answer;
-    std::optional<HttpErrorKind> error;
-    bool hasReply;
-    bool hasStatus;
-    bool hasBody;
-};
-
-class MemoryServerEnding : public MemoryServerTest, public testing::WithParamInterface<Ending> {};
-
-TEST_P(MemoryServerEnding, ReachesTheClientAsScripted) {
-    const auto& ending = GetParam();
-    server_->onRequest(always(ending.answer));
-    const auto one = session();
-    const auto heard = outcomeOf(*one, requestTo("https://host/x"));
-    EXPECT_EQ(heard.error(), ending.error);
-    EXPECT_EQ(heard.outcome.reply.has_value(), ending.hasReply);
-    EXPECT_EQ(heard.outcome.reply && heard.outcome.reply->status, ending.hasStatus);
-    EXPECT_EQ(heard.outcome.body.has_value(), ending.hasBody);
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Endings, MemoryServerEnding,
-    testing::Values(Ending{"Reply", reply(204), {}, true, true, true},
-                    Ending{"NoBody", reply(200, std::nullopt), {}, true, true, false},
-                    Ending{"BeyondHttp", replyBeyondHttp("x"), {}, true, false, true},
-                    Ending{"Nothing", nothing(), {}, false, false, false},
-                    Ending{"Refusal", refusal(), HttpErrorKind::cannotConnect, false, false, false},
-                    Ending{"Late", failureAfter(200, HttpErrorKind::connectionLost, "lost"),
-                           HttpErrorKind::connectionLost, true, true, false}),
-    [](const auto& ending) { return ending.param.name; });
-
-struct TimeoutCase {
-    std::chrono::milliseconds idle;
-    std::chrono::milliseconds resource;
-    std::optional<std::chrono::milliseconds> own;
-    std::optional<std::chrono::milliseconds> delay;  // none: silence
-    std::optional<HttpErrorKind> error;
-    std::int64_t at;
-};
-
-class MemoryServerTimeout : public MemoryServerTest, public testing::WithParamInterface<TimeoutCase> {};
-
-TEST_P(MemoryServerTimeout, TheEarlierOfIdleAndResourceTimeoutEndsTheRequest) {
-    const auto& given = GetParam();
-    server_->onRequest(always(given.delay ? reply(200).delayedBy(*given.delay) : silence()));
-    const auto one = session({.timeoutForRequest = given.idle, .timeoutForResource = given.resource});
-    auto request = requestTo("http://host/");
-    request.timeout = given.own;
-    const auto heard = outcomeOf(*one, std::move(request));
-    EXPECT_EQ(heard.error(), given.error);
-    EXPECT_EQ(heard.at, given.at);
-}
-
-INSTANTIATE_TEST_SUITE_P(Timeouts, MemoryServerTimeout,
-                         testing::Values(TimeoutCase{5s, 9s, {}, {}, HttpErrorKind::timedOut, 5000},
-                                         TimeoutCase{5s, 5s, 60s, {}, HttpErrorKind::timedOut, 5000},
-                                         TimeoutCase{5s, 90s, 60s, {}, HttpErrorKind::timedOut, 60'000},
-                                         TimeoutCase{5s, 9s, 1s, {}, HttpErrorKind::timedOut, 1000},
-                                         TimeoutCase{5s, 9s, {}, 5001ms, HttpErrorKind::timedOut, 5000},
-                                         TimeoutCase{5s, 9s, {}, 5000ms, {}, 5000}));
-
-TEST_F(MemoryServerTest, AnUntrustedHostIsTheDelegatesDecision) {
-    server_->setUntrusted("box");
-    const auto one = session();
-    const auto undelegated = server_->makeSession({}, nullptr);
-    send(*one, requestTo("https://box:8443/"));
-    send(*undelegated, requestTo("https://box/"));
+    send(*one, "http://host/");
     time_->runDue();
-    judge_->verdict = ChallengeDisposition::useCredential;
-    for (const auto* url : {"https://box/", "http://box/", "https://other/"}) send(*one, requestTo(url));
-    time_->runDue();
-
-    EXPECT_EQ(judge_->asked, (std::vector<std::string>{"box", "box"}));
-    ASSERT_EQ(heard_.size(), 5U);
-    EXPECT_EQ(heard_[0].error(), HttpErrorKind::untrustedCertificate);
-    EXPECT_EQ(heard_[1].error(), HttpErrorKind::untrustedCertificate);
-    EXPECT_EQ(server_->requests().size(), 3U);
-}
-
-TEST_F(MemoryServerTest, DestroyingASessionCancelsItsRequestsOnce) {
-    server_->onRequest(always(reply(200).delayedBy(1s)));
-    auto doomed = session();
-    const auto other = session();
-    send(*doomed, requestTo("http://host/waiting"));
-    send(*other, requestTo("http://host/kept"));
-    time_->advanceBy(10ms);
-    send(*doomed, requestTo("http://host/unseen"));
-    doomed.reset();
-    EXPECT_TRUE(heard_.empty()) << "completed inside the destructor";
-    time_->advanceBy(1h);
-
-    ASSERT_EQ(heard_.size(), 3U);
-    EXPECT_EQ(heard_[0].error(), HttpErrorKind::cancelled);
-    EXPECT_EQ(heard_[1].error(), HttpErrorKind::cancelled);
-    EXPECT_EQ(heard_[2].at, 1000);
     EXPECT_EQ(server_->requests().size(), 2U);
 }
 
-TEST_F(MemoryServerTest, AStoppedQueueStillLeavesNoRequestWithoutAnEnd) {
+TEST_F(MemoryServerTest, EveryScriptedAnswerReachesTheClientInTimeOrTimesOut) {
+    struct Case {
+        const char* name;
+        ScriptedAnswer answer;
+        std::optional<HttpErrorKind> error;
+        std::optional<int> status;
+        bool hasReply;
+        bool hasBody;
+        std::int64_t at = 0;
+        std::optional<std::chrono::milliseconds> timeout =
+            {};  // of the request; 5 s of the session, 9 s in all
+    };
+    using enum HttpErrorKind;
+    const std::vector<Case> cases{
+        {"reply", reply(204), {}, 204, true, true},
+        {"no body", reply(200, std::nullopt), {}, 200, true, false},
+        {"not HTTP", replyBeyondHttp("x"), {}, {}, true, true},
+        {"nothing", nothing(), {}, {}, false, false},
+        {"refusal", refusal(), cannotConnect, {}, false, false},
+        {"error after the headers", failureAfter(200, connectionLost, "x"), connectionLost, 200, true, false},
+        {"in time", reply(200).delayedBy(5s), {}, 200, true, true, 5000},
+        {"too late", reply(200).delayedBy(5001ms), timedOut, {}, false, false, 5000},
+        {"own time-out", silence(), timedOut, {}, false, false, 1000, 1s},
+        {"in all", silence(), timedOut, {}, false, false, 9000, 60s},
+    };
+    const auto session = server_->makeSession({.timeoutForRequest = 5s, .timeoutForResource = 9s}, nullptr);
+    for (const auto& one : cases) {
+        const auto before = platform::millisecondsBetween(START, time_->now());
+        server_->onRequest(always(one.answer));
+        session->send({.url = Url::parse("https://host/x").value(), .timeout = one.timeout}, hear());
+        time_->advanceBy(1h);
+        const auto outcome = heard_.all().back();
+        EXPECT_EQ(kindOf(outcome), one.error) << one.name;
+        EXPECT_EQ(statusOf(outcome), one.status) << one.name;
+        EXPECT_EQ(outcome.reply.has_value(), one.hasReply) << one.name;
+        EXPECT_EQ(outcome.body.has_value(), one.hasBody) << one.name;
+        EXPECT_EQ(instants_.back() - before, one.at) << one.name;
+    }
+    EXPECT_EQ(heard_.count(), cases.size());
+}
+
+TEST_F(MemoryServerTest, AsksTheDelegateOnlyAboutUntrustedHostsOverHttps) {
+    server_->setUntrusted("box");
+    const auto delegate = std::make_shared<platform::ContractDelegate>();
+    const auto session = server_->makeSession({}, delegate);
+    for (const auto* url : {"https://box:8443/", "http://box/", "https://other/"}) send(*session, url);
+    time_->runDue();
+    EXPECT_EQ(delegate->hosts(), std::vector<std::string>{"box"});
+    EXPECT_EQ(server_->requests().size(), 2U);
+}
+
+TEST_F(MemoryServerTest, ASessionsEndCancelsItsRequestsInAJobAndAStoppedQueueAtOnce) {
     server_->onRequest(always(silence()));
-    auto ended = session();
-    auto left = session();
-    send(*ended, requestTo("http://host/"));
-    send(*left, requestTo("http://host/"));
+    auto ended = server_->makeSession({}, nullptr);
+    auto left = server_->makeSession({}, nullptr);
+    send(*ended, "http://host/waiting");
+    time_->runDue();
+    send(*ended, "http://host/unseen");
+    ended.reset();
+    EXPECT_EQ(heard_.count(), 0U) << "completed inside the destructor";
+    time_->runDue();
+    EXPECT_EQ(heard_.count(), 2U);
+    EXPECT_EQ(server_->requests().size(), 1U);
+
+    send(*left, "http://host/");
     time_->runDue();
     time_->stop();
-    ended.reset();
-    EXPECT_EQ(heard_.size(), 1U);
-    send(*left, requestTo("http://host/"));
+    send(*left, "http://host/");
     server_.reset();
     left.reset();
-    ASSERT_EQ(heard_.size(), 3U);
-    for (const auto& heard : heard_) EXPECT_EQ(heard.error(), HttpErrorKind::cancelled);
+    EXPECT_EQ(heard_.count(), 4U);
+    for (std::size_t i = 0; i < heard_.count(); ++i) EXPECT_EQ(errorOf(i), HttpErrorKind::cancelled);
 }
 
 TEST_F(MemoryServerTest, SessionsServeManyThreads) {
-    constexpr int THREADS = 4;
-    constexpr int REQUESTS = 50;
-    const auto shared = session();
+    constexpr std::size_t THREADS = 4;
+    constexpr std::size_t REQUESTS = 50;
+    const auto shared = server_->makeSession({}, nullptr);
     std::vector<std::thread> threads;
-    for (int i = 0; i < THREADS; ++i) {
+    for (std::size_t i = 0; i < THREADS; ++i) {
         threads.emplace_back([&] {
-            for (int n = 0; n < REQUESTS; ++n) shared->send(requestTo("http://host/kept"), hear());
-            session()->send(requestTo("http://host/dropped"), hear());
+            for (std::size_t n = 0; n < REQUESTS; ++n) send(*shared, "http://host/kept");
+            send(*server_->makeSession({}, nullptr), "http://host/dropped");
         });
     }
-    while (heard_.size() < THREADS * (REQUESTS + 1)) time_->advanceBy(1ms);
+    while (heard_.count() < THREADS * (REQUESTS + 1)) time_->advanceBy(1ms);
     for (auto& thread : threads) thread.join();
     time_->advanceBy(1h);
-    EXPECT_EQ(heard_.size(), static_cast<std::size_t>(THREADS * (REQUESTS + 1)));
+    EXPECT_EQ(heard_.count(), THREADS * (REQUESTS + 1));
 }
 
 }  // namespace
