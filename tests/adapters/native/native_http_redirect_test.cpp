@@ -81,48 +81,30 @@ TEST_F(NativeHttp, FollowsTwentyRedirectsAndNoMore) {
     EXPECT_FALSE(outcome.reply);
 }
 
-TEST_F(NativeHttp, SendsTheBodyAgainButNoCredentialsToAnotherPort) {
-    LoopbackServer target([](const WireRequest&) { return wireReply(200, "there"); });
-    LoopbackServer server([&](const WireRequest& request) {
-        const auto location = request.target == "/near" ? "far" : target.url("/there?q=1");
-        return wireReply(307, "", {{"Location", location}});
-    });
-    auto request = post(server.url("/near"), "batch");
-    request.headers = {{"Authorization", "Bearer t"}, {"X-Key", "k"}};
-    EXPECT_EQ(fetch(request).body, "there");
-
-    EXPECT_EQ(server.requests().at(1).values("Authorization"), Values{"Bearer t"});
-    const auto seen = target.requests().at(0);
-    EXPECT_EQ(seen.target, "/there?q=1");
-    EXPECT_EQ(seen.body, "batch");
-    EXPECT_EQ(seen.values("Authorization"), Values{});
-    EXPECT_EQ(seen.values("X-Key"), Values{});
-}
-
 TEST_F(NativeHttp, FollowsOnlyToWhatItCouldBeAskedFor) {
     std::string location;
     LoopbackServer server([&](const WireRequest&) { return wireReply(302, "", {{"Location", location}}); });
-    for (const auto& [target, kind] : std::vector<std::pair<std::string, HttpErrorKind>>{
-             {"file:///etc/hostname", HttpErrorKind::unsupportedUrl},
-             {"ftp://127.0.0.1/x", HttpErrorKind::unsupportedUrl},
-             {"http://", HttpErrorKind::unsupportedUrl},
-             {"http://x:abc/", HttpErrorKind::badServerReply}}) {
+    for (const auto* target : {"file:///etc/hostname", "ftp://127.0.0.1/x", "http://", "http://x:abc/"}) {
         location = target;
         const auto outcome = fetch(server.url("/"));
-        EXPECT_EQ(kindOf(outcome), kind) << target;
+        const bool isUrl = location != "http://x:abc/";
+        EXPECT_EQ(kindOf(outcome), isUrl ? HttpErrorKind::unsupportedUrl : HttpErrorKind::badServerReply);
         EXPECT_FALSE(outcome.body);
     }
 }
 
-TEST_F(NativeHttp, FollowsARedirectWhoseBodyIsCutOff) {
-    LoopbackServer server([](WireConnection& connection) {
-        const auto request = connection.receive();
-        if (!request) return;
-        connection.send(request->target == "/end"
-                            ? wireReply(200, "there")
-                            : "HTTP/1.1 301 Moved\r\nLocation: /end\r\nContent-Length: 9\r\n\r\nMov");
+TEST_F(NativeHttp, SendsTheBodyAgainAfterARedirectThatIsCutOff) {
+    LoopbackServer target([](const WireRequest& request) { return wireReply(200, request.body); });
+    LoopbackServer server([&](WireConnection& connection) {
+        if (!connection.receive()) return;
+        connection.send("HTTP/1.1 307 Moved\r\nLocation: " + target.url("/there?q=1") +
+                        "\r\nContent-Length: 9\r\n\r\nMov");
     });
-    EXPECT_EQ(fetch(server.url("/")).body, "there");
+    auto request = post(server.url("/"), "batch");
+    request.headers = {{"Authorization", "Bearer t"}};
+    EXPECT_EQ(fetch(request).body, "batch");
+    EXPECT_EQ(target.requests().at(0).target, "/there?q=1");
+    EXPECT_EQ(target.requests().at(0).values("Authorization"), Values{});
 }
 
 }  // namespace

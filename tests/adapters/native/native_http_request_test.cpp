@@ -81,7 +81,7 @@ TEST_F(NativeHttp, GoesToNoHostButTheOneThatTheUrlShows) {
 
 TEST_F(NativeHttp, KeepsConnectionsAliveForAllSessions) {
     LoopbackServer server(ok);
-    for (int i = 0; i < 4; ++i) EXPECT_EQ(fetch(server.url("/")).body, "ok");
+    for (int i = 0; i < 3; ++i) EXPECT_EQ(fetch(server.url("/")).body, "ok");
     EXPECT_EQ(server.connections(), 1U);
 }
 

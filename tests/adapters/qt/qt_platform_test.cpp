@@ -7,21 +7,14 @@
 #include <thread>
 
 #include "adapters/qt/qt_host_view.h"
+#include "adapters/virtual/settable_bluetooth.h"
 #include "oska/platform/notification_center.h"
 
 namespace oska::qt {
 namespace {
 
-using platform::BluetoothAuthorizationState;
 using platform::Notification;
 using platform::NotificationCenter;
-
-class Denied final : public platform::BluetoothAuthorization {
-public:
-    [[nodiscard]] BluetoothAuthorizationState authorization() const override {
-        return BluetoothAuthorizationState::denied;
-    }
-};
 
 TEST(QtPlatform, RunsTheMainQueueInTheApplicationsLoop) {
     QtPlatform qt;
@@ -34,9 +27,10 @@ TEST(QtPlatform, RunsTheMainQueueInTheApplicationsLoop) {
     other.join();
 }
 
-TEST(QtPlatform, TheHostsWordOnBluetoothCounts) {
-    const QtPlatform qt({.bluetooth = std::make_shared<Denied>()});
-    EXPECT_EQ(qt.platform().bluetooth->authorization(), BluetoothAuthorizationState::denied);
+TEST(QtPlatform, TheHostsBluetoothTakesThePlaceOfQts) {
+    const auto denied = std::make_shared<virtual_world::SettableBluetooth>();
+    denied->set(platform::BluetoothAuthorizationState::denied);
+    EXPECT_EQ(QtPlatform({.bluetooth = denied}).platform().bluetooth, denied);
 }
 
 TEST(QtPlatform, PostsOnceEachTimeTheApplicationBecomesActive) {
