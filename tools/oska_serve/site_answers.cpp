@@ -44,12 +44,6 @@ bool isAuthority(const std::string& text) {
     return url && url->host();
 }
 
-std::string localAuthority(const Request& request) {
-    const bool isIpV6 = request.local_addr.find(':') != std::string::npos;
-    return (isIpV6 ? "[" + request.local_addr + "]" : request.local_addr) + ":" +
-           std::to_string(request.local_port);
-}
-
 std::string notAnswered(const Request& request) {
     return inQuotes(request.method + " " + request.path) + " is not answered here";
 }
@@ -101,6 +95,11 @@ void reportAnswered(const Request& request, const Response& response) {
 }
 
 }  // namespace
+
+std::string authority(const std::string& address, int port) {
+    const bool isIpV6 = address.find(':') != std::string::npos;
+    return (isIpV6 ? "[" + address + "]" : address) + ":" + std::to_string(port);
+}
 
 SiteAnswers::SiteAnswers(SiteFolder folder, std::unique_ptr<UploadFile> uploads,
                          std::optional<std::string> requiredToken, std::string scheme)
@@ -182,7 +181,8 @@ bool SiteAnswers::admits(const Request& request) const {
 }
 
 std::optional<std::string> SiteAnswers::originFor(const Request& request) const {
-    const auto host = request.has_header("Host") ? request.get_header_value("Host") : localAuthority(request);
+    const auto host = request.has_header("Host") ? request.get_header_value("Host")
+                                                 : authority(request.local_addr, request.local_port);
     return isAuthority(host) ? std::optional(scheme_ + "://" + host) : std::nullopt;
 }
 

@@ -13,6 +13,9 @@
 
 namespace oska::tool {
 
+/// Address and port as they stand in a URL: "127.0.0.1:5050", "[::1]:5050".
+[[nodiscard]] std::string authority(const std::string& address, int port);
+
 /// What a site answers to each request; see SiteServer. Threads: any. Lifetime: that of the server it is
 /// installed in.
 class SiteAnswers {

@@ -80,11 +80,6 @@ std::optional<std::string> addressProblem(const std::string& address) {
     return std::nullopt;
 }
 
-std::string authority(const std::string& address, int port) {
-    const bool isIpV6 = address.find(':') != std::string::npos;
-    return (isIpV6 ? "[" + address + "]" : address) + ":" + std::to_string(port);
-}
-
 /// The port, or why there is none.
 Result<int, NotServing> bindTo(httplib::Server& server, const std::string& address, int port) {
     if (const auto problem = addressProblem(address)) return NotServing{address + ": " + *problem};

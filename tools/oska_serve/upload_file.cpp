@@ -13,10 +13,6 @@
 namespace oska::tool {
 namespace {
 
-std::string problemWith(const std::string& path) {
-    return path + ": " + std::generic_category().message(errno);
-}
-
 off_t sizeOf(int file) {
     struct stat about = {};
     return fstat(file, &about) == 0 && S_ISREG(about.st_mode) ? about.st_size : 0;
@@ -42,14 +38,14 @@ Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::stri
     int file = ::open(path.c_str(), FLAGS);
     const bool isNew = file < 0 && errno == ENOENT;
     if (isNew) file = ::open(path.c_str(), FLAGS | O_CREAT, 0644);
-    if (file < 0) return Unreadable{problemWith(path)};
+    if (file < 0) return Unreadable{systemProblem(path, errno)};
     std::unique_ptr<UploadFile> opened(new UploadFile(path, file));
     // Only when it is there is it known which file it is: its name may be a link that led nowhere.
     if (const auto problem = objection(*identityOf(file))) {
         if (isNew) removeTarget(path);
         return Unreadable{path + ": " + *problem};
     }
-    if (endsInsideALine(file) && !opened->write("\n")) return Unreadable{problemWith(path)};
+    if (endsInsideALine(file) && !opened->write("\n")) return Unreadable{systemProblem(path, errno)};
     return opened;
 }
 
@@ -65,7 +61,7 @@ std::optional<std::string> UploadFile::append(const std::vector<platform::Receiv
     const std::lock_guard lock(mutex_);
     const auto size = sizeOf(file_);
     if (write(lines)) return std::nullopt;
-    auto problem = problemWith(path_);
+    auto problem = systemProblem(path_, errno);
     // A full disk may have taken a part of it.
     if (size > 0 || sizeOf(file_) > 0) (void)!ftruncate(file_, size);
     return problem;

@@ -27,11 +27,13 @@ private:
     const int file_;
 };
 
-Unreadable unreadable(const std::string& path) {
-    return {path + ": " + std::generic_category().message(errno)};
-}
+Unreadable unreadable(const std::string& path) { return {systemProblem(path, errno)}; }
 
 }  // namespace
+
+std::string systemProblem(const std::string& path, int error) {
+    return path + ": " + std::generic_category().message(error);
+}
 
 int openInput(const std::string& path) {
     if (path == "-") return STDIN_FILENO;

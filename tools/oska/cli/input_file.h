@@ -13,6 +13,9 @@ struct Unreadable {
     bool isInterrupted = false;  ///< Ctrl-C ended the wait for its content; there is no problem then
 };
 
+/// What the system says of a file: "site.json: No such file or directory". `error`: a value of errno.
+[[nodiscard]] std::string systemProblem(const std::string& path, int error);
+
 /// Opens a file for reading; "-" is standard input. Never waits, not even for the other end of a named pipe:
 /// that is left to whoever reads. Below 0: `errno` says why not.
 [[nodiscard]] int openInput(const std::string& path);

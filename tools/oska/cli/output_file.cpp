@@ -2,7 +2,8 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <system_error>
+
+#include "tools/oska/cli/input_file.h"
 
 namespace oska::tool {
 
@@ -14,7 +15,7 @@ std::optional<std::string> writeOutput(const std::string& path, std::string_view
         isWritten = std::fclose(file) == 0 && isWritten;
     }
     if (isWritten) return std::nullopt;
-    return path + ": " + std::generic_category().message(errno);
+    return systemProblem(path, errno);
 }
 
 }  // namespace oska::tool

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "tools/oska/cli/complaint.h"
+#include "tools/oska/cli/input_file.h"
 #include "tools/oska/commands/commands.h"
 
 namespace oska::tool {
@@ -26,7 +27,7 @@ ExitStatus becomeServer(std::vector<std::string> arguments) {
     for (auto& argument : arguments) words.push_back(argument.data());
     words.push_back(nullptr);
     execv(path.c_str(), words.data());
-    complain("oska: cannot run " + path + ": " + std::generic_category().message(errno));
+    complain("oska: cannot run " + systemProblem(path, errno));
     return ExitStatus::badInput;
 }
 

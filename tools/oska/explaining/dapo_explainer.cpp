@@ -172,15 +172,8 @@ DapoExplainer::Closeness DapoExplainer::closenessOf(WardNames::Number ward,
 
 std::vector<HeardReading> DapoExplainer::readingsOf(WardNames::Number ward) const {
     const double threshold = thresholdOf(ward);
-    std::vector<HeardReading> readings;
-    for (const auto& sample : detection_.window().samples()) {
-        for (const auto& [name, strength] : sample.rfs) {
-            if (detection_.names().find(name) != ward) continue;
-            readings.push_back({sinceBegin(sample.mobileTime), sample.mobileTime, name, strength,
-                                DapoDetection::qualifies(strength, threshold), shortBy(strength, threshold)});
-        }
-    }
-    return readings;
+    return readingsIn(detection_.window(), detection_.names(), ward, threshold,
+                      [&](double strength) { return DapoDetection::qualifies(strength, threshold); });
 }
 
 WardCase DapoExplainer::caseOf(WardNames::Number number) const {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "oska/foundation/ward_names.h"
 #include "tools/oska/explaining/explanation.h"
 #include "tools/oska/recording/recording_line.h"
 
@@ -46,6 +47,12 @@ protected:
     /// Says in `found` what the window held of it after the last sample.
     void countReadings(WardCase& found, const std::vector<HeardReading>& readings) const;
 
+    /// The readings of one ward in a window. `qualifies(strength)`: whether a reading meets the threshold.
+    template <class Window, class Qualifies>
+    [[nodiscard]] std::vector<HeardReading> readingsIn(const Window& window, const WardNames& names,
+                                                       WardNames::Number ward, double threshold,
+                                                       Qualifies qualifies) const;
+
     /// The answer so far; finish() hands it out.
     [[nodiscard]] Explanation& answer() { return answer_; }
 
@@ -80,5 +87,20 @@ private:
 
 /// By how many dB a reading misses the threshold, if it does.
 [[nodiscard]] std::optional<double> shortBy(double strength, double threshold);
+
+template <class Window, class Qualifies>
+std::vector<HeardReading> Explainer::readingsIn(const Window& window, const WardNames& names,
+                                                WardNames::Number ward, double threshold,
+                                                Qualifies qualifies) const {
+    std::vector<HeardReading> readings;
+    for (const auto& sample : window.samples()) {
+        for (const auto& [name, strength] : sample.rfs) {
+            if (names.find(name) != ward) continue;
+            readings.push_back({sinceBegin(sample.mobileTime), sample.mobileTime, name, strength,
+                                qualifies(strength), shortBy(strength, threshold)});
+        }
+    }
+    return readings;
+}
 
 }  // namespace oska::tool

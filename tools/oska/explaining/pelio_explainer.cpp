@@ -214,20 +214,14 @@ std::vector<const PelioWardNode*> PelioExplainer::wardsAskedFor() const {
     if (!asked_) return wards;
     for (const auto& ward : selection_.wardsOf(*asked_)) wards.push_back(&ward);
     return wards;
+    for (const auto& ward : selection_.wardsOf(*asked_)) wards.push_back(&ward);
+    return wards;
 }
 
 std::vector<HeardReading> PelioExplainer::readingsOf(const PelioWardNode& ward) const {
     const auto number = selection_.names().find(ward.name);
-    std::vector<HeardReading> readings;
-    for (const auto& sample : selection_.window().samples()) {
-        for (const auto& [name, strength] : sample.rfs) {
-            if (selection_.names().find(name) != number) continue;
-            readings.push_back({sinceBegin(sample.mobileTime), sample.mobileTime, name, strength,
-                                PelioWardSelection::qualifies(ward, strength),
-                                shortBy(strength, ward.thresholdRssi)});
-        }
-    }
-    return readings;
+    return readingsIn(selection_.window(), selection_.names(), *number, ward.thresholdRssi,
+                      [&](double strength) { return PelioWardSelection::qualifies(ward, strength); });
 }
 
 WardCase PelioExplainer::caseOf(const PelioWardNode& ward) const {
@@ -300,12 +294,6 @@ void PelioExplainer::explainWalk() {
             answer().wards.back().why = "never heard while the service ran";
         }
     }
-}
-
-std::vector<std::string> PelioExplainer::wardNames() const { return names_; }
-
-bool PelioExplainer::isKnown(const std::string& name) const {
-    return selection_.names().find(name).has_value();
 }
 
 }  // namespace oska::tool

@@ -35,10 +35,11 @@ private:
     void perform(const Action& action) override;
     void explainNow() override;
     void explainWalk() override;
-    [[nodiscard]] std::vector<std::string> wardNames() const override;
-    [[nodiscard]] bool isKnown(const std::string& name) const override;
+    [[nodiscard]] std::vector<std::string> wardNames() const override { return names_; }
+    [[nodiscard]] bool isKnown(const std::string& name) const override {
+        return selection_.names().find(name).has_value();
+    }
 
-    void forget();
     void noteChange(const std::optional<PelioWardSelection::Current>& before);
     void noteBestInstants();
     [[nodiscard]] std::vector<Heard> candidates() const;

@@ -11,6 +11,7 @@
 #include "oska/text/text.h"
 #include "oska/url/url.h"
 #include "tools/oska/cli/wording.h"
+#include "tools/oska/hosts/watched_sessions.h"
 
 namespace oska::tool {
 namespace {
@@ -18,9 +19,6 @@ namespace {
 using platform::HttpErrorKind;
 using platform::HttpOutcome;
 using platform::HttpRequest;
-using platform::HttpSession;
-using platform::HttpSessionConfiguration;
-using platform::HttpSessionDelegate;
 using platform::HttpSessionFactory;
 
 constexpr int OK = 200;
@@ -118,48 +116,21 @@ struct LoadWitness::Sight {
     }
 };
 
-class LoadWitness::Session final : public HttpSession {
-public:
-    Session(std::unique_ptr<HttpSession> session, std::shared_ptr<Sight> sight)
-        : session_(std::move(session)), sight_(std::move(sight)) {}
-
-    void send(HttpRequest request, Completion completion) override {
-        if (request.body) return session_->send(std::move(request), std::move(completion));  // an upload
-        const auto url = request.url.absoluteString();
-        const bool bringsBundle = isOfBundle(request);
-        session_->send(std::move(request), [completion = std::move(completion), sight = sight_, url,
-                                            bringsBundle](HttpOutcome outcome) {
-            sight->note({url, bringsBundle, outcome});
-            completion(std::move(outcome));
-        });
-    }
-
-private:
-    const std::unique_ptr<HttpSession> session_;
-    const std::shared_ptr<Sight> sight_;
-};
-
-class LoadWitness::Factory final : public HttpSessionFactory {
-public:
-    Factory(std::shared_ptr<HttpSessionFactory> factory, std::shared_ptr<Sight> sight)
-        : factory_(std::move(factory)), sight_(std::move(sight)) {}
-
-    [[nodiscard]] std::unique_ptr<HttpSession> makeSession(
-        const HttpSessionConfiguration& configuration,
-        std::shared_ptr<HttpSessionDelegate> delegate) override {
-        return std::make_unique<Session>(factory_->makeSession(configuration, std::move(delegate)), sight_);
-    }
-
-private:
-    const std::shared_ptr<HttpSessionFactory> factory_;
-    const std::shared_ptr<Sight> sight_;
-};
-
 LoadWitness::LoadWitness(OskaService service, std::int64_t sectorId)
     : service_(service), sectorId_(sectorId), sight_(std::make_shared<Sight>()) {}
 
 std::shared_ptr<HttpSessionFactory> LoadWitness::watch(std::shared_ptr<HttpSessionFactory> factory) const {
-    return std::make_shared<Factory>(std::move(factory), sight_);
+    using Completion = platform::HttpSession::Completion;
+    return watchedSessions(std::move(factory),
+                           [sight = sight_](const HttpRequest& request, Completion completion) -> Completion {
+                               if (request.body) return completion;  // an upload
+                               return [completion = std::move(completion), sight,
+                                       url = request.url.absoluteString(),
+                                       bringsBundle = isOfBundle(request)](HttpOutcome outcome) {
+                                   sight->note({url, bringsBundle, outcome});
+                                   completion(std::move(outcome));
+                               };
+                           });
 }
 
 std::string LoadWitness::reason() const {

@@ -28,8 +28,6 @@ public:
 
 private:
     struct Sight;
-    class Factory;
-    class Session;
 
     const OskaService service_;
     const std::int64_t sectorId_;

@@ -25,8 +25,6 @@ public:
 
 private:
     struct Counts;
-    class Factory;
-    class Session;
 
     const std::shared_ptr<Counts> counts_;
 };
