@@ -40,7 +40,7 @@ void fillClosedStreams() {
     if (file >= 0) close(file);
 }
 
-// A full disk is bad news that a script must hear of, too.
+// Scripts must notice a full disk.
 ExitStatus flushed(ExitStatus status) {
     if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) return status;
     oska::tool::complain("standard output: " + std::generic_category().message(errno));

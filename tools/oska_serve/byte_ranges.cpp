@@ -7,7 +7,8 @@
 namespace oska::tool {
 namespace {
 
-// In a range, -1 is an end that was left out: "5-" is (5, -1), and "-5", the last five bytes, is (-1, 5).
+// In a range, -1 is an end that the client left out: "5-" is (5, -1), and "-5", the last five bytes, is (-1,
+// 5).
 std::optional<BytePart> partOf(const httplib::Range& range, ssize_t size) {
     const bool isSuffix = range.first < 0 && range.second >= 0;
     const bool isOpen = range.second < 0;
@@ -20,7 +21,7 @@ std::optional<BytePart> partOf(const httplib::Range& range, ssize_t size) {
 }  // namespace
 
 httplib::Ranges takeRanges(const httplib::Request& request) {
-    // The library made the request, not const, and says const to its handlers only.
+    // The request is the library's own object and is not const; only handlers get it as const.
     return std::exchange(const_cast<httplib::Request&>(request).ranges, {});
 }
 

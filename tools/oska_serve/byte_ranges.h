@@ -7,18 +7,18 @@
 
 namespace oska::tool {
 
-/// What a client's range means in a content: never empty, and never beyond the content.
+/// The part of a content that a client's range names: never empty, never beyond the end.
 struct BytePart {
     std::size_t offset;
     std::size_t length;
 };
 
-/// The ranges of the header Range, which the library then knows nothing of any more. It would cut them out of
-/// every body, a refusal's too, at the offsets that the client wrote, whether the body has them or not.
+/// Takes the ranges of the header Range out of the request. Otherwise the library would cut them out of every
+/// body, of a refusal's too, at offsets that the body may not have.
 [[nodiscard]] httplib::Ranges takeRanges(const httplib::Request& request);
 
-/// What a content of `size` bytes has of the ranges, in their order; those that begin behind its end are
-/// left out.
+/// The parts of a content of `size` bytes that the ranges name, in their order. Ranges that begin after its
+/// end are left out.
 [[nodiscard]] std::vector<BytePart> partsOf(const httplib::Ranges& ranges, std::size_t size);
 
 }  // namespace oska::tool

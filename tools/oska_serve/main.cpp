@@ -1,5 +1,5 @@
-// The program behind `oska serve`. It is one of its own because loading the server's library takes longer
-// than many a command of oska's runs.
+// The program that `oska serve` starts. It is a separate program because loading the server's library would
+// cost every other command a millisecond.
 #include <CLI/CLI.hpp>
 #include <memory>
 #include <string>

@@ -21,7 +21,7 @@ namespace {
 constexpr auto TEXT = "text/plain; charset=utf-8";
 constexpr std::string_view BOUNDARY = "oska-part-9f1c27d04be86a35";
 
-// With a body at hand the library would compress it for whoever can take that, which on loopback costs more
+// If the library had the body, it would compress it for clients that accept that; on loopback this costs more
 // than it saves.
 void provide(Response& response, const std::string& type, std::string content, const BytePart& part) {
     if (part.length == 0) return response.set_content("", type);
@@ -69,7 +69,7 @@ void closeBehind(Response& response) {
     const auto text = std::make_shared<const std::string>(std::exchange(response.body, {}));
     response.headers.erase("Content-Type");
     response.set_header("Connection", "close");
-    // The library closes the connection when a provider fails, and in no other way.
+    // The library closes the connection only if a content provider fails.
     response.set_content_provider(text->size(), TEXT,
                                   [text](std::size_t offset, std::size_t length, DataSink& sink) {
                                       sink.write(text->data() + offset, length);

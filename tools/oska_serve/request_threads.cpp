@@ -13,7 +13,7 @@ void run(const std::function<void()>& task) {
     try {
         task();
     } catch (const std::exception& thrown) {
-        // Without a string of its own: there may be no memory for one.
+        // Allocates no string: there may be no memory for one.
         std::fprintf(stderr, "a request was given up: %s\n", thrown.what());
     }
 }
@@ -56,7 +56,7 @@ void RequestThreads::work() {
     while (const auto task = next()) run(task);
 }
 
-/// Waits for it; none at the end.
+/// Waits for the next task. Empty at the end.
 std::function<void()> RequestThreads::next() {
     std::unique_lock lock(mutex_);
     hasChanged_.wait(lock, [this] { return !tasks_.empty() || isShutDown_; });

@@ -36,7 +36,7 @@ std::optional<std::int64_t> sectorId(const std::string& text) {
     return parsed.ec == std::errc() && parsed.ptr == end ? std::optional(id) : std::nullopt;
 }
 
-/// A host with or without a port, and nothing that could lead elsewhere in a URL.
+/// Whether the text is a host with or without a port; nothing else may go into the URL.
 bool isAuthority(const std::string& text) {
     constexpr auto ALLOWED = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789.-_:[]";
     if (text.find_first_not_of(ALLOWED) != std::string::npos) return false;
@@ -48,7 +48,7 @@ std::string notAnswered(const Request& request) {
     return inQuotes(request.method + " " + request.path) + " is not answered here";
 }
 
-/// What the library has refused by itself.
+/// Gives a reason to what the library itself has refused.
 void explain(const Request& request, Response& response) {
     if (response.has_header("Content-Type")) return;
     refuse(request, response,
@@ -56,7 +56,7 @@ void explain(const Request& request, Response& response) {
             response.status == 416 ? "the header Range cannot be understood" : notAnswered(request)});
 }
 
-// Without this the library would unpack the body into memory before it finds that nobody wants it.
+// Without this the library would unpack the body into memory before it refuses the request.
 void refuseBody(const Request& request, Response& response, const ContentReader& read) {
     const bool isRead = skipBody(request, read);
     refuse(request, response, {404, notAnswered(request), !isRead});
@@ -89,7 +89,7 @@ void explainThrown(const Request& request, Response& response, const std::except
     refuse(request, response, {500, reasonOf(thrown), true});
 }
 
-/// What was refused is reported with its reason already.
+/// Refusals have been reported already, with their reason.
 void reportAnswered(const Request& request, const Response& response) {
     if (response.status < 400) report(request, response);
 }
@@ -165,7 +165,7 @@ void SiteAnswers::answerUpload(const Request& request, Response& response, const
 }
 
 std::optional<Refusal> SiteAnswers::take(const std::string& body) {
-    // Decoded, a body may take ten times its size; not so at the same time on all threads.
+    // A decoded body may take ten times its size, so only one thread at a time decodes.
     const std::lock_guard lock(decoding_);
     const auto samples = json::decode<std::vector<platform::ReceivedForce>>(body);
     if (!samples) {

@@ -16,15 +16,16 @@ namespace oska::tool {
 /// Address and port as they stand in a URL: "127.0.0.1:5050", "[::1]:5050".
 [[nodiscard]] std::string authority(const std::string& address, int port);
 
-/// What a site answers to each request; see SiteServer. Threads: any. Lifetime: that of the server it is
-/// installed in.
+/// Answers the requests for a site; see SiteServer. Threads: any. Lifetime: it must outlive the server in
+/// which it is installed.
 class SiteAnswers {
 public:
-    /// `uploads`: null for nowhere. `scheme`: "http" or "https", for the addresses it tells.
+    /// `uploads`: null if uploads are dropped. `scheme`: "http" or "https", for the addresses that it gives
+    /// to clients.
     SiteAnswers(SiteFolder folder, std::unique_ptr<UploadFile> uploads,
                 std::optional<std::string> requiredToken, std::string scheme);
 
-    /// `reportsAnswers`: whether what is answered is reported, as what is refused is.
+    /// `reportsAnswers`: whether requests that were answered are reported; refusals always are.
     void installIn(httplib::Server& server, bool reportsAnswers);
 
 private:
@@ -34,15 +35,15 @@ private:
 
     void answerBundle(const Request& request, Response& response) const;
     void answerFile(const Request& request, Response& response) const;
-    /// Before the body of an upload comes: 100 for a client that is to send it.
+    /// Called before the body of an upload is sent: returns 100 for a client that may send it.
     [[nodiscard]] int answerExpectation(const Request& request, Response& response) const;
     void answerUpload(const Request& request, Response& response, const ContentReader& read);
 
-    /// Puts the samples of an upload where they go; otherwise, why not.
+    /// Takes the samples of an upload. Returns nullopt, or why they were refused.
     [[nodiscard]] std::optional<Refusal> take(const std::string& body);
     [[nodiscard]] bool admits(const Request& request) const;
-    /// This server as the client sees it, "http://localhost:5050"; none when the client says it in no
-    /// sensible way.
+    /// This server's address as the client sees it, "http://localhost:5050"; nullopt if the client's header
+    /// Host is not valid.
     [[nodiscard]] std::optional<std::string> originFor(const Request& request) const;
 
     const SiteFolder folder_;

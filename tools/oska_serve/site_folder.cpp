@@ -53,7 +53,7 @@ Result<SiteFolder, Unreadable> SiteFolder::open(const std::string& path) {
 std::optional<SiteFile> SiteFolder::read(std::string_view path) const {
     if (path.empty() || path.find('\0') != std::string_view::npos) return std::nullopt;
     std::error_code error;
-    // An absolute path would take the place of the root.
+    // An absolute path would replace the root.
     const auto file = fs::canonical(root_ / fs::path(path).relative_path(), error);
     if (error || !isBelow(root_, file) || !fs::is_regular_file(file, error)) return std::nullopt;
     const auto type = typeOf(file);
@@ -67,7 +67,7 @@ std::optional<std::string> SiteFolder::find(const FileIdentity& wanted) const {
     std::error_code error;
     std::error_code unknown;
     fs::recursive_directory_iterator entries(root_, fs::directory_options::skip_permission_denied, error);
-    // A link is passed over: what it leads to is served from its own place below the folder, or not at all.
+    // Links are skipped: their target is served under its own path inside the folder, or not at all.
     for (; !error && entries != fs::recursive_directory_iterator(); entries.increment(error)) {
         const auto& file = entries->path();
         const bool isServed =

@@ -16,20 +16,20 @@ struct SiteFile {
     std::string_view type;  ///< media type; static
 };
 
-/// The folder that a site is served from: SECTOR_ID/pelio.json, SECTOR_ID/dapo.json, and map images wherever
-/// the bundles say. Nothing outside of it can be reached, by symbolic links neither, and only files of the
-/// kinds that a site is made of, told by their names: a key left in the folder stays where it is.
+/// The folder of a site: SECTOR_ID/pelio.json, SECTOR_ID/dapo.json, and map images where the bundles say.
+/// Only files inside the folder can be read, through symbolic links neither, and only files with the endings
+/// of bundles and images: a key in the folder is not served.
 ///
-/// Threads: any. Nothing is kept: each call looks at the disk anew.
+/// Threads: any. Nothing is cached: each call reads the disk.
 class SiteFolder {
 public:
     [[nodiscard]] static Result<SiteFolder, Unreadable> open(const std::string& path);
 
-    /// The file at `path`, relative to the folder and with "/" between its parts. None: nothing to serve
-    /// there.
+    /// The file at `path`, relative to the folder, with "/" between its parts. nullopt: there is no file to
+    /// serve.
     [[nodiscard]] std::optional<SiteFile> read(std::string_view path) const;
 
-    /// The path of the file, if it is one that is served.
+    /// The path of the file if it is one that is served, otherwise nullopt.
     [[nodiscard]] std::optional<std::string> find(const FileIdentity& wanted) const;
 
 private:
@@ -38,7 +38,7 @@ private:
     std::filesystem::path root_;  // canonical
 };
 
-/// What tells two contents apart: the beginning of their SHA-256, in hexadecimal.
+/// The version of a content: the first 8 bytes of its SHA-256, in hexadecimal.
 [[nodiscard]] std::string versionOf(std::string_view content);
 
 }  // namespace oska::tool

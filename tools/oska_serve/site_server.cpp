@@ -18,7 +18,7 @@
 namespace oska::tool {
 namespace {
 
-// What idle clients may cost when the server stops.
+// How long the stop of the server waits for idle clients.
 constexpr int KEEP_ALIVE_SECONDS = 1;
 constexpr std::size_t REQUESTS_PER_CONNECTION = 1000;
 
@@ -65,7 +65,7 @@ void configure(httplib::Server& server) {
     server.set_tcp_nodelay(true);
     server.set_keep_alive_timeout(KEEP_ALIVE_SECONDS);
     server.set_keep_alive_max_count(REQUESTS_PER_CONNECTION);
-    // The library's own choice would share a port with whoever has it.
+    // By default the library would share the port with another program.
     server.set_socket_options([](int socket) {
         const int yes = 1;
         setsockopt(socket, SOL_SOCKET, SO_REUSEADDR, &yes, sizeof yes);
@@ -80,7 +80,7 @@ std::optional<std::string> addressProblem(const std::string& address) {
     return std::nullopt;
 }
 
-/// The port, or why there is none.
+/// Returns the port, or why the server cannot listen.
 Result<int, NotServing> bindTo(httplib::Server& server, const std::string& address, int port) {
     if (const auto problem = addressProblem(address)) return NotServing{address + ": " + *problem};
     errno = 0;
@@ -92,7 +92,7 @@ Result<int, NotServing> bindTo(httplib::Server& server, const std::string& addre
                       std::generic_category().message(errno)};
 }
 
-/// While it is there; threads that are started meanwhile take none for as long as they live.
+/// Blocks all signals while it exists; threads that are started meanwhile never receive any.
 class NoSignals {
 public:
     NoSignals() {
@@ -108,7 +108,7 @@ private:
     sigset_t before_ = {};
 };
 
-/// What the server reads the file for, if it does.
+/// What the server reads the file for; nullopt if it does not read it.
 std::optional<std::string> useOf(const FileIdentity& file, const SiteServer::Options& options,
                                  const SiteFolder& folder) {
     if (const auto served = folder.find(file)) return *served + ", which is served";
@@ -139,7 +139,7 @@ public:
         const NoSignals whileStarting;
         auto threads = std::make_unique<RequestThreads>(CPPHTTPLIB_THREAD_POOL_COUNT);
         std::promise<void> accepting;
-        // Asked for when the server has begun; before, it could not be stopped.
+        // The library asks for it when the server has begun to listen; before, it could not be stopped.
         server_->new_task_queue = [&] {
             auto* const given = threads.release();
             accepting.set_value();

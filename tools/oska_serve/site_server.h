@@ -20,11 +20,11 @@ struct NotServing {
 ///     GET  /12/pelio.json                any file of the site: see SiteFolder
 ///     POST /v2/recordings/rfds           a JSON array of samples, which go to the file of uploads
 ///
-/// Everything is read when it is asked for. What cannot be answered gets a status and its reason in a line of
-/// text; the header Range is answered. A body is taken up to 64 MiB, unpacked. A request for which memory
-/// runs out gets status 500. Threads: made and destroyed on any; it answers on threads of its own, which take
-/// no signals. It makes the process ignore SIGPIPE. Lifetime: destroying it stops it, within a second of what
-/// is being answered.
+/// Files are read for each request. A refusal has a status and its reason as a line of text. The header Range
+/// is supported. A body may have up to 64 MiB, unpacked. A request for which memory runs out gets status 500.
+/// Threads: made and destroyed on any; it has its own threads, which take no signals. It makes the process
+/// ignore SIGPIPE. Lifetime: destroying it stops it, at most a second after the requests that are being
+/// answered.
 class SiteServer {
 public:
     struct Options {
@@ -34,15 +34,16 @@ public:
         /// Files in PEM, both or neither; with them the server speaks TLS only.
         std::string tlsCertificate = {};
         std::string tlsKey = {};
-        /// What bundle requests and uploads must bring as their bearer token; files need none.
+        /// The bearer token that bundle requests and uploads must have; nullopt: none. Files need no token.
         std::optional<std::string> requiredToken = {};
-        /// Where uploaded samples go, as a recording; none: nowhere. A file that the server reads is refused.
+        /// The file that uploaded samples are appended to, as a recording; nullopt: they are dropped. A file
+        /// that the server reads is refused.
         std::optional<std::string> uploads = {};
-        /// Whether a request that was answered is a line on standard error; one that was refused always is.
+        /// Whether answered requests are reported on standard error, one line each; refusals always are.
         bool reportsAnswers = true;
     };
 
-    /// A server that accepts connections already.
+    /// Starts a server; it accepts connections when this returns.
     [[nodiscard]] static Result<std::unique_ptr<SiteServer>, NotServing> start(const Options& options);
     ~SiteServer();
     SiteServer(const SiteServer&) = delete;

@@ -16,9 +16,9 @@ namespace {
 
 constexpr std::size_t MAXIMUM_SKIPPED_BYTES = std::size_t{1} << 30;
 
-// By itself the library unpacks a body before it hands out the first piece, however much that is, and takes
-// forms apart. Without these headers it hands the body over as it comes. The request is the library's own
-// and not const; see takeRanges().
+// By default the library unpacks a body before it passes on the first piece, however large it is, and parses
+// forms. Without these headers it passes the body on as it comes. The request is the library's own object and
+// not const; see takeRanges().
 std::string takeEncoding(const Request& request) {
     auto encoding = request.get_header_value("Content-Encoding");
     auto& headers = const_cast<Request&>(request).headers;
@@ -40,7 +40,7 @@ public:
     LimitedBody(const std::string& encoding, std::size_t limit)
         : encoding_(encoding), limit_(limit), unpacker_(unpackerFor(encoding)) {}
 
-    /// Takes what came over the wire. False: that is more than anybody should send.
+    /// Takes what was received. Returns false if that is more than the server reads at all.
     bool take(const char* data, std::size_t size) {
         received_ += size;
         if (!problem_) unpack(data, size);

@@ -10,13 +10,13 @@
 
 namespace oska::tool {
 
-/// Reads a request's body and unpacks it, as its header Content-Encoding says. `limit` is what it may hold,
-/// in bytes, packed and unpacked; what is beyond is neither unpacked nor kept. Still it is read to its end,
-/// unless it is enormous: a client that is writing would not see the reply. Threads: any.
+/// Reads a request's body and unpacks it as the header Content-Encoding says. `limit`: the most bytes that it
+/// may have, packed and unpacked; more is neither unpacked nor kept. The body is read to its end all the
+/// same, up to 1 GiB, because a client that still writes would not read the reply. Threads: any.
 [[nodiscard]] Result<std::string, Refusal> readBody(const httplib::Request& request,
                                                     const httplib::ContentReader& read, std::size_t limit);
 
-/// Reads a request's body and drops it, packed as it is. False: a part of it is still to come.
+/// Reads a request's body and drops it without unpacking it. Returns false if a part of it has not been read.
 [[nodiscard]] bool skipBody(const httplib::Request& request, const httplib::ContentReader& read);
 
 }  // namespace oska::tool

@@ -40,7 +40,7 @@ Result<std::unique_ptr<UploadFile>, Unreadable> UploadFile::open(const std::stri
     if (isNew) file = ::open(path.c_str(), FLAGS | O_CREAT, 0644);
     if (file < 0) return Unreadable{systemProblem(path, errno)};
     std::unique_ptr<UploadFile> opened(new UploadFile(path, file));
-    // Only when it is there is it known which file it is: its name may be a link that led nowhere.
+    // A file's identity is known only when it exists: its name may be a link to a file that did not exist.
     if (const auto problem = objection(*identityOf(file))) {
         if (isNew) removeTarget(path);
         return Unreadable{path + ": " + *problem};

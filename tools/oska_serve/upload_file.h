@@ -14,21 +14,21 @@
 
 namespace oska::tool {
 
-/// A recording that grows by what is uploaded: a line for each sample, in the order of their coming. A file
-/// that is there already is continued, on a line of its own. Threads: any; batches do not mix.
+/// A recording to which uploaded samples are appended, one line for each, in the order in which they come. A
+/// file that exists is continued, on a new line. Threads: any; batches do not mix.
 class UploadFile {
 public:
-    /// Why a file must not be written to; none: it may be.
+    /// Returns why a file must not be written to, or nullopt if it may be.
     using Objection = std::function<std::optional<std::string>(const FileIdentity&)>;
 
-    /// `objection` is asked before anything is written, and a file that is refused is as it was.
+    /// `objection` is called before anything is written; a file that is refused stays as it was.
     [[nodiscard]] static Result<std::unique_ptr<UploadFile>, Unreadable> open(const std::string& path,
                                                                               const Objection& objection);
     ~UploadFile();
     UploadFile(const UploadFile&) = delete;
     UploadFile& operator=(const UploadFile&) = delete;
 
-    /// All of them are in the file when this returns; or none of them, and why.
+    /// Appends all samples, or none: then it returns why.
     [[nodiscard]] std::optional<std::string> append(const std::vector<platform::ReceivedForce>& samples);
 
 private:

@@ -11,8 +11,8 @@
 namespace oska::tool {
 namespace {
 
-/// What neither the program nor a command understood, in the order of the command line, and what may have
-/// been meant by it.
+/// Words that neither the program nor a command knows, in the order of the command line, and what they may
+/// mean.
 struct Unknown {
     std::vector<std::string> words;
     std::vector<std::string> meant;
@@ -39,7 +39,7 @@ std::string describe(const Unknown& unknown) {
     return text + "; did you mean " + CLI::detail::join(unknown.meant, " and ") + "?";
 }
 
-/// As the parser prints it, but that what it quotes stays in its line.
+/// Prints the message as the parser does, but escapes what it quotes.
 void report(const CLI::App& program, const CLI::ParseError& error) {
     std::ostringstream lines;
     program.exit(error, lines, lines);

@@ -7,7 +7,7 @@
 
 namespace oska::tool {
 
-/// Options that mean the same in every command that has them.
+/// Options that have the same meaning in every command.
 
 /// SERVICE, required: the raw value of an OskaService.
 void addServiceName(CLI::App& command, std::string& service);
@@ -15,16 +15,16 @@ void addServiceName(CLI::App& command, std::string& service);
 /// --bundle, required.
 void addBundle(CLI::App& command, std::string& path);
 
-/// --recording, required where the path is no optional.
+/// --recording; required unless the path is an optional.
 void addRecording(CLI::App& command, std::string& path);
 void addRecording(CLI::App& command, std::optional<std::string>& path);
 
-/// Throws CLI::ValidationError when options `a` and `b` of the command are both standard input, which can be
-/// read only once. For the command's own callback.
+/// Throws CLI::ValidationError if options `a` and `b` of the command are both standard input, which can be
+/// read only once. To be called in the command's callback.
 void refuseSharedInput(const CLI::App& command, const std::string& a, const std::string& b);
 
-/// Throws CLI::ValidationError when the file of option `output`, if it was given, is that of one of `inputs`:
-/// it would be lost. For the command's own callback, before anything is written.
+/// Throws CLI::ValidationError if the file of option `output` is also the file of one of `inputs`, which
+/// would be lost. To be called in the command's callback, before anything is written.
 void refuseOutputOverInput(const CLI::App& command, const std::string& output,
                            const std::vector<std::string>& inputs);
 

@@ -4,9 +4,9 @@
 
 namespace oska::tool {
 
-/// Writes one line to standard error, behind everything that was printed so far. Whatever names it quotes, it
-/// stays one line and steers no terminal: control characters and line separators are escaped as in JSON.
-/// Threads: any.
+/// Flushes standard output, then writes one line to standard error. Control characters and line separators in
+/// it are escaped as in JSON, so that quoted names cannot start a new line or control the terminal. Threads:
+/// any.
 void complain(std::string_view line);
 
 }  // namespace oska::tool

@@ -2,7 +2,7 @@
 
 namespace oska::tool {
 
-/// How the program ends; every command keeps to it.
+/// The exit status of the program, the same for every command.
 enum class ExitStatus : int {
     done = 0,
     serviceFailed = 1,  ///< the first initialisation or the first start failed

@@ -16,14 +16,14 @@ struct Unreadable {
 /// What the system says of a file: "site.json: No such file or directory". `error`: a value of errno.
 [[nodiscard]] std::string systemProblem(const std::string& path, int error);
 
-/// Opens a file for reading; "-" is standard input. Never waits, not even for the other end of a named pipe:
-/// that is left to whoever reads. Below 0: `errno` says why not.
+/// Opens a file for reading; "-" is standard input. Never waits, not even for the writer of a named pipe; the
+/// first read does. Returns a negative number on failure, with the reason in `errno`.
 [[nodiscard]] int openInput(const std::string& path);
 
 /// The whole of a file; "-" is standard input.
 [[nodiscard]] Result<std::string, Unreadable> readInput(const std::string& path);
 
-/// Names the problem on standard error, unless there is none. Answers with how the program ends of it.
+/// Writes the problem to standard error, unless it is an interruption. Returns the exit status for it.
 ExitStatus complainOf(const Unreadable& unreadable);
 
 }  // namespace oska::tool

@@ -13,8 +13,8 @@ namespace {
 
 volatile std::sig_atomic_t isRequested = 0;
 
-// Written by the handler: a signal that comes between a look at the flag and the wait would otherwise be
-// slept through.
+// A pipe that the handler writes to. Without it a signal that comes between the look at the flag and the wait
+// would not end the wait.
 std::array<int, 2> wakeUp{-1, -1};
 
 void noteInterruption(int) {

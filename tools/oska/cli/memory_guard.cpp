@@ -13,13 +13,14 @@
 namespace oska::tool {
 namespace {
 
-// Without memory of its own.
+// Allocates no memory.
 void say(std::string_view line) {
     std::fflush(stdout);
     (void)!write(STDERR_FILENO, line.data(), line.size());
 }
 
-/// What is being handled says so if it is a want of the machine; anything else is a mistake of the program's.
+/// Reports the exception that is being handled if the machine lacks something. Returns false for any other
+/// exception: that is a mistake of the program.
 bool isShortage() {
     try {
         throw;
@@ -35,7 +36,7 @@ bool isShortage() {
     return true;
 }
 
-// On a thread that nobody catches for. Others go on meanwhile, so nothing is taken down.
+// For an exception that no one catches on its thread. Other threads still run, so no destructors are called.
 [[noreturn]] void endProcess() {
     if (std::current_exception() && isShortage()) _exit(static_cast<int>(ExitStatus::badInput));
     std::abort();

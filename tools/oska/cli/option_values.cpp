@@ -17,7 +17,7 @@ std::optional<Number> parsed(const std::string& text) {
     return result.ec == std::errc() && result.ptr == end ? std::optional(value) : std::nullopt;
 }
 
-// Writes the number anew, without the leading zeros that would make it octal.
+// Writes the number again without leading zeros, which would make it octal.
 std::string checkInteger(std::string& text) {
     const auto value = parsed<std::int64_t>(text);
     if (!value) return text + " is not an integer of 64 bits";

@@ -10,7 +10,7 @@ namespace oska::tool {
 /// The scalars of a text; what is no UTF-8 becomes U+FFFD.
 [[nodiscard]] std::u32string scalarsOf(std::string_view text);
 
-/// The places that a text takes on a terminal: a Hangul syllable two, an accent none.
+/// How many columns a text takes on a terminal: a Hangul syllable takes two, a combining accent none.
 [[nodiscard]] std::size_t displayWidth(std::string_view text);
 
 /// A table for a terminal: columns as wide as their widest cell, two blanks apart.

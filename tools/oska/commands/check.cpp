@@ -39,7 +39,7 @@ struct Options {
     bool json = false;
 };
 
-/// Why a bundle does not decode; of a file that cannot be read, the message alone.
+/// Why a bundle does not decode. For a file that cannot be read there is only the message.
 struct Fault {
     std::optional<std::int64_t> line;
     std::optional<std::string> path;
@@ -124,7 +124,7 @@ void printLine(std::string line) {
     std::fwrite(line.data(), 1, line.size(), stdout);
 }
 
-/// Where and why; a fault that has no line tells its file itself.
+/// The place and the reason. The message of a fault without a line names the file itself.
 std::string errorLine(const FileReport& report) {
     const auto& error = *report.error;
     return error.line ? report.file + ":" + std::to_string(*error.line) + ": " + error.message

@@ -57,7 +57,7 @@ void printAnswer(const Explanation& explanation, bool asJson) {
     std::fwrite(text.data(), 1, text.size(), stdout);
 }
 
-/// The recording on its way into an explainer.
+/// Reads a recording once and passes its lines to an explainer.
 class RecordingPass {
 public:
     RecordingPass(const Options& options, OskaService service)
@@ -136,7 +136,7 @@ void addExplain(CLI::App& program, ExitStatus& status) {
     addOptions(*command, *options);
     command->callback([command, options, &status] {
         refuseSharedInput(*command, "--bundle", "--recording");
-        OskaLogger::setDebugOption(false);  // the engines log, and the answer stands alone
+        OskaLogger::setDebugOption(false);  // the engines log; only the answer is to be printed
         status = explain(*options);
     });
 }

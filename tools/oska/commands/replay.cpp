@@ -65,11 +65,11 @@ struct Options {
     std::string recording;
     double tailSeconds = 6;
     std::optional<std::int64_t> sector;
-    std::string svg;  ///< empty: none
+    std::string svg;  ///< empty: no drawing
     bool log = false;
 };
 
-/// Of a bundle, be it whole or broken elsewhere: which sector it is for.
+/// The sector of a bundle. It can be read from bundles with faults elsewhere.
 struct SectorOfBundle {
     std::int64_t id = 0;
 };
@@ -125,8 +125,7 @@ public:
     }
 
 private:
-    /// Only the ticks of a selection and its hold are run, so a way of years is no longer than one of
-    /// seconds.
+    /// Skips ticks that do nothing, so that a pause of years takes no longer than one of seconds.
     void advanceTo(platform::WallTime target) {
         site_.time().advanceTo(target, [this] { return host_->isIdle(); });
     }
@@ -197,7 +196,7 @@ private:
     std::optional<VirtualRun> run_;
 };
 
-/// The sector to load. A bundle that does not decode is no obstacle as long as it is known whose it is.
+/// The sector to load. A bundle that does not decode is loaded all the same if its sector is known.
 template <class Bundle>
 std::optional<std::int64_t> chooseSector(const Options& options, const std::string& bundle) {
     const auto decoded = json::decode<Bundle>(bundle);
@@ -208,7 +207,7 @@ std::optional<std::int64_t> chooseSector(const Options& options, const std::stri
     return sectorOfBundle ? std::optional(sectorOfBundle->id) : std::nullopt;
 }
 
-/// Of a bundle that does not decode there is no drawing; the run says so.
+/// A bundle that does not decode is not drawn; the run reports it.
 ExitStatus replayAndDraw(const Options& options, std::int64_t sector, std::string bundle) {
     const auto kind = options.service.kind();
     const auto site = parseSite(options.bundle, bundle, kind);

@@ -60,7 +60,7 @@ struct Options {
     bool quiet = false;
 };
 
-/// The time since it was made, which nobody can set back.
+/// The time since it was made. It does not follow changes of the system's clock.
 class Stopwatch final : public platform::WallClock {
 public:
     [[nodiscard]] platform::WallTime now() const override {
@@ -71,12 +71,12 @@ private:
     const LiveLoop::Clock::time_point begin_ = LiveLoop::Clock::now();
 };
 
-/// Without a provider nobody is signed in, as the platform has it by itself.
+/// No provider means that no user is signed in.
 std::shared_ptr<platform::QuenloAuthManager> tokens(const Options& options) {
     return options.noToken ? nullptr : std::make_shared<virtual_world::FixedToken>(options.token);
 }
 
-/// `seconds` may be as long as a double can say; a loop waits for a year at most.
+/// A number of seconds may be as large as a double can hold; a loop waits for a year at most.
 LiveLoop::Clock::duration span(double seconds) {
     constexpr double LONGEST = 31'536'000;
     return std::chrono::duration_cast<LiveLoop::Clock::duration>(
@@ -132,7 +132,7 @@ public:
     }
 
 private:
-    // The steps; each answers false when it was interrupted.
+    // The steps. Each returns false if the program was interrupted.
 
     bool initialize() {
         host_->initialize(options_.forceUpdate);
@@ -147,7 +147,7 @@ private:
         host_->start();
         if (!feed()) return false;
         if (hasBadInput()) complainOfInput();
-        // In any case what the last sample has put on the queue is done before the stop.
+        // The jobs that the last sample has put on the queue are run before the stop.
         return loop_.runUntil(LiveLoop::Clock::now() + span(hasBadInput() ? 0 : options_.tailSeconds));
     }
 
@@ -252,7 +252,7 @@ void addRecordingOptions(CLI::App& command, Options& options) {
 }
 
 ExitStatus run(const Options& options) {
-    // Whoever reads the lines sees each at once.
+    // Each line is written at once, for programs that read the output while this one runs.
     std::setvbuf(stdout, nullptr, _IOLBF, BUFSIZ);
     Interruption::listen();
     OskaLogger::setDebugOption(!options.quiet);

@@ -17,7 +17,7 @@ namespace {
 constexpr auto ABOUT = "Serve a folder as a site, for development and trials.";
 constexpr auto PROGRAM = "oska-serve";
 
-/// The server's program takes the place of this one; see tools/oska_serve. Comes back only when that fails.
+/// Replaces this process by the server's program, see tools/oska_serve. Returns only if that fails.
 ExitStatus becomeServer(std::vector<std::string> arguments) {
     std::error_code error;
     const auto path =
@@ -35,7 +35,7 @@ ExitStatus becomeServer(std::vector<std::string> arguments) {
 
 void addServe(CLI::App& program, ExitStatus& status) {
     auto* const command = program.add_subcommand("serve", ABOUT);
-    // All that follows is the server's to understand, --help included.
+    // All arguments that follow are passed to the server, --help included.
     command->set_help_flag();
     command->prefix_command();
     command->callback([command, &status] { status = becomeServer(command->remaining()); });

@@ -111,7 +111,7 @@ void Explainer::describeNames() {
         if (answer_.no_such_ward && normalizeWardName(name) == wanted)
             answer_.no_such_ward->heard += readings;
         const auto close = closeName(name, known);
-        // Who asks for a ward is told of the names that may have been meant for it.
+        // If a ward was asked for, only the names that may have been meant for it are listed.
         if (isAsked && !(close && normalizeWardName(close->name) == wanted)) continue;
         answer_.unknown_names.push_back({name, readings, close});
     }

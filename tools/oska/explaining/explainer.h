@@ -13,15 +13,15 @@
 namespace oska::tool {
 
 struct Question {
-    std::optional<std::string> ward;  ///< none: all that were heard
-    /// Milliseconds since the run began, or a mobile time: what is not below that of the first line, where
-    /// that is above zero. None: for each ward its best instant.
+    std::optional<std::string> ward;  ///< nullopt: all that were heard
+    /// Milliseconds since the run began; or a mobile time: a number that is not below that of the first line,
+    /// if that is above zero. nullopt: for each ward its best instant.
     std::optional<std::int64_t> at;
 };
 
-/// Looks into one engine of the kit while a recording runs through it, as a replay would run it: the service
-/// starts with the first line, and the clock never goes back. Decisions and their rules are the engine's own.
-/// Threads: one at a time.
+/// Runs a recording through one engine of the kit, as a replay would, and reports how the engine decides. The
+/// service starts with the first line, and the clock never goes back. Decisions and their rules are the
+/// engine's own. Threads: one at a time.
 class Explainer {
 public:
     virtual ~Explainer() = default;
@@ -42,9 +42,9 @@ protected:
 
     /// The engine has taken a sample.
     void noteSample() { sampleAt_ = now_; }
-    /// The clock when the last one came; its stamp may be an earlier one.
+    /// When the last sample came, by the clock; the sample itself may have an earlier mobile time.
     [[nodiscard]] std::optional<std::int64_t> sampleAt() const { return sampleAt_; }
-    /// Says in `found` what the window held of it after the last sample.
+    /// Fills in `found` what the window held of the ward after the last sample.
     void countReadings(WardCase& found, const std::vector<HeardReading>& readings) const;
 
     /// The readings of one ward in a window. `qualifies(strength)`: whether a reading meets the threshold.
@@ -53,17 +53,17 @@ protected:
                                                        WardNames::Number ward, double threshold,
                                                        Qualifies qualifies) const;
 
-    /// The answer so far; finish() hands it out.
+    /// The answer so far; finish() returns it.
     [[nodiscard]] Explanation& answer() { return answer_; }
 
 private:
-    /// Time has come to now().
+    /// The clock has reached now().
     virtual void advance() = 0;
     virtual void hear(const platform::ReceivedForce& sample) = 0;
     virtual void perform(const Action& action) = 0;
     /// now() is the instant that was asked for.
     virtual void explainNow() = 0;
-    /// Without an instant: each ward at its best one, and the whole story.
+    /// Called if no instant was asked for: explains each ward at its best instant, and the whole walk.
     virtual void explainWalk() = 0;
     /// As in the bundle.
     [[nodiscard]] virtual std::vector<std::string> wardNames() const = 0;

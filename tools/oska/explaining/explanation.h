@@ -31,7 +31,7 @@ struct WardCase {
     std::string name;
     std::int64_t level_id = 0;
     double threshold = 0;
-    std::optional<std::int64_t> at;  ///< none: no sample yet, or never heard
+    std::optional<std::int64_t> at;  ///< nullopt: no sample yet, or never heard
     std::optional<std::int64_t> mobile_time;
     std::int64_t heard = 0;              ///< readings in the window
     std::int64_t qualifying = 0;         ///< of these at or above the threshold
@@ -75,7 +75,7 @@ struct PelioReported {
 struct PelioDecision {
     bool running = false;
     std::optional<std::int64_t> at;               ///< of the sample that it rests on
-    std::optional<PelioWinner> winner;            ///< none: no reading qualified, and nothing was reported
+    std::optional<PelioWinner> winner;            ///< nullopt: no reading qualified, and nothing was reported
     std::optional<PelioReported> reported;        ///< kept in mind also while nothing qualifies
     std::optional<std::int64_t> held_back_until;  ///< the winner is another and has to wait
 };
@@ -83,7 +83,7 @@ struct PelioDecision {
 /// A time during which Dapo had a selection.
 struct DapoShowing {
     std::int64_t at = 0;
-    std::optional<std::int64_t> until;  ///< none: the recording ended first
+    std::optional<std::int64_t> until;  ///< nullopt: the recording ended first
     std::vector<std::string> wards;
 };
 

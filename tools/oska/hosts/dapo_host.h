@@ -10,12 +10,12 @@
 namespace oska::tool {
 
 struct DapoHostOptions {
-    /// Of each initialisation; `forceUpdate` does not count: each brings its own.
+    /// What each initialisation gets; `forceUpdate` is replaced by that of the call.
     DapoView::Initialization initialization;
-    std::optional<double> outputInterval;  ///< seconds; none: the view's own
+    std::optional<double> outputInterval;  ///< seconds; nullopt: the view's own
 };
 
-/// The usual host: the view lies over a view of a phone's size. `events` must outlive the host.
+/// An application with the view placed over a view of a phone's size. `events` must outlive it.
 [[nodiscard]] std::shared_ptr<Host> makeDapoHost(DapoHostOptions options, const Events& events);
 
 }  // namespace oska::tool

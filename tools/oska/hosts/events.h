@@ -17,15 +17,15 @@ namespace oska::tool {
 ///
 ///     {"at":500,"event":"onPelioResult","result":{"mobile_time":1700000000500,...}}
 ///
-/// They share the C library's buffer with the kit's own lines, so that the two keep their order; whoever
-/// waits flushes. Threads: any; a line is written in one piece.
+/// They are written to the C library's buffer of standard output, as are the kit's own lines, so that the
+/// order is kept. A caller that waits must flush it. Threads: any; a line is written in one piece.
 class Events {
 public:
     /// The run begins now.
     explicit Events(std::shared_ptr<const platform::WallClock> clock)
         : clock_(std::move(clock)), begin_(clock_->now()) {}
 
-    /// From now on `listener` is handed each line as well, without its line break.
+    /// From now on `listener` is called with each line, too, without its line break.
     void listen(std::function<void(std::string_view line)> listener) { listener_ = std::move(listener); }
 
     /// `keysAndValues`: each key followed by its value, which is a bool, an integer, a text, a record or a
@@ -37,7 +37,7 @@ public:
         writeLine(std::move(line));
     }
 
-    /// An outcome: the code's name stands there on failure only.
+    /// An outcome; the code's name is printed on failure only.
     template <class Code>
     void printOutcome(std::string_view event, bool success, std::optional<Code> code) const {
         if (code) {
@@ -61,7 +61,7 @@ private:
 
     [[nodiscard]] std::string beginLine(std::string_view event) const;
     void writeLine(std::string line) const;
-    /// JSON has no infinities, which coordinates can reach; the line says null and standard error why.
+    /// Coordinates can be infinite, which JSON cannot express: the line has null, standard error says why.
     static void reportLoss(std::string_view key, std::string_view problem);
 
     std::shared_ptr<const platform::WallClock> clock_;

@@ -9,8 +9,8 @@
 
 namespace oska::tool {
 
-/// An application around one service, as a command drives it: does what the recording's host did, and prints
-/// what it hears as events.
+/// An application with one service, as a command runs it: it does what the recording's host did, and prints
+/// what the service reports as events.
 ///
 /// Threads: the main thread. Lifetime: destroying it destroys the service, which stops it.
 class Host {
@@ -35,22 +35,21 @@ public:
         }
     }
 
-    /// No ward is selected, and only a sample can change that: a tick of the service's own timer does
-    /// nothing.
+    /// Whether no ward is selected and only a sample can change that: ticks of the service's own timer do
+    /// nothing then and may be skipped.
     [[nodiscard]] virtual bool isIdle() const { return true; }
 
-    /// Of the first initialisation; none until it has reported.
+    /// Whether the first initialisation succeeded; nullopt until it has reported.
     [[nodiscard]] std::optional<bool> firstInitialization() const { return firstInitialization_; }
 
-    /// `tell` is called when a load has ended, with whether it brought a bundle, behind the event that says
-    /// so.
+    /// `tell` is called each time a load has ended, after the event for it, with whether it brought a bundle.
     void onLoadEnd(std::function<void(bool success)> tell) { tellLoadEnd_ = std::move(tell); }
 
-    /// Of the first start; none until it has reported.
+    /// Whether the first start succeeded; nullopt until it has reported.
     [[nodiscard]] std::optional<bool> firstStart() const { return firstStart_; }
 
 protected:
-    /// An id that was refused has loaded nothing.
+    /// After a refused id nothing was loaded, so `onLoadEnd` is not called.
     void noteInitialization(bool success, std::optional<ServiceInitErrorCode> code) {
         note(firstInitialization_, success);
         if (tellLoadEnd_ && code != ServiceInitErrorCode::INVALID_ID) tellLoadEnd_(success);
@@ -58,7 +57,7 @@ protected:
     void noteStart(bool success) { note(firstStart_, success); }
 
 private:
-    /// An action that only this service knows; a recording that was read for another brings none.
+    /// An action that only this service knows. By default there is none.
     virtual void performOwn(const Action&) {}
 
     static void note(std::optional<bool>& first, bool success) { first = first.value_or(success); }

@@ -36,7 +36,7 @@ private:
 
 namespace {
 
-/// From now on and never negative; null: for ever.
+/// The time from now to `instant`, not negative. null: without end.
 const timespec* timeUntil(const std::optional<LiveLoop::Clock::time_point>& instant, timespec& time) {
     using std::chrono::nanoseconds;
     constexpr nanoseconds::rep SECOND = 1'000'000'000;

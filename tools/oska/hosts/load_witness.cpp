@@ -63,7 +63,7 @@ std::string faultOfBundle(const Download& download) {
     return bundle ? download.url + ": the bundle could not be used" : faultLine(download.url, bundle.error());
 }
 
-/// What is the matter with an address that the endpoint gave for a bundle.
+/// Why the address that the endpoint gave for a bundle cannot be used.
 std::string faultOfAddress(const Download& download) {
     const auto body = download.outcome.body.value_or("");
     if (!text::isUtf8(body)) return download.url + ": the reply is not UTF-8";
@@ -82,7 +82,7 @@ std::string faultOf(const Download& download, OskaService service, std::int64_t 
                                         : faultOfBundle<PelioBundle>(download);
 }
 
-/// What may be meant by a base URL without "://": the slashes at its end are gone. None without a host.
+/// The URL that a base URL without "://" may mean. Its slashes at the end are removed. Nullopt without a host.
 std::optional<std::string> withScheme(std::string_view base) {
     const std::string_view scheme = base.starts_with("https:") ? "https:" : "http:";
     if (base.starts_with(scheme)) base.remove_prefix(scheme.size());
@@ -91,8 +91,8 @@ std::optional<std::string> withScheme(std::string_view base) {
     return std::string(scheme).append("//").append(base);
 }
 
-/// A base URL that no request can be made of, which is told by itself: the request's own URL would be a
-/// riddle.
+/// Why no request can be made with the base URL. It is named itself: the URL of a request that was made with
+/// it would not show the mistake.
 std::optional<std::string> faultOfBaseUrl() {
     const auto base = OskaOnPremiseNetworkConstants::baseURL();
     if (base.find("://") == std::string::npos) {

@@ -9,21 +9,22 @@
 
 namespace oska::tool {
 
-/// Looks on while the kit loads a bundle, and so knows why a load failed; the kit tells its host only that it
-/// did. A load asks the endpoint for the bundle's address first, with a token, then downloads the bundle,
-/// without one. Threads: any. Lifetime: the factories keep what they need.
+/// Watches the requests with which the kit loads a bundle, to know why a load failed; the kit itself says
+/// only that it failed. A load asks the endpoint for the bundle's address first, with a token, then downloads
+/// the bundle, without a token. Threads: any. Lifetime: the factories keep what they need.
 class LoadWitness {
 public:
     LoadWitness(OskaService service, std::int64_t sectorId);
 
-    /// A factory whose sessions are those of `factory`, looked at.
+    /// A factory whose sessions are those of `factory`, with each request watched.
     [[nodiscard]] std::shared_ptr<platform::HttpSessionFactory> watch(
         std::shared_ptr<platform::HttpSessionFactory> factory) const;
 
-    /// Why the load that has just failed did so, in one line: by the last download that ended since `forget`.
+    /// Why the load that has just failed did so, in one line: judged by the last download that ended since
+    /// `forget`.
     [[nodiscard]] std::string reason() const;
 
-    /// The load is over: what it brought is of no use any more.
+    /// Ends the watching of one load: its downloads are forgotten.
     void forget();
 
 private:

@@ -8,7 +8,7 @@
 
 namespace oska::tool {
 
-/// `options.forceUpdate` does not count: each initialisation brings its own. `events` must outlive the host.
+/// `options.forceUpdate` is replaced by that of each initialisation. `events` must outlive the host.
 [[nodiscard]] std::shared_ptr<Host> makePelioHost(PelioServiceManager::Options options, const Events& events);
 
 }  // namespace oska::tool

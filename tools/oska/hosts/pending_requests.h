@@ -8,9 +8,9 @@
 
 namespace oska::tool {
 
-/// Counts the requests that are under way: from being sent until the main queue has run what their completion
-/// posted there. What that job posts in turn is the queue's to tell. Threads: any. Lifetime: the factories
-/// keep what they need.
+/// Counts the requests that have not ended: from the moment when a request is sent until the main queue has
+/// run what its completion posted there. Jobs that this job posts are not counted. Threads: any. Lifetime:
+/// the factories keep what they need.
 class PendingRequests {
 public:
     PendingRequests();

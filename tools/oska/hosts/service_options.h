@@ -19,7 +19,7 @@ struct ServiceOptions {
     std::int64_t sectorId = 0;
     std::string region = "KOREA";                     ///< Pelio's
     std::string baseUrl;                              ///< Dapo's; empty: not configured
-    std::optional<double> outputInterval;             ///< Dapo's, seconds; none: the view's own
+    std::optional<double> outputInterval;             ///< Dapo's, seconds; nullopt: the view's own
     std::optional<double> unchangedDeliveryInterval;  ///< Dapo's, seconds
 
     [[nodiscard]] OskaService kind() const {
@@ -27,11 +27,11 @@ struct ServiceOptions {
     }
 };
 
-/// SERVICE and the options that only Dapo has; what both services need differs from command to command.
+/// Adds SERVICE and the options that only Dapo has; other options differ from command to command.
 void addServiceOptions(CLI::App& command, ServiceOptions& options);
 
-/// Throws CLI::ValidationError when the command was given an option that its service does not have. For the
-/// command's own callback.
+/// Throws CLI::ValidationError if the command was given an option that its service does not have. To be
+/// called in the command's callback.
 void refuseForeignOptions(const CLI::App& command, const ServiceOptions& options);
 
 /// `events` must outlive the host.

@@ -9,14 +9,13 @@
 
 namespace oska::tool {
 
-/// A virtual world with one site in it: whatever sector's bundle is asked for, its server answers with the
-/// one given; and it takes uploads. Threads: the main thread. Lifetime: one in a process, since the kit can
-/// be told of one world only.
+/// A virtual world with one site. Its server returns the given bundle for any sector, and takes uploads.
+/// Threads: the main thread. Lifetime: one in a process, since a platform can be installed only once.
 class VirtualSite {
 public:
     VirtualSite(std::string bundle, platform::WallTime start);
 
-    /// Called with each batch that reaches the server. Set it before there are any.
+    /// `receive` is called with each batch that reaches the server. Set it before the first.
     void onUpload(std::function<void(const std::vector<platform::ReceivedForce>&)> receive);
 
     [[nodiscard]] virtual_world::VirtualMainQueue& time() { return world_.time(); }

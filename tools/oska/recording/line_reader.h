@@ -9,28 +9,28 @@
 
 namespace oska::tool {
 
-/// The lines of a file or of standard input, each as soon as it is there. Memory: one block, or the longest
-/// line. Threads: one. Lifetime: a line is valid until the next call.
+/// Reads the lines of a file or of standard input, each as soon as it is there. Memory: one block, or the
+/// longest line. Threads: one. Lifetime: a line is valid until the next call.
 class LineReader {
 public:
     enum class Ending {
         none,         ///< there are more lines
         end,          ///< all lines have been read
         interrupted,  ///< Ctrl-C
-        failed,       ///< `problem()` tells why
+        failed,       ///< `problem()` says why
     };
 
-    /// Waits until `file` can be read without waiting; false: interrupted.
+    /// Waits until `file` can be read without waiting. Returns false if it was interrupted.
     using AwaitInput = std::function<bool(int file)>;
 
-    /// Opens `path`; "-" is standard input. `awaitInput` is called whenever the lines at hand are used up,
-    /// before more are read. What cannot be opened, and a folder, have failed at once.
+    /// Opens `path`; "-" is standard input. `awaitInput` is called before each read from the file. If the
+    /// file cannot be opened or is a folder, the ending is `failed` at once.
     LineReader(const std::string& path, AwaitInput awaitInput);
     ~LineReader();
     LineReader(const LineReader&) = delete;
     LineReader& operator=(const LineReader&) = delete;
 
-    /// Without its line feed; the last line need not have one. None: see `ending`.
+    /// The next line, without its line feed; the last line need not have one. nullopt: `ending` says why.
     [[nodiscard]] std::optional<std::string_view> next();
 
     [[nodiscard]] std::uint64_t lineNumber() const { return lineNumber_; }  ///< of the line read last, from 1

@@ -60,7 +60,8 @@ void fields(Visit& f, SecondsArguments& arguments) {
     f("seconds", arguments.seconds);
 }
 
-/// To be written, be it as null: taking an interval away is a decision, forgetting it a mistake.
+/// The key must be there, though its value may be null: to remove an interval is a decision, to forget it is
+/// a mistake.
 struct NumberOrNull {
     std::optional<double> number;
 };
@@ -84,7 +85,7 @@ void take(Action& action, const VisibilityArguments& given) { action.isVisible =
 void take(Action& action, const SecondsArguments& given) { action.seconds = given.seconds; }
 void take(Action& action, const OptionalSecondsArguments& given) { action.seconds = given.seconds.number; }
 
-/// Reads the arguments of one action from its line; answers with the reason when that fails.
+/// Reads the arguments of one action from its line. Returns the reason if that fails.
 using ArgumentReader = std::optional<std::string> (*)(std::string_view line, Action& action);
 
 bool isTopLevel(std::string_view path) { return path.find_first_of(".[") == std::string_view::npos; }

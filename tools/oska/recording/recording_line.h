@@ -28,7 +28,7 @@ struct Action {
     ActionKind kind = ActionKind::start;
     bool forceUpdate = false;       ///< of initialize
     bool isVisible = false;         ///< of setVisibility
-    std::optional<double> seconds;  ///< of the intervals; only setUnchangedDeliveryInterval may have none
+    std::optional<double> seconds;  ///< of the intervals; nullopt only for setUnchangedDeliveryInterval
 };
 
 /// One line of a recording: what was received, or what the host did, and when by the phone's clock.
@@ -37,9 +37,9 @@ struct RecordedLine {
     std::variant<platform::ReceivedForce, Action> what;
 };
 
-/// What the line says to a host of `service`, or why it says nothing: `"mobile_time" is not an integer`. A
-/// line is one JSON object, a sample (with `rfs`) or an action (with `action`), never both; keys that it does
-/// not need are ignored.
+/// The line as a sample or an action, or the reason why it is neither: `"mobile_time" is not an integer`. A
+/// line is one JSON object: a sample (with `rfs`) or an action (with `action`), never both. Unknown keys are
+/// ignored. `service` decides which actions are valid.
 [[nodiscard]] Result<RecordedLine, std::string> parseRecordedLine(std::string_view line, OskaService service);
 
 }  // namespace oska::tool

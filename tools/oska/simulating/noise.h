@@ -6,8 +6,8 @@
 
 namespace oska::tool {
 
-/// Chance as a pure function: equal keys give equal values, on every machine, in whatever order they are
-/// asked for. The standard library's distributions promise neither.
+/// Chance as a pure function: the same keys give the same values, on every machine and in any order of calls.
+/// The standard library's distributions promise neither.
 
 /// A key made of parts, their order counting.
 [[nodiscard]] std::uint64_t noiseKey(std::initializer_list<std::uint64_t> parts);

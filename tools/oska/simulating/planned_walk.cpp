@@ -99,7 +99,7 @@ double GroundPlan::yOnLevel(std::size_t level, const Point3& point) const {
     return (point.y - levels_[level].origin.y) * unitsPerMetre_;
 }
 
-/// Puts one leg behind the other. Each fault begins with what follows the waypoint's own place.
+/// Adds one leg after the other. The text of a fault is what follows the place of the waypoint.
 class PlannedWalk::Planner {
 public:
     Planner(const Route& route, const Site& site, const GroundPlan& ground)

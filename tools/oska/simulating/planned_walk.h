@@ -17,20 +17,20 @@ struct Point3 {
     double z = 0;
 };
 
-/// Where the levels of a site lie in space: those of a building one above the other in document order. The
-/// first building stands at the origin, any other where the route places it, if it does.
+/// Where the levels of a site are in space. The levels of a building are one above the other, in document
+/// order. The first building is at the origin, the others are where the route places them.
 class GroundPlan {
 public:
     GroundPlan(const Site& site, const Route& route);
 
-    /// Unknown for the levels of a building without a place: nothing of it can be heard from another
-    /// building.
+    /// False for the levels of a building that the route does not place; wards there cannot be heard from
+    /// another building, nor the other way round.
     [[nodiscard]] bool isPlaced(std::size_t level) const { return levels_[level].isPlaced; }
 
     [[nodiscard]] double floorHeight() const { return floorHeight_; }                         ///< metres
     [[nodiscard]] double height(std::size_t level) const { return levels_[level].origin.z; }  ///< metres
 
-    /// Of a level without a place: as if its building stood at the origin.
+    /// A point of a level in space. A level without a place is taken to be in a building at the origin.
     [[nodiscard]] Point3 toGround(std::size_t level, double x, double y) const;
 
     /// Bundle units of the level.
@@ -57,15 +57,15 @@ struct Position {
 /// A route in time.
 class PlannedWalk {
 public:
-    /// Or why the route does not fit the site: `waypoints[3].level_id: the bundle has no level 9; there are 1
-    /// ("Tower", "1F")`.
+    /// The walk, or the reason why the route does not fit the site: `waypoints[3].level_id: the bundle has no
+    /// level 9; there are 1 ("Tower", "1F")`.
     [[nodiscard]] static Result<PlannedWalk, std::string> plan(const Route& route, const Site& site,
                                                                const GroundPlan& ground);
 
     [[nodiscard]] std::int64_t milliseconds() const { return legs_.back().end; }
 
-    /// `time`: milliseconds from 0 to milliseconds(), never less than the time before. A phone that changes
-    /// its level does so half way.
+    /// `time`: milliseconds from 0 to milliseconds(), never less than in the call before. When the walk
+    /// changes the level, the phone is on the new one from half of the way on.
     [[nodiscard]] Position at(std::int64_t time);
 
 private:

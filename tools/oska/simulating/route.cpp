@@ -49,7 +49,7 @@ void fields(Visit& f, Route& route) {
     f("waypoints", route.waypoints);
 }
 
-// Like any record, except that keys which it does not know are kept in mind.
+// Reads a record like any other, but keeps the keys that it does not know.
 template <Record Value>
 requires requires(Value& record) { record.unknown_keys; }
 bool read(json::Reader& reader, Value& record) {

@@ -15,7 +15,7 @@ namespace oska::tool {
 /// A stop of the route, and how the phone comes there.
 struct Waypoint {
     std::optional<std::int64_t> building_id;  ///< needed only where two buildings share a level id
-    std::optional<std::int64_t> level_id;     ///< none: that of the waypoint before
+    std::optional<std::int64_t> level_id;     ///< nullopt: that of the waypoint before
     double x = 0;                             ///< bundle units
     double y = 0;
     std::optional<double> speed;    ///< metres a second, of the way here
@@ -24,20 +24,20 @@ struct Waypoint {
     std::vector<std::string> unknown_keys;
 };
 
-/// Where a building stands in the common ground plan.
+/// Where a building is on the ground that all buildings share.
 struct BuildingPlace {
     std::int64_t id = 0;
-    double x = 0;  ///< bundle units: where its own origin lies
+    double x = 0;  ///< bundle units: where its origin is
     double y = 0;
     std::optional<double> height;  ///< metres: of its first level
     std::vector<std::string> unknown_keys;
 };
 
-/// How radio waves behave. What is left out is as in an office: see radio_model.h.
+/// How radio waves behave. For the defaults see radio_model.h; they are those of an office.
 struct RadioSettings {
     std::optional<double> strength_at_1m;    ///< dBm
     std::optional<double> exponent;          ///< 2 in free space, more indoors
-    std::optional<double> shadowing;         ///< dB: deviation of what stands in the way
+    std::optional<double> shadowing;         ///< dB: deviation caused by obstacles
     std::optional<double> shadowing_length;  ///< metres over which that changes
     std::optional<double> fading;            ///< dB: deviation from one reading to the next
     std::optional<double> floor_loss;        ///< dB for each floor in between
@@ -57,8 +57,8 @@ struct Route {
     std::vector<std::string> unknown_keys;
 };
 
-/// The route that `document` holds, every number of it in its range, or why there is none, `file` and place
-/// in front.
+/// The route in `document`, with every number in its range; or the reason why it is no route, with `file` and
+/// the place in front.
 [[nodiscard]] Result<Route, std::string> parseRoute(const std::string& file, std::string_view document);
 
 }  // namespace oska::tool

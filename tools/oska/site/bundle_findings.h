@@ -7,7 +7,7 @@
 
 namespace oska::tool {
 
-/// Something in a bundle that decodes and would yet surprise its author.
+/// Something in a valid bundle that its author may not expect.
 struct Finding {
     std::string path;     ///< "buildings[0].levels[2].wards[5].rssi"
     std::string kind;     ///< for programs, one of those that the functions below list

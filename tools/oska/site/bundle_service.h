@@ -6,9 +6,9 @@
 
 namespace oska::tool {
 
-/// Which service a bundle is for, told by its wards: those of Dapo hold `contents`, those of Pelio do not;
-/// the majority counts, Dapo when it is even. Works on a broken document, too, as far as it can be read. A
-/// bundle without wards serves both; it counts as Pelio's.
+/// Which service a bundle is for. Wards of Dapo have `contents`, wards of Pelio do not; the majority decides,
+/// and Dapo if both are as many. A bundle without wards counts as Pelio's. A document with a fault is judged
+/// by what can be read of it.
 [[nodiscard]] OskaService serviceOfBundle(std::string_view document);
 
 }  // namespace oska::tool
