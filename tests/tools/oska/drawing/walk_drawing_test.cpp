@@ -3,9 +3,6 @@
 
 #include <filesystem>
 
-#include <fstream>
-#include <sstream>
-
 #include "tests/tools/oska/commands/oska_program.h"
 #include "tools/oska/drawing/svg.h"
 #include "tools/oska/drawing/walk_drawing.h"
@@ -24,12 +21,6 @@ constexpr auto SITE = R"({"id":7,"name":"s","operating_system":"","buildings":[
                                               {"id":2,"name":"desk","x":200,"y":100,"rssi":-70,"contents":[]}]},
         {"id":12,"name":"2F","map_image":{"url":"","image_width":0,"image_height":0,"scale_x":1,"scale_y":1,
          "offset_x":0,"offset_y":0},"wards":[{"id":3,"name":"roof","x":5,"y":5,"rssi":-70,"contents":[]}]}]}]})";
-
-std::string contentOf(const std::string& path) {
-    std::ostringstream content;
-    content << std::ifstream(path, std::ios::binary).rdbuf();
-    return content.str();
-}
 
 TEST(Svg, WritesTenthsAndEscapesForeignText) {
     EXPECT_EQ(tool::svgNumber(-0.04), "0");
