@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
-# The kit's main job in a minute: demo.sh OSKA SITE_VIEWER PICTURES
+# Shows what the kit does, in about a minute: demo.sh OSKA SITE_VIEWER PICTURES
 #
-# On a display, the site viewer plays a walk. Without one, a server, two services against it, and each kind of line
-# explained where it first appears; and pictures of the viewer in the folder PICTURES.
+# With a display, the site viewer plays a walk. Without one, both services run against a local server and each kind of
+# line is explained where it first appears; the folder PICTURES gets pictures of the viewer.
 set -euo pipefail
 oska=$(realpath "$1")
 viewer=$(realpath "$2")
@@ -15,7 +15,7 @@ walk=$site/walks/museum_visit.jsonl
 
 say() { printf '\n\033[1m%s\033[0m\n' "$*"; }
 
-# A display that is set but not there makes the viewer abort: then the terminal will do.
+# If the display does not exist, the viewer aborts (134), and the demo goes on in the terminal.
 if [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then
     say "The site viewer plays $walk; Space pauses, a click on the orange frame lists what is near."
     status=0
@@ -44,9 +44,9 @@ finish() {
 }
 trap finish EXIT
 
-# Prints each kind of line once with what it means, and of the results that follow only those that tell something new.
+# Explains each kind of line once, and prints only those results that differ from the one before.
 explain() {
-    local live=()  # Debian's awk would otherwise wait for a whole block of input
+    local live=()  # mawk, Debian's awk, otherwise waits for a whole block of input
     case "$(awk -W version 2>&1 </dev/null | head -n 1)" in mawk*) live=(-W interactive) ;; esac
     awk "${live[@]}" '
         function note(text) { printf "      ^ %s\n", text }
@@ -90,7 +90,7 @@ done
 [ -n "$url" ] || { cat "$work/server.log" >&2; exit 1; }
 echo "It listens on $url, answers the bundle requests of sector 7 and takes uploads."
 
-# The walk, then the two ways to initialise once more.
+# After the walk, initialise again in both ways.
 last=$(tail -n 1 walk.jsonl | grep -o '"mobile_time": *[0-9]*' | grep -o '[0-9]*$')
 cp walk.jsonl "$work/walk.jsonl"
 printf '{"mobile_time": %s, "action": "initialize"}\n' $((last + 20000)) >>"$work/walk.jsonl"

@@ -1,11 +1,11 @@
 #!/usr/bin/env python3
-"""Writes walk.jsonl: a customer of the corner shop as the shop's wards would hear a phone pass, a sample each 500 ms.
+"""Writes walk.jsonl: what a phone receives from the shop's wards on the way of a customer, one sample each 500 ms.
 
     python3 make_walk.py 7/pelio.json > walk.jsonl
 
-A route of places and stays; strength falls with the logarithm of the distance and wavers; weak readings are often
-missed, and a neighbour's gadget that is no ward of the shop is heard, too. The seed is fixed, so that the walk stays
-the same.
+The route is a list of places, with the time that the customer stays there. The strength falls with the logarithm of
+the distance, with noise. Weak signals are often lost. A device that is not a ward of the shop is received, too. The
+seed is fixed, so each run writes the same walk.
 """
 
 import json
@@ -13,19 +13,19 @@ import math
 import random
 import sys
 
-# level id, x and y in centimetres, seconds of standing there before going on
+# level id; x and y in centimetres; seconds of the stay
 ROUTE = [
     (1, 1000, 1350, 0), (1, 1000, 1080, 3), (1, 320, 930, 12), (1, 280, 330, 14), (1, 950, 210, 12),
     (1, 1690, 320, 10), (1, 1850, 900, 3), (2, 1850, 900, 2), (2, 1330, 420, 14), (2, 380, 360, 22),
     (2, 1850, 900, 1), (1, 1850, 900, 1), (1, 1320, 1010, 14), (1, 1000, 1080, 1), (1, 1000, 1400, 2),
 ]
-PACE = 110  # centimetres a second, with a basket
+PACE = 110  # centimetres per second
 BEGIN = 1767348000000  # a Friday at ten
 TICK = 500  # milliseconds
 AT_ONE_METRE = -58.0  # dBm
-FALL_OFF = 26.0  # dB for each ten-fold of the distance
-CEILING = 14.0  # dB lost between two levels
-DEAF_BELOW = -97.0
+FALL_OFF = 26.0  # dB for ten times the distance
+CEILING = 14.0  # dB lost between levels
+WEAKEST = -97.0  # dBm
 
 
 def positions():
@@ -49,7 +49,7 @@ def strength(random_source, level, x, y, ward_level, ward):
 
 
 def is_heard(random_source, dbm):
-    return dbm > DEAF_BELOW and random_source.random() < 0.95 - max(0, -70 - dbm) / 40
+    return dbm > WEAKEST and random_source.random() < 0.95 - max(0, -70 - dbm) / 40
 
 
 def main():

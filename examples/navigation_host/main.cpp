@@ -1,8 +1,8 @@
-// A host that drives the navigation service: installs a platform, creates the adapter, listens, starts and
-// stops.
+// A host of the navigation service: it installs a platform, creates the service, starts it and stops it, and
+// prints each callback.
 //
-// The platform here is the one in memory, so the example needs neither network nor Bluetooth. It has no
-// navigation framework: the host hears, in words, what is missing. A phone's platform sets
+// The platform is the one in memory, so the example needs no network and no Bluetooth. It has no navigation
+// framework, so each call fails with a message that says so. The platform of a phone sets
 // `makeNavigationManager`.
 #include <cstdio>
 #include <memory>
@@ -58,11 +58,11 @@ int main() {
     virtual_world::VirtualPlatform world({});
     platform::install(world.platform());
 
-    // The delegate goes in with the options: a navigation service may answer its initialisation at once.
+    // The delegate is one of the options, because onInitSuccess may come inside `create`.
     const auto host = std::make_shared<Host>();
     const auto service =
         TovanServiceManager::create({.id = "demo", .region = "KOREA", .sectorId = 12, .delegate = host});
-    world.time().runDue();  // an app's main loop does this
+    world.time().runDue();  // an application does this in its main loop
 
     service->startService(platform::UserMode::PEDESTRIAN);
     std::printf("building 1: %s\n", service->getBuildingName(1).value_or("none").c_str());

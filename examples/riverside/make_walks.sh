@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Makes the sample walks anew: make_walks.sh OSKA. The same program and routes give the same bytes.
+# Writes the sample walks: make_walks.sh OSKA. The same program and routes give the same bytes.
 set -euo pipefail
 oska=$(realpath "$1")
 cd "$(dirname "$0")"
