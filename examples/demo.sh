@@ -52,25 +52,25 @@ explain() {
         function note(text) { printf "      ^ %s\n", text }
         function show() { print (length($0) > 150 ? substr($0, 1, 147) "..." : $0) }
         function once(kind, text) { show(); if (!seen[kind]++) note(text) }
-        /^\(QuenloResource\)/ { once("get", "the kit asks the server where the bundle of the sector lies, and which version it is"); next }
-        /fetched BundleOutput/ { once("output", "the answer; the bundle file itself is downloaded next, unless this version is held already"); next }
-        /force updated/ { once("forced", "a forced one: downloaded again, whatever the version"); next }
-        / updated (Pelio|Dapo)Bundle/ { once("updated", "downloaded, decoded and kept in memory for the life of the process"); next }
+        /^\(QuenloResource\)/ { once("get", "the kit asks the server for the address and the version of the bundle of the sector"); next }
+        /fetched BundleOutput/ { once("output", "the reply; then the bundle is downloaded, unless this version is in memory"); next }
+        /force updated/ { once("forced", "a forced initialisation: downloaded again, although the version has not changed"); next }
+        / updated (Pelio|Dapo)Bundle/ { once("updated", "downloaded, decoded, and kept in memory until the process ends"); next }
         /version unchanged/ { once("unchanged", "a second initialisation: the same version is reused, nothing is downloaded"); next }
         /\(initialize\) : success/ { once("init", "wards and map images are indexed: the service is ready"); next }
         /\(startGenerator\)/ { once("start", "the signal generator runs, here from a recording instead of a radio"); next }
         /^\[/ { next }
-        /MapImageData/ { if (maps[service]++ < 1) { show(); note("one for each level: where its map image is and how ward positions are placed on it") } next }
-        /onInitSuccess/ { once("onInit", "what the host hears of the initialisation"); next }
-        /on(Pelio|Dapo)Success/ { once("onStart", "and of the start"); next }
+        /MapImageData/ { if (maps[service]++ < 1) { show(); note("one for each level: the address of its map image, and how ward positions are converted to it") } next }
+        /onInitSuccess/ { once("onInit", "the callback to the host: the outcome of the initialisation"); next }
+        /on(Pelio|Dapo)Success/ { once("onStart", "the callback to the host: the outcome of the start"); next }
         /onPelioResult/ {
             place = $0; sub(/.*"building_name"/, "", place)
             sub(/"result":.*"level_name"/, "... \"level_name\"")
-            if (place != last && ++places <= 6) { show(); if (places == 1) note("a position: building, level and map coordinates of the ward heard best; one a sample, shown here when it changes") }
+            if (place != last && ++places <= 6) { show(); if (places == 1) note("a position: building, level and map coordinates of the strongest ward; one for each sample, printed here when it changes") }
             last = place; next
         }
-        /onDapoSelectionChanged/ { if (++selections <= 4) { show(); if (selections == 1) note("wards heard at or above their threshold in 6 samples of 10 seconds, with their content links") } next }
-        /"visibility"/ { if (++visible <= 4) { show(); if (visible == 1) note("the view shows itself while something is selected, and hides 5 seconds after it was last heard") } next }
+        /onDapoSelectionChanged/ { if (++selections <= 4) { show(); if (selections == 1) note("wards received at or above their threshold in 6 samples within 10 seconds, with their content links") } next }
+        /"visibility"/ { if (++visible <= 4) { show(); if (visible == 1) note("the view is visible while a ward is selected, and is hidden 5 seconds after the last sample of it") } next }
         /"upload"/ { once("upload", "every sample also goes to a recording endpoint, in batches of 10 seconds"); next }
         { show() }
         END { if (places > 6) printf "      ... and %d more changes of place\n", places - 6
@@ -88,7 +88,7 @@ for _ in $(seq 100); do
     sleep 0.1
 done
 [ -n "$url" ] || { cat "$work/server.log" >&2; exit 1; }
-echo "It listens on $url, answers the bundle requests of sector 7 and takes uploads."
+echo "It listens on $url, serves the bundles of sector 7 and receives uploads."
 
 # After the walk, initialise again in both ways.
 last=$(tail -n 1 walk.jsonl | grep -o '"mobile_time": *[0-9]*' | grep -o '[0-9]*$')
@@ -101,7 +101,7 @@ say "Pelio against that server, a walk of three minutes at twenty times its pace
 
 say "Dapo on the same walk"
 "$oska" run dapo --base-url "$url" --token demo --sector 7 --recording walk.jsonl --speed 20 | explain
-echo "The server has $(wc -l <"$work/uploads.jsonl") samples from the upload: a recording of its own."
+echo "The server has $(wc -l <"$work/uploads.jsonl") samples from the upload, which are a recording again."
 
 pictures_of_the_viewer
 
@@ -109,6 +109,6 @@ say "Try next"
 cat <<EOT
   $2 examples/riverside examples/riverside/walks/museum_visit.jsonl   # on a display
   $1 replay dapo --bundle examples/corner_shop/7/dapo.json --recording examples/corner_shop/walk.jsonl   # in virtual time, at once
-  $1 check examples/corner_shop/7/pelio.json           # what would surprise the bundle's author
+  $1 check examples/corner_shop/7/pelio.json           # what in a bundle is probably not intended
   $1 --help
 EOT
