@@ -63,17 +63,15 @@ TEST(ViewerWalk, CountsActionsAndNeverGoesBack) {
 }
 
 TEST(ViewerLabels, DoNotOverlapAndStayInThePicture) {
-    const QRectF picture(0, 0, 100, 60);
+    const QRect picture(0, 0, 100, 60);
     LabelLayout layout(picture);
-    std::vector<QRectF> placed;
-    for (const QPointF mark :
-         {QPointF(50, 30), QPointF(50, 30), QPointF(95, 5), QPointF(5, 55), QPointF(50, 31)}) {
-        if (const auto area = layout.place(mark, 4, {40, 12})) placed.push_back(*area);
-    }
-    EXPECT_GE(placed.size(), 4u);
-    for (std::size_t i = 0; i < placed.size(); ++i) {
-        EXPECT_TRUE(picture.contains(placed[i]));
-        for (std::size_t j = 0; j < i; ++j) EXPECT_FALSE(placed[i].intersects(placed[j]));
+    QRegion placed;
+    for (const QPoint mark : {QPoint(50, 30), QPoint(50, 30), QPoint(95, 5), QPoint(5, 55)}) {
+        const auto area = layout.place(mark, 4, {40, 12});
+        ASSERT_TRUE(area);
+        EXPECT_TRUE(picture.contains(area->toRect()));
+        EXPECT_FALSE(placed.intersects(area->toRect()));
+        placed += area->toRect();
     }
     layout.keepFree(picture);
     EXPECT_FALSE(layout.place({50, 30}, 4, {1, 1}));
@@ -91,14 +89,11 @@ protected:
         while (!isReady) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
-    [[nodiscard]] bool isOverlayShown() const {
-        return window_->map().childAt(window_->map().rect().center()) != nullptr;
-    }
+    [[nodiscard]] QWidget* overlay() const { return window_->map().childAt(window_->map().rect().center()); }
     [[nodiscard]] QString text() const {
         QString all;
-        for (auto* const widget : window_->findChildren<QWidget*>()) {
-            if (const auto* const line = dynamic_cast<StatusLine*>(widget)) all += line->text() + "\n";
-        }
+        for (const auto* const widget : window_->findChildren<QWidget*>())
+            all += widget->accessibleName() + "\n";
         return all;
     }
     [[nodiscard]] QString links() const { return window_->findChild<ContentPanel*>()->toPlainText(); }
@@ -120,7 +115,7 @@ TEST_F(ViewerWindow, ShowsTheSameAtATimeHoweverItIsReached) {
     player_.seek(100s);
     const auto direct = text();
     EXPECT_TRUE(direct.contains("ceramics-kiln")) << direct.toStdString();
-    EXPECT_TRUE(isOverlayShown());
+    EXPECT_TRUE(overlay());
     player_.seek(250s);
     EXPECT_FALSE(text().contains("ceramics-kiln"));
     player_.seek(100s);
@@ -134,7 +129,7 @@ TEST_F(ViewerWindow, ShowsTheSameAtATimeHoweverItIsReached) {
 TEST_F(ViewerWindow, ListsLinksAfterATapOnTheOverlayOnly) {
     const auto hint = links();
     player_.seek(160s);  // on the stairs
-    ASSERT_FALSE(isOverlayShown());
+    ASSERT_FALSE(overlay());
     clickMap();
     EXPECT_EQ(links(), hint);
     player_.seek(100s);
@@ -150,9 +145,8 @@ TEST_F(ViewerWindow, KeepsTheOverlayOnTheMapAtEverySize) {
         window_->resize(size);
         QApplication::processEvents();
         const auto& map = window_->map();
-        const auto* const overlay = map.childAt(map.rect().center());
-        ASSERT_TRUE(overlay);
-        EXPECT_EQ(overlay->rect().translated(overlay->mapTo(&map, QPoint(0, 0))), map.rect());
+        ASSERT_TRUE(overlay());
+        EXPECT_EQ(overlay()->rect().translated(overlay()->mapTo(&map, QPoint(0, 0))), map.rect());
         EXPECT_EQ(window_->size(), size) << "no widget needs more space";
     }
 }
