@@ -48,9 +48,10 @@ double secondsBetween(WallTime earlier, WallTime later) {
 }
 
 std::chrono::nanoseconds spanBetween(WallTime earlier, WallTime later) {
-    constexpr auto LIMIT = std::chrono::nanoseconds::max().count() / NANOSECONDS_PER_MILLISECOND - 1;
-    const auto milliseconds =
-        std::clamp(saturatingDifference(later.milliseconds, earlier.milliseconds), -LIMIT, LIMIT);
+    // One type for all three: nanoseconds count in `long` on some systems and in `long long` on others.
+    constexpr std::int64_t LIMIT = std::chrono::nanoseconds::max().count() / NANOSECONDS_PER_MILLISECOND - 1;
+    const auto milliseconds = std::clamp<std::int64_t>(
+        saturatingDifference(later.milliseconds, earlier.milliseconds), -LIMIT, LIMIT);
     return std::chrono::nanoseconds(milliseconds * NANOSECONDS_PER_MILLISECOND + later.nanoseconds -
                                     earlier.nanoseconds);
 }
