@@ -15,3 +15,5 @@
 #define None 0L
 #define Bool int
 #define Status int
+#define ERROR 0
+#define DELETE (0x00010000L)
