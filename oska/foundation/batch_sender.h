@@ -11,8 +11,7 @@ namespace oska {
 
 /// Collects the samples of a running Dapo view and uploads them, unchanged, to the navigation framework's
 /// recording endpoint: a batch as soon as it spans ten seconds of the samples' own time, its last sample
-/// included. An upload that fails is logged and lost; it is never retried and changes nothing for the samples
-/// to come. Threads: main thread.
+/// included. An upload that fails is logged and lost; it is never retried. Threads: main thread.
 class DapoBatchSender {
 public:
     static constexpr std::int64_t RFD_BATCH_INTERVAL_MS = 10'000;
@@ -22,7 +21,7 @@ public:
 
     explicit DapoBatchSender(std::shared_ptr<OskaNetworkManager> network);
 
-    /// A sample that heard nothing is ignored: it neither starts a batch nor ends one.
+    /// Adds a sample. One without readings is ignored: it neither starts a batch nor ends one.
     void inputReceivedForce(const platform::ReceivedForce& rfd);
 
     /// Forgets what has been collected.

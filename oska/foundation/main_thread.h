@@ -7,8 +7,8 @@
 
 namespace oska {
 
-/// Runs `work` on the main thread and returns when it has run: at once when called there, else by waiting.
-/// False, and logged under `operation`, when the main queue has stopped and `work` did not run.
+/// Runs `work` on the main thread and returns after it: at once when called there, else by waiting. Returns
+/// false and logs an error under `operation` when the main queue has stopped and `work` did not run.
 bool runOnMain(platform::MainQueue& queue, const Log& log, std::string_view operation,
                const platform::Task& work);
 

@@ -7,52 +7,69 @@
 
 namespace oska {
 
-enum class OskaRegion { KOREA, CANADA };
-enum class OskaService { dapo, pelio };
+/// The regions in which the maker's cloud runs.
+enum class OskaRegion {
+    KOREA,   ///< raw value "KOREA"; used wherever no other region is chosen
+    CANADA,  ///< raw value "CANADA"
+};
 
-[[nodiscard]] std::string_view rawValue(OskaRegion region);    ///< "KOREA", "CANADA"
-[[nodiscard]] std::string_view rawValue(OskaService service);  ///< "dapo", "pelio": a path segment of URLs
-/// Exact and case-sensitive; none for any other text.
+/// The services that load bundles.
+enum class OskaService {
+    dapo,   ///< raw value "dapo"
+    pelio,  ///< raw value "pelio"
+};
+
+/// The text by which hosts name the region.
+[[nodiscard]] std::string_view rawValue(OskaRegion region);
+/// The service's path segment in URLs.
+[[nodiscard]] std::string_view rawValue(OskaService service);
+/// The region of that raw value, compared exactly and with regard to case; nullopt for any other text.
 [[nodiscard]] std::optional<OskaRegion> oskaRegion(std::string_view rawValue);
 
+/// A sector id for hosts that want one; the kit does not read it.
 inline constexpr std::int64_t OSKA_SECTOR_ID = 1;
 
-/// The cloud's endpoints: one host a service, under a label of the region. Process-wide; the service that
-/// initialises last sets them for all. "{pk}" stands in every URL where the sector id goes. Threads: any.
+/// The cloud's endpoints, for hosts: one host name for each service, under a label of the region. The kit
+/// itself asks the on-premise endpoints below. Each URL has "{pk}" in the place of the sector id.
+/// Process-wide; the service that initialises last sets them for all. Threads: any.
 class OskaNetworkConstants {
 public:
     OskaNetworkConstants() = delete;
 
-    /// "KOREA" and "CANADA" choose their region, any other text chooses Korea's.
+    /// Chooses the region by its raw value; any other text chooses Korea.
     static void setServerURL(std::string_view region);
 
+    /// The bundle endpoint of the Dapo service.
     [[nodiscard]] static std::string getUserDapoURL();
-    /// On the navigation service's host, and the only one that asks for the light bundle.
+    /// The bundle endpoint of the Pelio service: on the navigation service's host, for the light bundle.
     [[nodiscard]] static std::string getUserPelioURL();
+    /// The bundle endpoint of the navigation service.
     [[nodiscard]] static std::string getUserTovanURL();
 };
 
-/// The endpoints of a self-hosted server, and the ones that the kit itself asks for bundles. Process-wide.
-/// Threads: any. Until a host sets a base URL it is "http://localhost:5050".
+/// The endpoints of a self-hosted server. The kit always asks these for bundles, also when no host has set a
+/// base URL: it is "http://localhost:5050" until then. Process-wide. Threads: any.
 class OskaOnPremiseNetworkConstants {
 public:
     OskaOnPremiseNetworkConstants() = delete;
 
-    /// True from the first base URL on that was not blank, for the life of the process.
+    /// Whether a base URL has been set; stays true for the life of the process.
     [[nodiscard]] static bool isEnabled();
 
-    /// White space at the ends and trailing slashes are removed; a blank text changes nothing. Nothing else
-    /// is checked.
+    /// Sets the base URL for all services. White space at both ends and trailing slashes are removed; a text
+    /// of white space alone changes nothing. Nothing else is checked.
     static void setBaseURL(std::string_view url);
 
+    /// The base URL, without a slash at its end.
     [[nodiscard]] static std::string baseURL();
-    [[nodiscard]] static std::string serviceBaseURL(
-        OskaService service);  ///< base URL + "/v2/dapo" or "/v2/pelio"
+    /// Base URL + "/v2/dapo" or "/v2/pelio".
+    [[nodiscard]] static std::string serviceBaseURL(OskaService service);
+    /// The bundle endpoint of the Dapo service: "{pk}" stands for the sector id.
     [[nodiscard]] static std::string getUserDapoURL();
+    /// The bundle endpoint of the Pelio service, likewise.
     [[nodiscard]] static std::string getUserPelioURL();
 
-    /// Back to the initial base URL, unless a host has set one: a promise to whoever adds another way to set
-    /// it.
+    /// Restores the initial base URL unless a host has set one.
     static void resetOnPremiseBaseURLIfDisabled();
 };
 

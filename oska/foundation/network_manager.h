@@ -22,11 +22,11 @@ namespace oska {
 ///
 /// Results: a status code and a text. The text is the reply's body for a status of 200 to 299 (empty when it
 /// is not UTF-8); without a usable reply the status is 500, without a URL or a token 406. Nothing is retried.
-/// The provider's first answer counts, and one that throws has none. While it does not answer, at most eight
-/// uploads wait; the older ones end with 406.
-/// Threads: operations on any thread; they return at once. Each completion is called once, later, on the main
-/// queue, with the caller's input. Lifetime: owned by a shared_ptr; waiting for a token keeps it alive, and
-/// destroying it cancels the requests that are under way.
+/// The token provider's first answer counts; an exception counts as a failure. While it does not answer, at
+/// most eight uploads wait; older ones end with 406. Threads: operations on any thread; they return at once.
+/// Each completion is called once, later, on the main queue, with the caller's input. Lifetime: owned by a
+/// shared_ptr; a request that waits for a token keeps it alive, and destroying it cancels the requests that
+/// have been sent.
 class OskaNetworkManager : public std::enable_shared_from_this<OskaNetworkManager> {
 public:
     using BundleCompletion = std::function<void(int statusCode, std::string message, SectorIdOsInput input)>;
@@ -38,15 +38,17 @@ public:
 
     explicit OskaNetworkManager(const platform::Platform& platform);
 
-    /// `url` is a template in which "{pk}" stands for the sector id.
+    /// Asks for a sector's bundle descriptor. `url` is a template in which "{pk}" stands for the sector id;
+    /// `forceUpdate` asks for a reply from no cache.
     void getSectorBundle(std::string_view url, SectorIdOsInput input, bool forceUpdate,
                          BundleCompletion completion);
 
+    /// Uploads a batch of samples as one JSON array.
     void postReceivedForces(std::string_view url, std::vector<platform::ReceivedForce> input,
                             PostCompletion completion);
 
 private:
-    /// Sessions used in turn; the counter is atomic because token providers answer on threads of their own.
+    /// Three sessions used in turn. The counter is atomic because token providers answer on any thread.
     class SessionPool {
     public:
         SessionPool(platform::HttpSessionFactory& factory,
@@ -62,11 +64,12 @@ private:
     using Answer = std::function<void(int statusCode, std::string message)>;
     using RequestMaker = std::function<void(std::optional<platform::HttpRequest>)>;
 
-    /// Makes the request with a fresh bearer token, or none when the provider has none; one with a body waits
-    /// among the uploads. `completion` is called once and must not keep the manager alive. Any thread.
+    /// Hands a request with a fresh bearer token to `completion`, or nullopt when the provider has none. A
+    /// request with a body waits among the uploads. `completion` is called once, on any thread, and must not
+    /// keep the manager alive.
     void makeAuthorizedRequest(Url url, std::string method, std::optional<std::string> body,
                                RequestMaker completion);
-    /// Posts `completion` with the outcome and `input` to the main queue when the answer is called; its first
+    /// Returns a function that posts `completion`, with the outcome and `input`, to the main queue. Its first
     /// call counts.
     template <class Input>
     Answer answerTo(std::function<void(int, std::string, Input)> completion, Input input);

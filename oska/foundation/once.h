@@ -7,9 +7,8 @@
 
 namespace oska {
 
-/// `receive` behind a guard for answers that a provider owes exactly once: the first call reaches it, and
-/// what it holds goes with that call; later ones, of any copy, do nothing. Threads: any, at the same time,
-/// too.
+/// Wraps `receive`, a callback that a provider must call exactly once. The first call of any copy reaches
+/// `receive`, which is destroyed after it; further calls do nothing. Threads: any, also at the same time.
 template <class... Args>
 std::function<void(Args...)> once(std::function<void(Args...)> receive) {
     struct Owed {

@@ -11,7 +11,7 @@
 namespace oska {
 namespace {
 
-/// None unless it is that of `host`.
+/// The base URL, or nullopt when its host is another one.
 std::optional<std::string> onPremiseBaseUrl(const std::string& host) {
     if (!OskaOnPremiseNetworkConstants::isEnabled()) return std::nullopt;
     auto text = OskaOnPremiseNetworkConstants::baseURL();

@@ -4,15 +4,15 @@
 
 namespace oska {
 
-/// Accepts the certificate of the configured on-premise server as it is, and says so on standard output;
-/// every other host gets the platform's ordinary check. Hosts are compared exactly, as the base URL spells
-/// them at that moment. Threads: any; no state of its own.
+/// Accepts the certificate of the configured on-premise server without a check, and writes a line about it;
+/// every other host gets the platform's ordinary check. The host must equal that of the base URL at that
+/// moment, exactly. Threads: any; no state.
 class OskaOnPremiseServerTrustDelegate : public platform::HttpSessionDelegate {
 public:
     platform::ChallengeDisposition didReceiveChallenge(
         const platform::AuthenticationChallenge& challenge) override;
 
-    /// The base URL, for its own host.
+    /// The base URL for its own host, nullopt for others.
     [[nodiscard]] std::optional<std::string> trustBasis(const std::string& host) const override;
 };
 

@@ -9,7 +9,7 @@ bool isIdCharacter(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
 }
 
-// The platform may add states; one that cannot be read counts as one of those.
+// A state that cannot be read counts as one that the platform has added.
 platform::BluetoothAuthorizationState authorizationOf(const platform::BluetoothAuthorization& bluetooth) {
     try {
         return bluetooth.authorization();

@@ -7,20 +7,20 @@
 
 namespace oska {
 
-/// What both services check before they start, and what they log of it. Each logs with the service's own tag;
-/// none calls a delegate. Threads: that of the service's call; no state. Errors: a Bluetooth state that
-/// cannot be read, because the provider throws, counts as unknown.
+/// What both services check before they start, and what they log about it, each with its own tag. No delegate
+/// is called here. Threads: any; no state.
 
-/// One or more ASCII letters, digits, underscores or hyphens, and nothing else.
+/// Whether `id` is one or more ASCII letters, digits, underscores or hyphens, and nothing else.
 [[nodiscard]] bool isValidServiceId(std::string_view id);
 
-/// Whether the application may use Bluetooth; not asked yet counts as yes.
+/// Whether the application may use Bluetooth, also when the user has not been asked yet. A provider that
+/// throws counts as one with an unknown state: no.
 [[nodiscard]] bool checkBLEAuthorized(const platform::BluetoothAuthorization& bluetooth, const Log& log);
 
-/// What both services log for `onRfdError`; nothing else happens.
+/// Logs a fault that the generator reports.
 void logGeneratorError(const Log& log, int code, std::string_view msg);
 
-/// What both services log for an id that is not valid.
+/// Logs that an id is not valid.
 void logInvalidId(const Log& log, std::string_view id);
 
 }  // namespace oska

@@ -11,8 +11,8 @@
 namespace oska {
 
 /// The uploads that wait for a token: eight at most, so that a token provider that never answers costs no
-/// more than their bodies and batches. The oldest one beyond that is answered as if the provider had failed;
-/// so are all that are left in the end. Threads: any; answers are given outside the lock.
+/// more memory than those. When a ninth arrives, the oldest gets a failure; so do all that are left when this
+/// is destroyed. Threads: any; answers are called outside the lock.
 class WaitingUploads {
 public:
     using Answer = std::function<void(platform::TokenResult)>;
@@ -24,12 +24,13 @@ public:
     WaitingUploads(const WaitingUploads&) = delete;
     WaitingUploads& operator=(const WaitingUploads&) = delete;
 
-    /// A place in the line, which ends with `leave`.
+    /// Identifies a waiting upload from `enter` to `leave`.
     using Ticket = std::uint64_t;
     static constexpr Ticket NO_TICKET = 0;
 
-    /// `answer` counts its first call only, and frees what it holds then (see once.h).
+    /// Adds an upload. `answer` must ignore further calls and free what it holds at the first (see once.h).
     Ticket enter(Answer answer);
+    /// Removes the upload without calling its answer; does nothing when it has left already.
     void leave(Ticket ticket);
 
 private:

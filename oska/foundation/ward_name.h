@@ -7,19 +7,21 @@
 
 namespace oska {
 
-/// The key under which a ward's name is indexed and looked up: white space and line breaks at both ends
-/// removed (see `text::trimmed`), then in lower case, nothing else altered, and written in the
-/// composed form, so that names equal under canonical equivalence are one key to a container that compares
-/// bytes.
+/// The key under which a ward's name is stored and looked up, for bundles and samples alike.
 ///
-/// Threads: any. Never fails; a name of blanks only gives an empty key.
+/// White space and line breaks at both ends are removed (see `text::trimmed`), the rest is changed to lower
+/// case and then to the composed form of Unicode, so that canonically equivalent names have one key, byte for
+/// byte. Nothing else is changed.
+///
+/// Threads: any. Never fails; a name of white space alone gives an empty key, and bytes that are not UTF-8
+/// stay.
 [[nodiscard]] std::string normalizeWardName(std::string_view name);
 
-/// Does what `normalizeWardName` does in storage that it keeps: for names of the lengths that it has met
-/// before it allocates nothing. Threads: one at a time.
+/// The same as `normalizeWardName`, for streams of names: it keeps its storage, so that it allocates only for
+/// a name longer than those before. Threads: one at a time.
 class WardNameNormalizer {
 public:
-    /// The key; it holds until the next call.
+    /// Returns the key of `name`. The view is valid until the next call.
     [[nodiscard]] std::string_view operator()(std::string_view name);
 
 private:

@@ -6,28 +6,30 @@
 
 namespace oska::platform {
 
+/// A job of the main queue. It must not throw.
 using Task = std::function<void()>;
 
-/// A delayed job or a repeating timer that is still wanted. Destroying the handle ends it: destroyed on the
-/// main thread, the job does not run afterwards, even when it was due already; destroyed on another thread,
-/// it does not start afterwards, but may be running at that moment. A job may destroy its own handle.
+/// The handle of a delayed job or a repeating timer. Destroying it cancels the job: on the main thread, the
+/// job does not run afterwards, even when it was due already; on another thread, it does not start
+/// afterwards, but may be running at that moment. A job may destroy its own handle.
 class ScheduledWork {
 public:
     virtual ~ScheduledWork() = default;
 };
 
-/// The main thread's serial queue: everything that the kit tells a host, it tells from here.
+/// The main thread's serial queue. Nearly all callbacks of the kit to a host run here.
 ///
 /// Order: jobs run one at a time; jobs due at one instant run in the order in which they were scheduled. A
 /// repeating timer's next tick counts as scheduled when the previous one ran, before its handler's own work.
 /// Threads: every operation may be called on any thread, from inside a job, too; jobs run on the main thread
-/// only. Lifetime: a job is destroyed after it ran, on the main thread; one that never runs (ended, or the
-/// queue stopped) is destroyed without running. No job is called or destroyed while the queue holds a lock.
-/// Errors: jobs do not throw.
+/// only. Lifetime: a job is destroyed after it ran, on the main thread; one that never runs (cancelled, or
+/// the queue has stopped) is destroyed without running. No job is called or destroyed while the queue holds a
+/// lock. Errors: jobs do not throw.
 class MainQueue {
 public:
     virtual ~MainQueue() = default;
 
+    /// Whether the caller runs on the main thread.
     [[nodiscard]] virtual bool isMainThread() const = 0;
 
     /// Runs `task` later, never inside this call. After the queue has stopped, the task is destroyed without
@@ -43,9 +45,9 @@ public:
     [[nodiscard]] virtual std::unique_ptr<ScheduledWork> every(std::chrono::nanoseconds interval,
                                                                Task task) = 0;
 
-    /// Runs `task` on the main thread and waits for it. False, and the task did not run, when the queue has
-    /// stopped or stops while waiting. Requires: not called on the main thread; that is a programming error
-    /// and stops the process with a line.
+    /// Runs `task` on the main thread and waits for it. Returns false, without running it, when the queue has
+    /// stopped or stops while waiting. Must not be called on the main thread: that is a programming error and
+    /// stops the process with one line.
     [[nodiscard]] virtual bool sync(Task task) = 0;
 };
 

@@ -7,34 +7,41 @@
 
 namespace oska::platform {
 
-/// What the application's surroundings tell all who listen.
+/// An event of the application that any part of it may observe.
 enum class Notification {
-    willEnterForeground,  ///< the application is about to be on the screen again
+    /// The application is about to be on the screen again. A running Dapo view delivers its selection then,
+    /// at once or with its next output, also when it has not changed.
+    willEnterForeground,
 };
 
-/// One registration. Destroying it ends it and waits for nothing. On the thread of a post, the observer is
-/// not called after that. On another thread, a post under way may have decided on the call already: the
-/// observer may then be running or even start after the destructor has returned, once per such post. What it
-/// uses must live that long: capture a `std::weak_ptr`, or end the registration on the thread that posts.
+/// One registration. Destroying it ends it without waiting. When that happens on the thread of a post, the
+/// observer is not called afterwards. When it happens on another thread, a running post may have chosen the
+/// observer already: it may then be running, or even start, after the destructor has returned, once per such
+/// post. What the observer uses must live that long: capture a `std::weak_ptr`, or end the registration on
+/// the thread that posts.
 class Observation {
 public:
     virtual ~Observation() = default;
 };
 
-/// Tells observers at once, on the thread of the post.
+/// Where the application's events are posted and observed. Calls observers at once, on the thread of the
+/// post, in the order in which they registered.
 ///
-/// Threads: any. Observers may register, end and post inside a call: one that comes during a post is not
-/// called for it. They are called in the order in which they registered, while no lock is held.
+/// Threads: any. No lock is held while an observer runs, so it may register, end and post. An observer that
+/// registers during a post is not called for that post.
 class NotificationCenter {
 public:
+    /// Called for each post of the notification it was registered for. It must not throw.
     using Observer = std::function<void()>;
 
-    /// The application's. Adapters, or a host without one that does, post to it.
+    /// The application's own center, never destroyed. The adapter posts to it; where no adapter does, the
+    /// host must.
     static NotificationCenter& shared();
 
+    /// Registers `observer` for as long as the returned handle lives.
     [[nodiscard]] std::unique_ptr<Observation> addObserver(Notification notification, Observer observer);
 
-    /// Returns after the last observer has returned.
+    /// Calls the observers of `notification` and returns after the last of them has returned.
     void post(Notification notification);
 
 private:
@@ -44,7 +51,7 @@ private:
     [[nodiscard]] std::vector<std::shared_ptr<Entry>> entriesFor(Notification notification);
 
     std::mutex mutex_;
-    std::vector<std::weak_ptr<Entry>> entries_;  // gone ones leave at the next registration
+    std::vector<std::weak_ptr<Entry>> entries_;  // ended ones are removed at the next registration
 };
 
 }  // namespace oska::platform

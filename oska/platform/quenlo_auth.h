@@ -8,24 +8,35 @@
 /// The access-token provider of the maker's framework QuenloAuth.
 namespace oska::platform {
 
-enum class TokenFailureReason { notSignedIn, network, server, unknown };
-
-struct TokenFailure {
-    TokenFailureReason reason = TokenFailureReason::unknown;
-    std::optional<int> statusCode;
-    std::optional<std::string> message;
+/// Why a provider has no token. The kit treats all reasons alike.
+enum class TokenFailureReason {
+    notSignedIn,  ///< no user is signed in
+    network,      ///< the token server was not reached
+    server,       ///< the token server refused
+    unknown,      ///< none of these
 };
 
-/// The token, or why there is none.
+/// What a provider says when it has no token. The kit does not read it; it is there for hosts.
+struct TokenFailure {
+    TokenFailureReason reason = TokenFailureReason::unknown;  ///< for programs
+    std::optional<int> statusCode = {};                       ///< HTTP status, where a server replied
+    std::optional<std::string> message = {};                  ///< for people
+};
+
+/// The bearer token without the word "Bearer", or why there is none.
 using TokenResult = std::variant<std::string, TokenFailure>;
 
-/// Threads: `getAccessToken` on any thread; `completion` exactly once, on any thread, inside the call or
-/// later. The kit ignores a second answer and takes an exception for a failure. It keeps at most eight
-/// uploads waiting for an answer; older ones end as if the provider had failed.
+/// Provides the token that goes with each authorised request.
 class QuenloAuthManager {
 public:
     virtual ~QuenloAuthManager() = default;
-    /// `update`: a token that has run out is renewed first.
+
+    /// Hands a token, or a failure, to `completion`. `update` asks to renew a token that has expired; the kit
+    /// always passes true.
+    ///
+    /// Threads: called on any thread; `completion` must be called exactly once, on any thread, inside the
+    /// call or later. The kit ignores a second call of it and takes an exception for a failure. At most eight
+    /// uploads wait for their token; older ones end as if the provider had failed.
     virtual void getAccessToken(bool update, std::function<void(TokenResult)> completion) = 0;
 };
 

@@ -6,11 +6,12 @@
 /// The endpoints of the maker's navigation framework QuenloTovan.
 namespace oska::platform {
 
-/// Process-wide. Threads: any.
+/// The recording endpoint, to which the Dapo view uploads its samples. Process-wide: the last call counts.
+/// Threads: any.
 class TovanNetworkConstants {
 public:
-    /// Points the framework at a self-hosted server. White space at the ends and trailing slashes do not
-    /// count; a text with nothing else leaves the server as it is.
+    /// Points the framework at a self-hosted server. White space at both ends and trailing slashes are
+    /// removed; a text with nothing else changes nothing.
     static void setOnPremise(std::string_view baseURL);
 
     /// Where batches of samples are posted, as a JSON array: base URL + "/v2/recordings/rfds". The base URL

@@ -8,19 +8,19 @@
 
 namespace oska {
 
-/// Everything in which loading the two kinds of bundle differs. The road is the same; the Dapo kind tells
-/// more on it.
+/// How loading a Dapo bundle differs from loading a Pelio bundle: in names, and in what is logged. All else
+/// is the same code (see bundle_load.h).
 struct DapoKind {
     using Bundle = DapoBundle;
     static constexpr std::string_view NAME = "Dapo";
     static std::string bundleUrlTemplate() { return OskaOnPremiseNetworkConstants::getUserDapoURL(); }
 
-    /// Logs that the endpoint gave nothing, and has lines of its own for a download that failed, a bundle
-    /// that does not decode and a cached bundle used instead. The Pelio kind logs one line for all failures
-    /// of a download.
+    /// Whether each of these has a line of its own: no descriptor, a failed download, a bundle that does not
+    /// decode, a cached bundle used instead. The Pelio kind logs one line for all failures of a download.
     static constexpr bool LOGS_EACH_STEP = true;
 };
 
+/// The same for the Pelio kind.
 struct PelioKind {
     using Bundle = PelioBundle;
     static constexpr std::string_view NAME = "Pelio";

@@ -16,14 +16,14 @@
 
 namespace oska {
 
-/// One pass of a load, from the descriptor on: decide, download, take into use, answer. Each step runs on the
-/// main queue and calls the next; the load keeps itself alive until it has answered.
+/// One load of a bundle, after its descriptor has arrived: decide, download, use, complete. Each step runs on
+/// the main queue and calls the next; the load keeps itself alive until it has posted its completion.
 template <class Kind>
 class BundleLoad : public std::enable_shared_from_this<BundleLoad<Kind>> {
 public:
     using Completion = std::function<void(bool success)>;
 
-    /// `downloader` and `shelf` are the manager's: while the one can be locked, the other may be used.
+    /// `downloader` and `shelf` belong to the manager: `shelf` is used only while `downloader` is locked.
     BundleLoad(std::weak_ptr<ResourceDownloader> downloader, BundleShelf<Kind>& shelf,
                std::shared_ptr<platform::MainQueue> queue, std::int64_t sectorId, bool forceUpdate,
                Completion completion)
@@ -34,6 +34,7 @@ public:
           forceUpdate_(forceUpdate),
           completion_(std::move(completion)) {}
 
+    /// The first step: uses the cached bundle when its version is still the same, else downloads.
     void decide(std::optional<BundleOutput> output) {
         const auto downloader = downloader_.lock();
         if (!downloader) return failBefore("self is nil before processing BundleOutput");
@@ -129,9 +130,9 @@ private:
     std::int64_t sectorId_;
     bool forceUpdate_;
     Completion completion_;
-    BundleOutput output_;                         // being loaded
-    std::optional<BundleOutput> cachedOutput_;    // held for the sector when the decision was taken
-    std::shared_ptr<const Bundle> cachedBundle_;  // likewise
+    BundleOutput output_;                         // what is being loaded
+    std::optional<BundleOutput> cachedOutput_;    // of the sector, when the load decided
+    std::shared_ptr<const Bundle> cachedBundle_;  // the same
 };
 
 }  // namespace oska

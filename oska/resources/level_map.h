@@ -6,23 +6,28 @@
 
 namespace oska {
 
-/// The map image of one level, with the building and level that it belongs to. Both services hand it to
-/// hosts, each under a name of its own.
+/// The map image of one level, with the building and level that it belongs to. Both services hand it to hosts
+/// once for each level, while they initialise, each under a name of its own: DapoMapImage, PelioMapImage.
+///
+/// A ward at (x, y) of the bundle lies on the map at (scale_x * x + offset_x, scale_y * y + offset_y). The
+/// positions that the services report are converted already.
 struct LevelMap {
-    static constexpr std::string_view TYPE_NAME = "LevelMap";
-    std::int64_t building_id = 0;
-    std::string building_name;
-    std::int64_t level_id = 0;
-    std::string level_name;
-    std::string url;          ///< where the image is downloaded from; the kit does not fetch it
-    double image_width = 0;   ///< pixels
-    double image_height = 0;  ///< pixels
-    double scale_x = 0;       ///< map units to image units
-    double scale_y = 0;
-    double offset_x = 0;  ///< added after scaling
-    double offset_y = 0;
+    static constexpr std::string_view TYPE_NAME = "LevelMap";  ///< in descriptions
+
+    std::int64_t building_id = 0;    ///< of the bundle
+    std::string building_name = {};  ///< of the bundle
+    std::int64_t level_id = 0;       ///< of the bundle
+    std::string level_name = {};     ///< of the bundle
+    std::string url = {};            ///< of the image, as the bundle has it; the kit does not fetch it
+    double image_width = 0;          ///< pixels
+    double image_height = 0;         ///< pixels
+    double scale_x = 0;              ///< map units for one bundle unit, along x
+    double scale_y = 0;              ///< the same along y; negative where the two axes run opposite
+    double offset_x = 0;             ///< map units, added after scaling
+    double offset_y = 0;             ///< map units, added after scaling
 };
 
+/// The record's fields under their JSON keys, in the order of the document (see oska/json/record.h).
 template <class Visit>
 void fields(Visit& f, LevelMap& map) {
     f("building_id", map.building_id);
@@ -38,6 +43,7 @@ void fields(Visit& f, LevelMap& map) {
     f("offset_y", map.offset_y);
 }
 
+/// Field by field.
 [[nodiscard]] bool operator==(const LevelMap& a, const LevelMap& b);
 
 }  // namespace oska

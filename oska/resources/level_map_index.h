@@ -9,20 +9,31 @@
 
 namespace oska {
 
+/// A place on a level's map, as the services report it.
 struct MapPoint {
-    double x;
-    double y;
+    double x;  ///< map units
+    double y;  ///< map units
 };
 
-/// The map images of a site by level id; of levels that share an id the later one counts. A value, from a
-/// bundle of either kind.
+/// The map images of a site by level id, from a bundle of either kind. Where several levels have the same id,
+/// the last one counts.
+///
+/// A value: it keeps copies of the maps and does not refer to the bundle. Threads: any, while nobody assigns
+/// to it. Errors: none; what has no map has none here.
 class LevelMapIndex {
 public:
+    /// Without maps.
     LevelMapIndex() = default;
+
+    /// Indexes the levels of `buildings`, those of a DapoBundle or a PelioBundle: each level's map image with
+    /// the ids and names of level and building.
     template <class Building>
     explicit LevelMapIndex(const std::vector<Building>& buildings);
 
+    /// All maps, by ascending level id.
     [[nodiscard]] const std::map<std::int64_t, LevelMap>& byLevelId() const { return byLevelId_; }
+
+    /// The map of a level, or nullopt when the bundle has no such level.
     [[nodiscard]] std::optional<LevelMap> find(std::int64_t levelId) const;
 
     /// A ward's place on the map image of its level, from bundle units: scale times coordinate, rounded, then

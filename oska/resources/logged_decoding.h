@@ -10,7 +10,8 @@
 
 namespace oska {
 
-/// The record that the document holds, or none, which is logged with the place and the reason.
+/// The record that the document holds. A document that does not decode gives nullopt, and the place and the
+/// reason are logged.
 template <class Record>
 std::optional<Record> decodeJSONData(std::string_view data) {
     auto decoded = json::decode<Record>(data);
@@ -19,7 +20,7 @@ std::optional<Record> decodeJSONData(std::string_view data) {
     return std::nullopt;
 }
 
-/// Likewise for a text, which must be UTF-8 throughout.
+/// The same for a text; one that is not UTF-8 gives nullopt and is logged.
 template <class Record>
 std::optional<Record> decodeJSONString(std::string_view text) {
     if (text::isUtf8(text)) return decodeJSONData<Record>(text);

@@ -5,7 +5,7 @@
 
 #include "oska/foundation/log_message.h"
 
-/// How the resource manager's lines name the kind of bundle that they are about.
+/// The resource manager's log, and how its lines name the kind of bundle.
 namespace oska {
 
 inline constexpr Log RESOURCE_LOG{"OskaResourceManager"};

@@ -32,18 +32,21 @@ public:
 
     OskaResourceManager(const platform::Platform& platform, std::shared_ptr<OskaNetworkManager> network);
 
-    /// After success the bundle is `currentDapoBundle()`, to be read inside the completion: the next load of
-    /// the kind replaces it.
+    /// Loads a sector's bundle. After success it is `currentDapoBundle()`, to be read inside the completion:
+    /// the next load of the kind replaces it. `forceUpdate` downloads it in any case and never falls back.
     void loadDapoResources(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
+    /// The same for the Pelio kind.
     void loadPelioResources(std::int64_t sectorId, bool forceUpdate, LoadCompletion completion);
 
-    /// Main queue only. Null before the first success.
+    /// The bundle of the last successful load; null before the first. Main queue only.
     [[nodiscard]] std::shared_ptr<const DapoBundle> currentDapoBundle() const { return dapo_.current; }
+    /// The same for the Pelio kind.
     [[nodiscard]] std::shared_ptr<const PelioBundle> currentPelioBundle() const { return pelio_.current; }
 
     /// The fetch step: the sector's descriptor, or the one held when the endpoint fails and nothing is
     /// forced.
     void loadDapoBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
+    /// The same for the Pelio kind.
     void loadPelioBundle(std::int64_t sectorId, bool forceUpdate, FetchCompletion completion);
 
 private:
