@@ -67,9 +67,6 @@ TEST_F(BatchSender, IgnoresSamplesThatHeardNothing) {
 TEST_F(BatchSender, MeasuresAnyStampsWithoutOverflow) {
     constexpr auto FIRST = std::numeric_limits<std::int64_t>::min();
     constexpr auto LAST = std::numeric_limits<std::int64_t>::max();
-    offer({LAST, FIRST, 0});
-    EXPECT_TRUE(batches().empty()) << "stamps that go back span nothing";
-    sender_.reset();
     offer({FIRST, LAST});
     EXPECT_EQ(batches(), (std::vector<Times>{{FIRST, LAST}}));
 }
@@ -91,14 +88,6 @@ TEST_F(BatchSender, LogsAFailedUploadAndLosesIt) {
     batches();
     EXPECT_EQ(output_.take(),
               std::vector<std::string>{"[ERROR] [DapoBatchSender] (postRFD) 500, Request failed"});
-
-    world_.auth().setResult(platform::TokenFailure{});
-    offer({2});
-    sender_.flush();
-    EXPECT_TRUE(batches().empty());
-    EXPECT_EQ(output_.take(),
-              std::vector<std::string>{"[ERROR] [DapoBatchSender] (postRFD) 406, Invalid URL or failed "
-                                       "to encode JSON"});
 }
 
 TEST_F(BatchSender, PostsToTheEndpointOfTheMomentOfSending) {

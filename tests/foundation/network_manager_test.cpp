@@ -18,15 +18,7 @@ using virtual_world::reply;
 
 constexpr auto TEMPLATE = "http://server/v2/dapo/sectors/{pk}/bundle";
 
-struct Answer {
-    int status = 0;
-    std::string message;
-    friend bool operator==(const Answer&, const Answer&) = default;
-};
-
-std::ostream& operator<<(std::ostream& out, const Answer& answer) {
-    return out << answer.status << answer.message;
-}
+using Answer = std::pair<int, std::string>;
 
 std::string header(const platform::HttpRequest& request, std::string_view name) {
     std::string values;
@@ -44,7 +36,7 @@ protected:
                                   [&](int status, std::string text, SectorIdOsInput in) {
                                       EXPECT_FALSE(answer);
                                       EXPECT_EQ(in.sector_id, 12);
-                                      answer = {status, std::move(text)};
+                                      answer = Answer(status, std::move(text));
                                   });
         return settled(answer);
     }
@@ -55,7 +47,7 @@ protected:
         manager_->postReceivedForces(url, std::move(batch), [&](int status, std::string text, auto input) {
             EXPECT_FALSE(answer);
             EXPECT_EQ(input.size(), size);
-            answer = {status, std::move(text)};
+            answer = Answer(status, std::move(text));
         });
         return settled(answer);
     }
@@ -64,7 +56,7 @@ protected:
         EXPECT_FALSE(answer) << "answered inside the call";
         world_.time().advanceBy(std::chrono::minutes(5));
         EXPECT_TRUE(answer);
-        return answer.value_or(Answer{});
+        return answer.value_or(Answer());
     }
 
     platform::HttpRequest lastRequest() { return world_.server().requests().back().request; }
@@ -193,8 +185,8 @@ TEST_F(FaultyTokenProvider, IsTakenAtItsFirstAnswer) {
     for (const auto& [behaviour, status] : table) {
         useProvider(behaviour);
         const auto expected = world_.server().requests().size() + (status == 200 ? 2 : 0);
-        EXPECT_EQ(get().status, status);
-        EXPECT_EQ(post("http://server/", {{1, {}}}).status, status);
+        EXPECT_EQ(get().first, status);
+        EXPECT_EQ(post("http://server/", {{1, {}}}).first, status);
         ASSERT_EQ(world_.server().requests().size(), expected);
         EXPECT_EQ(header(lastRequest(), "Authorization"), "Bearer cached;");
     }
@@ -231,11 +223,11 @@ TEST(ServerTrust, AcceptsTheConfiguredHostAloneAndSaysSo) {
     OskaOnPremiseNetworkConstants::setBaseURL("https://10.0.0.2:8443");
     EXPECT_EQ(delegate.trustBasis("10.0.0.2"), "https://10.0.0.2:8443");
     EXPECT_EQ(delegate.trustBasis("10.0.0.3"), std::nullopt);
-    EXPECT_EQ(delegate.didReceiveChallenge({.host = "10.0.0.3"}), performDefaultHandling);
-    EXPECT_EQ(delegate.didReceiveChallenge({.method = Challenge::Method::other, .host = "10.0.0.2"}),
-              performDefaultHandling);
-    EXPECT_EQ(delegate.didReceiveChallenge({.host = "10.0.0.2", .hasServerTrust = false}),
-              performDefaultHandling);
+    const Challenge refused[] = {{.host = "10.0.0.3"},
+                                 {.method = Challenge::Method::other, .host = "10.0.0.2"},
+                                 {.host = "10.0.0.2", .hasServerTrust = false}};
+    for (const auto& challenge : refused)
+        EXPECT_EQ(delegate.didReceiveChallenge(challenge), performDefaultHandling);
     EXPECT_TRUE(output.take().empty());
     EXPECT_EQ(delegate.didReceiveChallenge({.host = "10.0.0.2"}), useCredential);
     EXPECT_EQ(output.take(),

@@ -23,21 +23,16 @@ struct Bluetooth : platform::BluetoothAuthorization {
 };
 
 TEST(BluetoothCheck, LetsThroughWhatIsAllowedOrNotYetAsked) {
-    using Lines = std::vector<std::string>;
     fakes::OutputCapture output;
-    struct Case {
-        int state;
-        bool authorized;
-        std::string line;
-    };
     const std::string refused =
-        "[ERROR] [DapoView] (checkBLEAuthorized) : bluetooth authorization denied or restricted";
-    const std::string unknown =
-        "[WARN]  [DapoView] (checkBLEAuthorized) : unknown bluetooth authorization state";
-    for (const auto& [state, authorized, line] :
-         {Case{0, true, ""}, {1, false, refused}, {2, false, refused}, {3, true, ""}, {4, false, unknown}}) {
-        EXPECT_EQ(checkBLEAuthorized(Bluetooth(state), Log("DapoView")), authorized) << state;
-        EXPECT_EQ(output.take(), line.empty() ? Lines{} : Lines{line});
+        "[ERROR] [DapoView] (checkBLEAuthorized) : bluetooth authorization denied or ";
+    const std::string lines[] = {
+        "", refused + "restricted", refused + "restricted", "",
+        "[WARN]  [DapoView] (checkBLEAuthorized) : unknown bluetooth authorization state"};
+    for (int state = 0; state <= 4; ++state) {
+        const auto& line = lines[state];
+        EXPECT_EQ(checkBLEAuthorized(Bluetooth(state), Log("DapoView")), line.empty()) << state;
+        EXPECT_EQ(output.take(), std::vector<std::string>(line.empty() ? 0 : 1, line));
     }
 }
 

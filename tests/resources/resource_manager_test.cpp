@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -22,30 +23,39 @@ using Lines = std::vector<std::string>;
 
 enum class Kind { dapo, pelio };
 
+constexpr auto BOTH_KINDS = {Kind::dapo, Kind::pelio};
+
 class ResourceManager : public testing::Test {
 protected:
-    /// Loads sector 12 to its end; the log lines of the manager, without level and class tag of the good
-    /// ones.
+    void publish(Kind kind, const std::string& version) {
+        site_.publish(version, kind == Kind::dapo ? DAPO_DOCUMENT : PELIO_DOCUMENT);
+    }
+
+    void start(Kind kind, bool forceUpdate, OskaResourceManager::LoadCompletion completion) {
+        if (kind == Kind::dapo) {
+            manager_->loadDapoResources(12, forceUpdate, std::move(completion));
+        } else {
+            manager_->loadPelioResources(12, forceUpdate, std::move(completion));
+        }
+    }
+
+    /// Loads sector 12 to its end and returns the manager's log lines (see `managerLines`).
     Lines load(Kind kind, bool forceUpdate = false) {
         output_.take();
         bool isReturned = false;
-        answers_ = 0;
-        const auto completion = [&](bool success) {
+        int answers = 0;
+        start(kind, forceUpdate, [&](bool success) {
             EXPECT_TRUE(isReturned && world_.time().isMainThread());
             success_ = success;
-            ++answers_;
-        };
-        if (kind == Kind::dapo) {
-            manager_->loadDapoResources(12, forceUpdate, completion);
-        } else {
-            manager_->loadPelioResources(12, forceUpdate, completion);
-        }
+            ++answers;
+        });
         isReturned = true;
         world_.time().advanceBy(std::chrono::minutes(2));
-        EXPECT_EQ(answers_, 1);
+        EXPECT_EQ(answers, 1);
         return managerLines();
     }
 
+    /// The manager's lines since the last call: the level's first letter, a blank, the message.
     Lines managerLines() {
         Lines lines;
         for (const auto& line : output_.take()) {
@@ -57,50 +67,56 @@ protected:
         return lines;
     }
 
-    std::size_t downloads() const {
-        std::size_t count = 0;
-        for (const auto& seen : world_.server().requests()) {
-            if (seen.request.url.absoluteString().starts_with("http://files/")) ++count;
-        }
-        return count;
+    std::size_t downloads() {
+        const auto requests = world_.server().requests();
+        return static_cast<std::size_t>(std::count_if(requests.begin(), requests.end(), [](auto& seen) {
+            return seen.request.url.absoluteString().starts_with("http://files/");
+        }));
     }
 
-    mutable virtual_world::VirtualPlatform world_{{1'700'000'000'000, 0}};
+    virtual_world::VirtualPlatform world_{{1'700'000'000'000, 0}};
     fakes::SiteServer site_{world_.server()};
     std::shared_ptr<OskaNetworkManager> network_ = std::make_shared<OskaNetworkManager>(world_.platform());
     std::shared_ptr<OskaResourceManager> manager_ =
         std::make_shared<OskaResourceManager>(world_.platform(), network_);
     fakes::OutputCapture output_;
     bool success_ = false;
-    int answers_ = 0;
 };
 
+const std::string FETCHED = "I (load%Bundle) : fetched BundleOutput // sectorId = 12, versionId = v1";
+
+/// The lines with each "%" replaced by the kind's name.
+Lines named(Lines lines, Kind kind) {
+    for (auto& line : lines) {
+        while (line.find('%') != std::string::npos)
+            line.replace(line.find('%'), 1, kind == Kind::dapo ? "Dapo" : "Pelio");
+    }
+    return lines;
+}
+
 TEST_F(ResourceManager, DownloadsOnceReusesTheVersionAndDownloadsAgainWhenForced) {
-    site_.publish("v1", PELIO_DOCUMENT);
-    EXPECT_EQ(load(Kind::pelio),
-              (Lines{"I (loadPelioBundle) : fetched BundleOutput // sectorId = 12, versionId = v1",
-                     "I (loadPelioResources) : updated PelioBundle // sectorId = 12, versionId = v1"}));
+    const auto resources = [](const std::string& text) {
+        return named({FETCHED, "I (load%Resources) : " + text + " %Bundle // sectorId = 12, versionId = v1"},
+                     Kind::pelio);
+    };
+    publish(Kind::pelio, "v1");
+    EXPECT_EQ(load(Kind::pelio), resources("updated"));
     EXPECT_TRUE(success_);
     const auto first = manager_->currentPelioBundle();
     ASSERT_TRUE(first);
     EXPECT_EQ(first->name, "site");
 
-    EXPECT_EQ(load(Kind::pelio),
-              (Lines{"I (loadPelioBundle) : fetched BundleOutput // sectorId = 12, versionId = v1",
-                     "I (loadPelioResources) : version unchanged, use cached PelioBundle // sectorId = 12, "
-                     "versionId = v1"}));
+    EXPECT_EQ(load(Kind::pelio), resources("version unchanged, use cached"));
     EXPECT_EQ(manager_->currentPelioBundle(), first);
     EXPECT_EQ(downloads(), 1u);
 
-    EXPECT_EQ(load(Kind::pelio, true),
-              (Lines{"I (loadPelioBundle) : fetched BundleOutput // sectorId = 12, versionId = v1",
-                     "I (loadPelioResources) : force updated PelioBundle // sectorId = 12, versionId = v1"}));
+    EXPECT_EQ(load(Kind::pelio, true), resources("force updated"));
     EXPECT_EQ(downloads(), 2u);
     EXPECT_FALSE(manager_->currentDapoBundle());
 }
 
 TEST_F(ResourceManager, SendsTheDownloadWithoutTokenAndTheDescriptorRequestToTheServicesPath) {
-    site_.publish("v1", DAPO_DOCUMENT);
+    publish(Kind::dapo, "v1");
     load(Kind::dapo);
     const auto seen = world_.server().requests();
     ASSERT_EQ(seen.size(), 2u);
@@ -111,166 +127,115 @@ TEST_F(ResourceManager, SendsTheDownloadWithoutTokenAndTheDescriptorRequestToThe
     EXPECT_FALSE(seen[1].request.timeout);
 }
 
-/// What a failure logs and answers: for each kind, with nothing held, with version "v0" held, and when
-/// forced.
+/// Where a load fails: at the endpoint, at its reply, in the download, or at the downloaded bundle.
+enum class Stage { endpoint, descriptor, download, bundle };
+
 struct FailureCase {
-    std::string name;
+    const char* name;
+    Stage stage;
     std::function<void(fakes::SiteServer&)> breakServer;
-    Lines dapoLines;
-    Lines dapoFallbackLines;  // more lines when a bundle is held and nothing is forced
-    Lines pelioLines;
-    Lines pelioFallbackLines;
-    bool endsAtEndpoint = true;
+    Lines reason;  ///< the first lines
+    std::string url = "http://files/bundle.json";
 };
 
-class ResourceFailure : public ResourceManager, public testing::WithParamInterface<FailureCase> {
+/// The lines after the reason: what the load makes of the failure. `fallsBack`: version v0 is held.
+Lines ending(const FailureCase& failure, Kind kind, bool fallsBack, bool forceUpdate) {
+    const bool isDapo = kind == Kind::dapo;
+    if (failure.stage <= Stage::descriptor && !fallsBack) {
+        const std::string line =
+            "E (load%Resources) : serverBundleOutput is nil // sectorId = 12, forceUpdate = ";
+        return isDapo ? Lines{line + (forceUpdate ? "true" : "false")} : Lines{};
+    }
+    const std::string reused =
+        "I (load%Resources) : version unchanged, use cached %Bundle // sectorId = 12, versionId = v0";
+    if (failure.stage == Stage::descriptor) return {reused};
+    if (failure.stage == Stage::endpoint) {
+        return {
+            "W (load%Bundle) : use cached BundleOutput because server request failed // sectorId = 12, "
+            "versionId = v0",
+            reused};
+    }
+    const bool saysDecoding = isDapo && failure.stage == Stage::bundle;
+    Lines lines{
+        saysDecoding
+            ? "E (load%Resources) : failed to decode %Bundle // sectorId = 12, versionId = v1, dataSize = 0"
+            : "E (load%Resources) : downloadResourceData returned nil // sectorId = 12, versionId = v1, url "
+              "= " +
+                  failure.url};
+    if (isDapo && fallsBack) {
+        lines.push_back(std::string("W (load%Resources) : use cached %Bundle because ") +
+                        (saysDecoding ? "decode failed" : "downloaded data is nil") +
+                        " // sectorId = 12, cachedVersionId = v0");
+    }
+    return lines;
+}
+
+class ResourceFailure : public ResourceManager {
 protected:
-    void check(Kind kind, bool isHeld, bool forceUpdate) {
-        SCOPED_TRACE(testing::Message() << (kind == Kind::dapo ? "Dapo" : "Pelio") << isHeld << forceUpdate);
-        const auto& failure = GetParam();
-        if (isHeld) {
-            site_.publish("v0", kind == Kind::dapo ? DAPO_DOCUMENT : PELIO_DOCUMENT);
-            load(kind);
-        }
-        site_.publish("v1", kind == Kind::dapo ? DAPO_DOCUMENT : PELIO_DOCUMENT);
+    void check(const FailureCase& failure, Kind kind, bool isHeld, bool forceUpdate) {
+        SCOPED_TRACE(testing::Message() << failure.name << int(kind) << isHeld << forceUpdate);
+        manager_ = std::make_shared<OskaResourceManager>(world_.platform(), network_);
+        publish(kind, "v0");
+        if (isHeld) load(kind);
+        publish(kind, "v1");
         failure.breakServer(site_);
 
         const bool fallsBack = isHeld && !forceUpdate;
-        auto expected = kind == Kind::dapo ? failure.dapoLines : failure.pelioLines;
-        const auto& more = kind == Kind::dapo ? failure.dapoFallbackLines : failure.pelioFallbackLines;
-        if (fallsBack) {
-            expected.insert(expected.end(), more.begin(), more.end());
-        } else if (failure.endsAtEndpoint && kind == Kind::dapo) {
-            expected.push_back(
-                std::string("E (loadDapoResources) : serverBundleOutput is nil // sectorId = 12, ") +
-                "forceUpdate = " + (forceUpdate ? "true" : "false"));
-        }
-        EXPECT_EQ(load(kind, forceUpdate), expected);
+        auto expected = failure.reason;
+        for (auto& line : ending(failure, kind, fallsBack, forceUpdate)) expected.push_back(std::move(line));
+        EXPECT_EQ(load(kind, forceUpdate), named(std::move(expected), kind));
         EXPECT_EQ(success_, fallsBack);
-        const bool hasCurrent =
-            kind == Kind::dapo ? bool(manager_->currentDapoBundle()) : bool(manager_->currentPelioBundle());
-        EXPECT_EQ(hasCurrent, isHeld);
+        EXPECT_EQ(manager_->currentDapoBundle() != nullptr, isHeld && kind == Kind::dapo);
+        EXPECT_EQ(manager_->currentPelioBundle() != nullptr, isHeld && kind == Kind::pelio);
     }
 };
 
-TEST_P(ResourceFailure, LogsItsLinesAndFallsBackToWhatIsHeldUnlessForced) {
-    for (const auto kind : {Kind::dapo, Kind::pelio}) {
-        check(kind, false, false);
-        check(kind, false, true);
-        check(kind, true, false);
-        check(kind, true, true);
-    }
+FailureCase endpointFailure(const char* name, ScriptedAnswer answer, int status) {
+    return {name,
+            Stage::endpoint,
+            [answer = std::move(answer)](auto& site) { site.descriptor = answer; },
+            {"E (load%Bundle) : failed to fetch BundleOutput // sectorId = 12, status = " +
+             std::to_string(status)}};
 }
 
-Lines both(Lines first, const Lines& second) {
-    first.insert(first.end(), second.begin(), second.end());
-    return first;
+FailureCase downloadFailure(const char* name, ScriptedAnswer answer, const std::string& reason) {
+    return {name,
+            Stage::download,
+            [answer = std::move(answer)](auto& site) { site.bundle = answer; },
+            {FETCHED, "E (downloadResourceData) : " + reason}};
 }
 
-FailureCase endpointFailure(std::string name, ScriptedAnswer answer, int status) {
-    const auto failed = [&](const std::string& kind) {
-        return Lines{"E (load" + kind + "Bundle) : failed to fetch BundleOutput // sectorId = 12, status = " +
-                     std::to_string(status)};
+TEST_F(ResourceFailure, LogsItsLinesAndFallsBackToWhatIsHeldUnlessForced) {
+    const FailureCase table[] = {
+        endpointFailure("status 503", reply(503), 503),
+        endpointFailure("status 201", reply(201, "{}"), 201),
+        endpointFailure("refused", virtual_world::refusal(), 500),
+        endpointFailure("silence", virtual_world::silence(), 500),
+        {"descriptor without version",
+         Stage::descriptor,
+         [](auto& site) { site.descriptor = reply(200, R"({"url":"u"})"); },
+         {"E (decodeJSONData) : version_id: missing",
+          "E (load%Bundle) : failed to decode BundleOutput // sectorId = 12"}},
+        downloadFailure("download 404", reply(404), "invalid status = 404"),
+        downloadFailure("beyond HTTP", virtual_world::replyBeyondHttp("x"), "invalid status = -1"),
+        downloadFailure("no body", reply(200, std::nullopt), "empty response data"),
+        downloadFailure("lost", failure(HttpErrorKind::connectionLost, "cut off"),
+                        "request failed = cut off"),
+        {"empty URL",
+         Stage::download,
+         [](auto& site) { site.descriptor = reply(200, R"({"url":"","version_id":"v1"})"); },
+         {FETCHED, "E (downloadResourceData) : invalid url = "},
+         ""},
+        {"empty bundle file",
+         Stage::bundle,
+         [](auto& site) { site.bundle = reply(200, ""); },
+         {FETCHED, "E (decodeJSONData) : malformed JSON in line 1: expected a value, found the end"}},
     };
-    const auto reused = [](const std::string& kind) {
-        return Lines{"W (load" + kind +
-                         "Bundle) : use cached BundleOutput because server request failed // sectorId = 12, "
-                         "versionId = v0",
-                     "I (load" + kind + "Resources) : version unchanged, use cached " + kind +
-                         "Bundle // sectorId = 12, versionId = v0"};
-    };
-    return {std::move(name), [answer = std::move(answer)](auto& site) { site.descriptor = answer; },
-            failed("Dapo"),  reused("Dapo"),
-            failed("Pelio"), reused("Pelio")};
-}
-
-FailureCase garbledDescriptor() {
-    const std::string reason = "E (decodeJSONData) : version_id: missing";
-    const auto failed = [&](const std::string& kind) {
-        return Lines{reason, "E (load" + kind + "Bundle) : failed to decode BundleOutput // sectorId = 12"};
-    };
-    const auto reused = [](const std::string& kind) {
-        return Lines{"I (load" + kind + "Resources) : version unchanged, use cached " + kind +
-                     "Bundle // sectorId = 12, versionId = v0"};
-    };
-    return {"DescriptorWithoutVersion",
-            [](auto& site) { site.descriptor = reply(200, R"({"url":"u"})"); },
-            failed("Dapo"),
-            reused("Dapo"),
-            failed("Pelio"),
-            reused("Pelio")};
-}
-
-FailureCase downloadFailure(std::string name, std::function<void(fakes::SiteServer&)> breakServer,
-                            Lines reason, std::string url = "http://files/bundle.json") {
-    const Lines fetched{"I (load%Bundle) : fetched BundleOutput // sectorId = 12, versionId = v1"};
-    const auto named = [](Lines lines, const std::string& kind) {
-        for (auto& line : lines) {
-            if (const auto at = line.find('%'); at != std::string::npos) line.replace(at, 1, kind);
+    for (const auto& failure : table) {
+        for (const auto kind : BOTH_KINDS) {
+            for (const int variant : {0, 1, 2, 3}) check(failure, kind, variant / 2 == 1, variant % 2 == 1);
         }
-        return lines;
-    };
-    const auto all =
-        both(both(fetched, reason),
-             {"E (load%Resources) : downloadResourceData returned nil // sectorId = 12, versionId = v1, "
-              "url = " +
-              url});
-    return {std::move(name),
-            std::move(breakServer),
-            named(all, "Dapo"),
-            {"W (loadDapoResources) : use cached DapoBundle because downloaded data is nil // sectorId = 12, "
-             "cachedVersionId = v0"},
-            named(all, "Pelio"),
-            {},
-            false};
-}
-
-FailureCase emptyBundle() {
-    auto result =
-        downloadFailure("EmptyBundleFile", [](auto& site) { site.bundle = reply(200, ""); },
-                        {"E (decodeJSONData) : malformed JSON in line 1: expected a value, found the end"});
-    result.dapoLines.back() =
-        "E (loadDapoResources) : failed to decode DapoBundle // sectorId = 12, versionId = v1, dataSize = 0";
-    result.dapoFallbackLines = {
-        "W (loadDapoResources) : use cached DapoBundle because decode failed // sectorId = 12, "
-        "cachedVersionId = v0"};
-    return result;
-}
-
-FailureCase badUrl() {
-    return downloadFailure(
-        "EmptyUrl", [](auto& site) { site.descriptor = reply(200, R"({"url":"","version_id":"v1"})"); },
-        {"E (downloadResourceData) : invalid url = "}, "");
-}
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, ResourceFailure,
-    testing::Values(
-        endpointFailure("Status503", reply(503), 503), endpointFailure("Status201", reply(201, "{}"), 201),
-        endpointFailure("Refused", virtual_world::refusal(), 500),
-        endpointFailure("Silence", virtual_world::silence(), 500), garbledDescriptor(),
-        downloadFailure("Download404", [](auto& site) { site.bundle = reply(404); },
-                        {"E (downloadResourceData) : invalid status = 404"}),
-        downloadFailure("DownloadBeyondHttp",
-                        [](auto& site) { site.bundle = virtual_world::replyBeyondHttp("x"); },
-                        {"E (downloadResourceData) : invalid status = -1"}),
-        downloadFailure("DownloadWithoutBody", [](auto& site) { site.bundle = reply(200, std::nullopt); },
-                        {"E (downloadResourceData) : empty response data"}),
-        downloadFailure("DownloadLost",
-                        [](auto& site) { site.bundle = failure(HttpErrorKind::connectionLost, "cut off"); },
-                        {"E (downloadResourceData) : request failed = cut off"}),
-        badUrl(), emptyBundle()),
-    [](const auto& test) { return test.param.name; });
-
-TEST_F(ResourceManager, AnswersTwoLoadsAtOnceEachOnItsOwn) {
-    site_.publish("v1", DAPO_DOCUMENT);
-    int successes = 0;
-    for (int i = 0; i < 2; ++i) {
-        manager_->loadDapoResources(12, false, [&](bool success) { successes += success ? 1 : 0; });
     }
-    world_.time().advanceBy(std::chrono::seconds(1));
-    EXPECT_EQ(successes, 2);
-    EXPECT_EQ(downloads(), 2u);
 }
 
 TEST_F(ResourceManager, KeepsEachSectorsBundleAndTakesTheRightOneIntoUse) {
@@ -279,7 +244,7 @@ TEST_F(ResourceManager, KeepsEachSectorsBundleAndTakesTheRightOneIntoUse) {
     world_.server().onPath("/v2/dapo/sectors/13/bundle",
                            virtual_world::always(reply(200, R"({"url":"http://h/13","version_id":"v1"})")));
     world_.server().onPath("/13", virtual_world::always(reply(200, other)));
-    site_.publish("v1", DAPO_DOCUMENT);
+    publish(Kind::dapo, "v1");
     const auto loadOther = [&] {
         manager_->loadDapoResources(13, false, [&](bool success) { EXPECT_TRUE(success); });
         world_.time().advanceBy(std::chrono::seconds(1));
@@ -324,7 +289,7 @@ struct FaultySessions : platform::HttpSessionFactory, platform::HttpSession {
 };
 
 TEST_F(ResourceManager, EndsEachLoadOnceWhateverTheSessionsDo) {
-    site_.publish("v1", PELIO_DOCUMENT);
+    publish(Kind::pelio, "v1");
     using enum FaultySessions::Fault;
     for (const auto fault : {completesTwice, throws, isNone}) {
         auto platform = world_.platform();
@@ -337,7 +302,7 @@ TEST_F(ResourceManager, EndsEachLoadOnceWhateverTheSessionsDo) {
 }
 
 TEST_F(ResourceManager, MayBeAskedOnAnyThread) {
-    site_.publish("v1", PELIO_DOCUMENT);
+    publish(Kind::pelio, "v1");
     std::atomic<int> successes{0};
     std::thread asking([&] {
         for (int i = 0; i < 100; ++i) {
@@ -348,45 +313,33 @@ TEST_F(ResourceManager, MayBeAskedOnAnyThread) {
     asking.join();
 }
 
-/// A load that outlives its manager: the lines of each kind, at the descriptor's answer and after the
-/// download.
-TEST_F(ResourceManager, EndsALoadThatOutlivesItWithTheDescriptorUnderWay) {
-    site_.publish("v1", DAPO_DOCUMENT);
-    bool success = true;
-    manager_->loadDapoResources(12, false, [&](bool loaded) { success = loaded; });
-    manager_.reset();
-    world_.time().advanceBy(std::chrono::seconds(1));
-    EXPECT_FALSE(success);
-    EXPECT_EQ(managerLines(),
-              (Lines{"E (loadDapoBundle) : self is nil before handling BundleOutput response // "
-                     "sectorId = 12, status = 200",
-                     "E (loadDapoResources) : self is nil before processing BundleOutput // "
-                     "sectorId = 12, forceUpdate = false"}));
-}
-
-TEST_F(ResourceManager, EndsALoadThatOutlivesItWithTheDownloadUnderWay) {
-    for (const auto kind : {Kind::dapo, Kind::pelio}) {
+/// Each kind's last line when the manager goes while a load waits for the descriptor, or for the download.
+TEST_F(ResourceManager, EndsALoadThatOutlivesIt) {
+    const std::tuple<Kind, int, std::string> table[] = {
+        {Kind::dapo, 0,
+         "(loadDapoResources) : self is nil before processing BundleOutput // sectorId = 12, "
+         "forceUpdate = false"},
+        {Kind::pelio, 0,
+         "(loadPelioBundle) : self is nil before handling BundleOutput response // "
+         "sectorId = 12, status = 200"},
+        {Kind::dapo, 1,
+         "(loadDapoResources) : self is nil before decoding DapoBundle // sectorId = 12, "
+         "versionId = v1"},
+        {Kind::pelio, 1,
+         "(loadPelioResources) : downloadResourceData returned nil // sectorId = 12, "
+         "versionId = v1, url = http://files/bundle.json"},
+    };
+    for (const auto& [kind, seconds, line] : table) {
         manager_ = std::make_shared<OskaResourceManager>(world_.platform(), network_);
-        site_.publish("v1", PELIO_DOCUMENT);
-        site_.bundle = reply(200, PELIO_DOCUMENT).delayedBy(std::chrono::seconds(2));
+        publish(kind, "v1");
+        site_.bundle = std::move(site_.bundle).delayedBy(std::chrono::seconds(2));
         std::optional<bool> success;
-        const auto completion = [&](bool loaded) { success = loaded; };
-        if (kind == Kind::dapo) {
-            manager_->loadDapoResources(12, false, completion);
-        } else {
-            manager_->loadPelioResources(12, false, completion);
-        }
-        world_.time().advanceBy(std::chrono::seconds(1));
-        output_.take();
+        start(kind, false, [&](bool loaded) { success = loaded; });
+        if (seconds > 0) world_.time().advanceBy(std::chrono::seconds(seconds));
         manager_.reset();
         world_.time().advanceBy(std::chrono::seconds(2));
         EXPECT_EQ(success, false);
-        EXPECT_EQ(managerLines().back(), kind == Kind::dapo
-                                             ? "E (loadDapoResources) : self is nil before decoding "
-                                               "DapoBundle // sectorId = 12, versionId = v1"
-                                             : "E (loadPelioResources) : downloadResourceData returned nil "
-                                               "// sectorId = 12, versionId = v1, "
-                                               "url = http://files/bundle.json");
+        EXPECT_EQ(managerLines().back(), "E " + line);
     }
 }
 
