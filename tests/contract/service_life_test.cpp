@@ -69,6 +69,13 @@ protected:
     }
     void stop() { this->service->stopService(); }
 
+    /// Runs `action` inside the first of the generator's operations that it is set for.
+    static Action once(std::function<void()> action) {
+        return [left = std::make_shared<std::function<void()>>(std::move(action))](auto&) {
+            if (const auto act = std::exchange(*left, nullptr)) act();
+        };
+    }
+
     std::string log(const std::string& level, const std::string& text) {
         return level + " [" + Service::TAG + "] " + text;
     }
@@ -207,13 +214,8 @@ TYPED_TEST(ServiceLife, AStartLeavesWhatTheHostHasDoneInside) {
             if (fails && !isInCheck) continue;
             if (!this->service) this->makeReady();
             this->host_->take();
-            auto act = std::make_shared<std::function<void()>>(inside);
-            const auto once = [act](auto&) {
-                if (const auto action = std::exchange(*act, nullptr)) action();
-            };
-            const fakes::ScriptedGenerators::Action nothing = [](auto&) {};
-            this->inCheck = this->inGenerate = nothing;
-            (isInCheck ? this->inCheck : this->inGenerate) = once;
+            this->inCheck = this->inGenerate = [](auto&) {};
+            (isInCheck ? this->inCheck : this->inGenerate) = this->once(inside);
             this->isAvailable = !fails;
             const auto started = this->service.get();
             started->startService();
@@ -244,10 +246,7 @@ TYPED_TEST(ServiceLife, AStopLeavesWhatTheHostHasDoneInside) {
          }) {
         if (!this->service) this->makeReady();
         EXPECT_EQ(this->start(), Events{"start true"});
-        auto act = inside;
-        this->inStop = [&](auto&) {
-            if (const auto action = std::exchange(act, nullptr)) action();
-        };
+        this->inStop = this->once(inside);
         this->service->stopService();
         EXPECT_EQ(this->host_->take(), heard);
         EXPECT_EQ(this->running, left);

@@ -1,4 +1,4 @@
-// What holds when views come and go on any thread.
+// What holds when views come and go on any thread, and when a host acts inside a start.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -6,6 +6,7 @@
 
 #include "oska/foundation/logger.h"
 #include "tests/dapo/dapo_view_fixture.h"
+#include "tests/fakes/scripted_generator.h"
 
 namespace oska {
 namespace {
@@ -160,6 +161,41 @@ TEST_F(DapoViewLifetime, CallsFromElsewhereDoNothingOnceTheQueueHasStopped) {
     EXPECT_TRUE(host_->take().empty());
 }
 
+/// Detects the ward, and so shows the view, inside each start of the generator.
+class OvertakenDapoStart : protected fakes::ScriptedGenerators, public DapoViewTest {
+protected:
+    OvertakenDapoStart() : DapoViewTest({}, factory()) {
+        makeReady();
+        inGenerate = [](auto& generator) {
+            for (int i = 0; i < 6; ++i) generator.send({i, {{"lobby-a", -60}}});
+        };
+    }
+
+    /// Runs its action once, when the view shows.
+    struct ShowListener : platform::ViewPeer {
+        explicit ShowListener(std::function<void()> onShow) : action(std::move(onShow)) {}
+        void changed(const views::View& view, platform::ViewChange what) override {
+            if (what != platform::ViewChange::hidden || view.isHidden()) return;
+            if (const auto once = std::exchange(action, nullptr)) once();
+        }
+        std::function<void()> action;
+    };
+};
+
+TEST_F(OvertakenDapoStart, IsHiddenWhenStoppedInsideAndTicksWhenStartedAgain) {
+    for (const bool restarts : {false, true}) {
+        view_->setPeer(std::make_unique<ShowListener>([&] {
+            view_->stopService();
+            if (restarts) view_->startService();
+        }));
+        view_->startService();
+        host_->take();
+        EXPECT_EQ(view_->getVisibility(), !restarts);
+        pass(1s);
+        EXPECT_EQ(host_->take(), restarts ? Events{"changed lobby-a"} : Events{});
+    }
+}
+
 TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     constexpr int ROUNDS = 200;
     OskaLogger::setDebugOption(false);
@@ -169,7 +205,7 @@ TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     std::vector<std::thread> hosts;
     view_.reset();
 
-    // One view after the other, each destroyed by whoever lets go last.
+    // One view after the other; each is destroyed by the thread that releases it last.
     std::mutex mutex;
     std::shared_ptr<DapoView> shared;
     const auto viewOfTheMoment = [&] {
@@ -184,30 +220,26 @@ TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     };
     whileMainRuns(replaceView);
 
-    hosts.emplace_back([&] {
-        for (int i = 0; i < ROUNDS; ++i) {
-            const auto view = viewOfTheMoment();
-            view->initialize({.id = "demo", .sectorId = 12, .forceUpdate = i % 3 == 0});
-            view->startService();
-            view->setUnchangedDeliveryInterval(0);
-            if (i % 2) view->stopService();
-        }
-        --running;
+    const auto repeat = [&](auto action) {
+        hosts.emplace_back([&, action] {
+            for (int i = 0; i < ROUNDS; ++i) action(i);
+            --running;
+        });
+    };
+    repeat([&](int i) {
+        const auto view = viewOfTheMoment();
+        view->initialize({.id = "demo", .sectorId = 12, .forceUpdate = i % 3 == 0});
+        view->startService();
+        view->setUnchangedDeliveryInterval(0);
+        if (i % 2) view->stopService();
     });
-    hosts.emplace_back([&] {
-        for (int i = 0; i < ROUNDS; ++i) {
-            const auto view = viewOfTheMoment();
-            EXPECT_LE(view->getCurrentDapoWards().size(), 1u);
-            EXPECT_LE(view->getDapoMapImages().size(), 1u);
-            view->setVisibility(i % 2 == 0);
-            NotificationCenter::shared().post(Notification::willEnterForeground);
-        }
-        --running;
+    repeat([&](int i) {
+        const auto view = viewOfTheMoment();
+        EXPECT_LE(view->getCurrentDapoWards().size() + view->getDapoMapImages().size(), 2u);
+        view->setVisibility(i % 2 == 0);
+        NotificationCenter::shared().post(Notification::willEnterForeground);
     });
-    hosts.emplace_back([&] {
-        for (int i = 0; i < ROUNDS; ++i) replaceView();
-        --running;
-    });
+    repeat([&](int) { replaceView(); });
     std::thread generator([&] {
         for (std::int64_t time = 0; running > 0; time += 500) {
             for (int i = 0; i < 8; ++i) world_.source().send({time, {{"lobby-a", -60}, {"gate", -70}}});

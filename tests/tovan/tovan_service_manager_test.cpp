@@ -166,7 +166,7 @@ TEST_F(TovanService, MayChangeItsDelegateAndEndWhileAnotherThreadNotifies) {
 
 // ---- no navigation framework: the factory throws
 
-TEST_F(TovanService, WithoutFrameworkInitialisationAndStartFailWithTextsThatNameIt) {
+TEST_F(TovanService, WithoutFrameworkAllFailsWithATextThatNamesIt) {
     manager_.reset();
     const auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA"});
     service->setDelegate(host_);
@@ -175,14 +175,6 @@ TEST_F(TovanService, WithoutFrameworkInitialisationAndStartFailWithTextsThatName
     service->setNaviDestination({}, false);
     EXPECT_EQ(host_->record.take(),
               (Lines{"init false -1 " + MISSING, "start false -1 " + MISSING, "failed -1"}));
-    create().reset();
-    world_.time().runDue();
-    EXPECT_TRUE(host_->record.take().empty()) << "nothing is reported for a service that has gone";
-}
-
-TEST_F(TovanService, WithoutFrameworkCompletionsFailAndGettersReturnNullopt) {
-    manager_.reset();
-    const auto service = create();
     Lines completed;
     service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
         completed.push_back(line(success, text == MISSING, result.message == MISSING));
@@ -193,6 +185,9 @@ TEST_F(TovanService, WithoutFrameworkCompletionsFailAndGettersReturnNullopt) {
     EXPECT_EQ(completed, (Lines{"false true true", "false true -1"}));
     EXPECT_FALSE(service->getBuildingName(1) || service->getBuildingId("") || service->getLevelName(1) ||
                  service->getLevelId(1, "", "") || service->getScaleOffset(1, "", ""));
+    create().reset();
+    world_.time().runDue();
+    EXPECT_TRUE(host_->record.take().empty()) << "nothing is reported for a service that has gone";
 }
 
 }  // namespace
