@@ -186,14 +186,15 @@ TYPED_TEST(ServiceLife, LogsGeneratorErrorsAndSkipsTheSamplesOfASiteWithoutWards
     EXPECT_EQ(this->start(), Events{"start DUPLICATE_SERVICE"}) << "the service goes on";
 }
 
+struct StartCase {
+    bool fails;
+    std::function<void()> inside;
+    Events heard;
+    int running;  // generators, afterwards
+};
+
 TYPED_TEST(ServiceLife, AStartLeavesWhatTheHostHasDoneInside) {
-    struct Case {
-        bool fails;
-        std::function<void()> inside;
-        Events heard;
-        int running;  // generators, afterwards
-    };
-    const std::vector<Case> cases{
+    const std::vector<StartCase> cases{
         {false, [&] { this->stop(); }, {"start true"}, 0},
         {false, [&] { this->service->startService(); }, {"start DUPLICATE_SERVICE", "start true"}, 1},
         {false, [&] { this->stop(), this->service->startService(); }, {"start true", "start true"}, 1},

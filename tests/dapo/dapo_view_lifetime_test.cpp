@@ -196,6 +196,36 @@ TEST_F(OvertakenDapoStart, IsHiddenWhenStoppedInsideAndTicksWhenStartedAgain) {
     }
 }
 
+/// One view after the other; each is destroyed by the thread that releases it last. Threads: any.
+class SuccessiveViews {
+public:
+    explicit SuccessiveViews(std::shared_ptr<fakes::DapoHost> host) : host_(std::move(host)) {}
+
+    std::shared_ptr<DapoView> current() {
+        const std::lock_guard lock(mutex_);
+        return view_;
+    }
+    void replace() {
+        auto next = DapoView::create();
+        next->setDelegate(host_);
+        const std::lock_guard lock(mutex_);
+        view_.swap(next);
+    }
+    void release() { view_.reset(); }
+
+private:
+    const std::shared_ptr<fakes::DapoHost> host_;
+    std::mutex mutex_;
+    std::shared_ptr<DapoView> view_;
+};
+
+void initializeAndStart(DapoView& view, int round) {
+    view.initialize({.id = "demo", .sectorId = 12, .forceUpdate = round % 3 == 0});
+    view.startService();
+    view.setUnchangedDeliveryInterval(0);
+    if (round % 2) view.stopService();
+}
+
 TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     constexpr int ROUNDS = 200;
     OskaLogger::setDebugOption(false);
@@ -205,20 +235,8 @@ TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     std::vector<std::thread> hosts;
     view_.reset();
 
-    // One view after the other; each is destroyed by the thread that releases it last.
-    std::mutex mutex;
-    std::shared_ptr<DapoView> shared;
-    const auto viewOfTheMoment = [&] {
-        const std::lock_guard lock(mutex);
-        return shared;
-    };
-    const auto replaceView = [&] {
-        auto next = DapoView::create();
-        next->setDelegate(host_);
-        const std::lock_guard lock(mutex);
-        shared.swap(next);
-    };
-    whileMainRuns(replaceView);
+    SuccessiveViews views(host_);
+    whileMainRuns([&] { views.replace(); });
 
     const auto repeat = [&](auto action) {
         hosts.emplace_back([&, action] {
@@ -226,20 +244,14 @@ TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
             --running;
         });
     };
+    repeat([&](int i) { initializeAndStart(*views.current(), i); });
     repeat([&](int i) {
-        const auto view = viewOfTheMoment();
-        view->initialize({.id = "demo", .sectorId = 12, .forceUpdate = i % 3 == 0});
-        view->startService();
-        view->setUnchangedDeliveryInterval(0);
-        if (i % 2) view->stopService();
-    });
-    repeat([&](int i) {
-        const auto view = viewOfTheMoment();
+        const auto view = views.current();
         EXPECT_LE(view->getCurrentDapoWards().size() + view->getDapoMapImages().size(), 2u);
         view->setVisibility(i % 2 == 0);
         NotificationCenter::shared().post(Notification::willEnterForeground);
     });
-    repeat([&](int) { replaceView(); });
+    repeat([&](int) { views.replace(); });
     std::thread generator([&] {
         for (std::int64_t time = 0; running > 0; time += 500) {
             for (int i = 0; i < 8; ++i) world_.source().send({time, {{"lobby-a", -60}, {"gate", -70}}});
@@ -251,7 +263,7 @@ TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     queue.stop();
     for (auto& host : hosts) host.join();
     generator.join();
-    onAnotherThread([&] { shared.reset(); });
+    onAnotherThread([&] { views.release(); });
 }
 
 }  // namespace
