@@ -14,24 +14,24 @@
 
 #include "oska/platform/main_queue.h"
 
-/// What every main queue promises. An adapter proves itself with a driver and one line:
+/// The tests that every main queue must pass. An adapter needs a driver and one line:
 ///
 ///     INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, MainQueueContract, VirtualDriver);
 ///
 /// A driver is made on the test's thread, which is the queue's main thread, and has:
 ///
-///     static constexpr std::chrono::nanoseconds UNIT;  // of delays: the shortest that tests make
+///     static constexpr std::chrono::nanoseconds UNIT;  // the shortest delay that tests use
 ///     static constexpr bool CAN_BE_LATE;               // whether time may pass while no job runs
 ///     platform::MainQueue& queue();
 ///     std::chrono::nanoseconds elapsed();           // on the clock by which the queue measures delays
-///     void runUntil(std::function<bool()> isDone);  // runs jobs, waiting for more, until one made it so
-///     void stall(std::chrono::nanoseconds span);    // lets time pass, no job runs; only with CAN_BE_LATE
+///     void runUntil(std::function<bool()> isDone);  // runs jobs until a job has made it true
+///     void stall(std::chrono::nanoseconds span);    // lets time pass without jobs; only with CAN_BE_LATE
 ///     void stop();                                  // ends the queue
 ///
 /// No test depends on speed: that something does not happen is tested by what must happen later.
 namespace oska::platform {
 
-/// Something for a job to hold, to see when the job is destroyed.
+/// A token for a job to hold; it shows whether the job was destroyed.
 class Held {
 public:
     [[nodiscard]] std::shared_ptr<int> give() { return std::exchange(token_, nullptr); }
@@ -72,6 +72,17 @@ protected:
 
     Driver driver_;
     std::vector<std::string> ran_;
+};
+
+/// What drivers of queues on the steady clock have in common.
+struct SteadyDriver {
+    static constexpr std::chrono::nanoseconds UNIT = std::chrono::milliseconds(2);
+    static constexpr bool CAN_BE_LATE = true;
+
+    static std::chrono::nanoseconds elapsed() { return std::chrono::steady_clock::now().time_since_epoch(); }
+    static void stall(std::chrono::nanoseconds span) {
+        for (const auto begin = elapsed(); elapsed() - begin < span;) std::this_thread::yield();
+    }
 };
 
 TYPED_TEST_SUITE_P(MainQueueContract);
@@ -282,28 +293,22 @@ TYPED_TEST_P(MainQueueContract, StoppingDestroysJobsWithoutRunningThem) {
     EXPECT_EQ(victim, nullptr);
 }
 
-TYPED_TEST_P(MainQueueContract, AStoppedQueueDestroysWhatItIsGiven) {
-    this->driver_.stop();
-    Held jobs[4];
-    this->queue().async([token = jobs[0].give()] {});
-    const auto delayed = this->queue().after(TestFixture::UNIT, [token = jobs[1].give()] {});
-    const auto timer = this->queue().every(TestFixture::UNIT, [token = jobs[2].give()] {});
-    std::thread([&] {
-        EXPECT_FALSE(this->queue().sync([token = jobs[3].give()] { ADD_FAILURE() << "ran after the stop"; }));
-    }).join();
-    for (const auto& job : jobs) EXPECT_FALSE(job.isAlive());
-}
-
-TYPED_TEST_P(MainQueueContract, HandlesMayOutliveTheQueue) {
-    typename TestFixture::Handle handle;
-    Held held;
+TYPED_TEST_P(MainQueueContract, AStoppedQueueDestroysWhatItIsGivenAndHandlesMayOutliveIt) {
+    typename TestFixture::Handle waiting;
+    Held jobs[5];
     {
         TypeParam driver;
-        handle = driver.queue().after(TestFixture::UNIT, [token = held.give()] {});
-        EXPECT_TRUE(held.isAlive());
+        waiting = driver.queue().after(TestFixture::UNIT, [token = jobs[4].give()] {});
+        driver.stop();
+        driver.queue().async([token = jobs[0].give()] {});
+        const auto delayed = driver.queue().after(TestFixture::UNIT, [token = jobs[1].give()] {});
+        const auto timer = driver.queue().every(TestFixture::UNIT, [token = jobs[2].give()] {});
+        std::thread([&] {
+            EXPECT_FALSE(driver.queue().sync([token = jobs[3].give()] { ADD_FAILURE() << "ran"; }));
+        }).join();
+        for (const auto& job : jobs) EXPECT_FALSE(job.isAlive());
     }
-    EXPECT_FALSE(held.isAlive());
-    handle.reset();
+    waiting.reset();
 }
 
 TYPED_TEST_P(MainQueueContract, TakesJobsFromManyThreadsAndKeepsEachOnesOrder) {
@@ -335,7 +340,8 @@ REGISTER_TYPED_TEST_SUITE_P(MainQueueContract, RunsJobsByDeadlineAndThenInTheOrd
                             TheNextTickIsScheduledBeforeTheHandlersOwnWork,
                             TicksThatWereMissedAreMergedIntoOne, SyncRunsTheTaskOnTheMainThreadAndWaits,
                             SyncOnTheMainThreadStopsTheProcess, StoppingAnswersWaitingSyncs,
-                            StoppingDestroysJobsWithoutRunningThem, AStoppedQueueDestroysWhatItIsGiven,
-                            HandlesMayOutliveTheQueue, TakesJobsFromManyThreadsAndKeepsEachOnesOrder);
+                            StoppingDestroysJobsWithoutRunningThem,
+                            AStoppedQueueDestroysWhatItIsGivenAndHandlesMayOutliveIt,
+                            TakesJobsFromManyThreadsAndKeepsEachOnesOrder);
 
 }  // namespace oska::platform

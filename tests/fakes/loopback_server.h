@@ -25,11 +25,11 @@ struct WireRequest {
     std::vector<platform::HttpHeader> headers;
     std::string body;
 
-    /// Each value of that header, without regard to the case of the name.
+    /// Each value of the headers with this name, in any case of letters.
     [[nodiscard]] std::vector<std::string> values(std::string_view name) const;
 };
 
-/// The server's end of one connection. Threads: that of its handler.
+/// The server's end of one connection. Threads: the thread of its handler.
 class WireConnection {
 public:
     using OnRequest = std::function<void(WireRequest&)>;
@@ -37,12 +37,12 @@ public:
     WireConnection(int socket, SSL* tls, OnRequest onRequest)
         : socket_(socket), tls_(tls), onRequest_(std::move(onRequest)) {}
 
-    /// The next request, none when the client has gone.
+    /// The next request; nullopt when the client has closed the connection.
     [[nodiscard]] std::optional<WireRequest> receive();
     void send(std::string_view bytes);
-    /// Until the client has gone.
+    /// Waits until the client has closed the connection.
     void awaitHangUp();
-    /// False when the client has gone before the time is over.
+    /// Waits; false when the client sent something or closed the connection before the time was over.
     [[nodiscard]] bool pause(int milliseconds);
 
 private:
@@ -56,17 +56,18 @@ private:
     std::string unread_;
 };
 
-/// A server on loopback and a port of its own that says, byte for byte, what the test tells it to; over TLS
-/// when it is given an identity. Each connection has a thread; destroying the server ends all.
+/// A server on loopback, on a free port, that sends exactly the bytes that the test gives it; over TLS when
+/// it has an identity. Each connection has a thread; destroying the server ends them all.
 class LoopbackServer {
 public:
     using Handler = std::function<void(WireConnection&)>;
     using Answer = std::function<std::string(const WireRequest&)>;
 
-    /// Speaks by `handler`, which gets each connection and may receive from it as often as it likes.
+    /// Calls `handler` for each connection, on the thread of the connection; it closes when `handler`
+    /// returns.
     LoopbackServer(Handler handler, const TestIdentity* identity = nullptr,
                    const char* address = "127.0.0.1");
-    /// Answers each request and keeps the connection.
+    /// Sends the answer to each request and keeps the connection.
     explicit LoopbackServer(Answer answer, const TestIdentity* identity = nullptr)
         : LoopbackServer(answering(std::move(answer)), identity) {}
     ~LoopbackServer();

@@ -8,8 +8,8 @@
 
 namespace oska::fakes {
 
-/// What standard output holds since the last call of `take`, line by line. One at a time. What a failing test
-/// has written, GoogleTest's own words included, is shown on standard error at the end.
+/// Captures standard output; `take` returns the lines since its last call. Only one may exist at a time. When
+/// the test fails, everything captured is written to standard error at the end.
 class OutputCapture {
 public:
     OutputCapture() { testing::internal::CaptureStdout(); }

@@ -8,14 +8,14 @@
 
 namespace oska::fakes {
 
-/// Makes generators that run what a test hands in inside the service's own calls, on its thread.
+/// Makes generators that call the test's functions inside the service's calls, on the service's thread.
 class ScriptedGenerators {
 public:
     class Generator : public platform::RFDGenerator {
     public:
         explicit Generator(ScriptedGenerators& script) : script_(script) {}
 
-        /// To the delegate, when there is one.
+        /// Sends a sample to the delegate, if there is one.
         void send(platform::ReceivedForce sample) {
             if (const auto delegate = delegate_.lock()) delegate->onRfdResult(*this, std::move(sample));
         }
@@ -32,7 +32,8 @@ public:
         void generateRfd(const platform::RfdOptions&) override { generateReplayRfd(); }
         void generateReplayRfd() override {
             script_.inGenerate(*this);
-            script_.running += std::exchange(isRunning_, true) ? 0 : 1;  // whatever happened inside
+            script_.running +=
+                std::exchange(isRunning_, true) ? 0 : 1;  // also when the script started or stopped it
         }
         void stopRfdGeneration() override {
             script_.inStop(*this);

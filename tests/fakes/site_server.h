@@ -18,7 +18,7 @@ inline const std::string DAPO_DOCUMENT =
     "image_height":50,"scale_x":2,"scale_y":2,"offset_x":10,"offset_y":10},"wards":[
     {"id":17,"name":"lobby-a","rssi":-80,"contents":[]}]}]}]})";
 
-/// The two documents of one sector, each behind an answer that a test may replace.
+/// The descriptor and the bundle of one sector, each an answer that a test may replace.
 struct SiteServer {
     explicit SiteServer(virtual_world::MemoryServer& server) {
         server.onRequest([this](const platform::HttpRequest& request) {

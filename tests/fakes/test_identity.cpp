@@ -21,7 +21,7 @@ void check(bool isGood, const char* step) {
     if (!isGood) ADD_FAILURE() << "OpenSSL: " << step;
 }
 
-/// Issuers are found by name, so that each certificate has one of its own.
+/// Each certificate has its own name, because issuers are found by name.
 std::string nextCommonName() {
     static std::atomic<int> count{0};
     return "test identity " + std::to_string(++count);

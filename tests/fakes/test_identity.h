@@ -17,7 +17,7 @@ public:
         std::string usage = "serverAuth";
     };
 
-    /// Self-signed without an issuer.
+    /// Self-signed when `issuer` is null.
     explicit TestIdentity(const Wish& wish, const TestIdentity* issuer = nullptr);
 
     [[nodiscard]] X509* certificate() const { return certificate_.get(); }
@@ -34,7 +34,7 @@ private:
     std::shared_ptr<X509> certificate_;
 };
 
-/// A file that goes with the object.
+/// A temporary file that is deleted with the object.
 class TestFile {
 public:
     explicit TestFile(const std::string& content);

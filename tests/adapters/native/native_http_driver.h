@@ -13,7 +13,7 @@
 
 namespace oska::native {
 
-/// A port of this machine where nobody listens, and nobody else can.
+/// A port of this machine where no server listens. It is bound, so that no other program can use it.
 class UnheardPort {
 public:
     UnheardPort();

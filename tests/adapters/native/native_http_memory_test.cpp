@@ -14,14 +14,15 @@ std::atomic<std::size_t> largestAllocation{NO_LIMIT};
 
 }  // namespace
 
-// Of the whole program; without a limit they are what they replace.
-void* operator new(std::size_t size) {
+// They replace the operators of the whole program. Not inlined: GCC would take `free` for a mismatch of
+// `new`.
+[[gnu::noinline]] void* operator new(std::size_t size) {
     auto* memory = size < largestAllocation ? std::malloc(size) : nullptr;
     if (!memory) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 namespace oska::native {
 namespace {

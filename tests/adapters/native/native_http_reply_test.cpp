@@ -36,7 +36,7 @@ const std::string PLAIN = [] {
     return text;
 }();
 
-/// What a server says before it closes the connection, and what becomes of it.
+/// The bytes that a server sends before it closes the connection, and the outcome.
 struct WireCase {
     const char* name;
     std::string bytes;

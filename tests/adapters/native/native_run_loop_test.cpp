@@ -9,16 +9,9 @@ namespace {
 using std::chrono::nanoseconds;
 using namespace std::chrono_literals;
 
-struct NativeDriver {
-    static constexpr nanoseconds UNIT = 2ms;
-    static constexpr bool CAN_BE_LATE = true;
-
+struct NativeDriver : platform::SteadyDriver {
     platform::MainQueue& queue() { return loop; }
-    nanoseconds elapsed() const { return RunLoop::Clock::now().time_since_epoch(); }
     void stop() { loop.stop(); }
-    void stall(nanoseconds span) {
-        for (const auto begin = elapsed(); elapsed() - begin < span;) std::this_thread::yield();
-    }
     void runUntil(const std::function<bool()>& isDone) {
         while (!isDone()) {
             loop.pump();

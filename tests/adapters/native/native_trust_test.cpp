@@ -10,7 +10,7 @@ using Hosts = std::vector<std::string>;
 
 std::string ok(const WireRequest&) { return wireReply(200, "ok"); }
 
-/// One authority, trusted by file, and what it or nobody has signed.
+/// One authority that the factory trusts by its file, and certificates that it has signed.
 class NativeTrust : public testing::Test {
 protected:
     HttpOutcome fetch(const std::string& url,
@@ -84,7 +84,7 @@ TEST_F(NativeTrust, TheDelegateOverrulesWhateverIsWrongAndHearsTheHostAsTheUrlSp
     EXPECT_EQ(fetch(trusted.url("/", "[::1]")).body, "ok");
 }
 
-/// A delegate that says what its acceptance rests on.
+/// A delegate with a basis of trust.
 class BasisDelegate final : public ContractDelegate {
 public:
     std::optional<std::string> trustBasis(const std::string&) const override { return basis; }

@@ -9,9 +9,8 @@
 
 namespace oska::qt {
 
-/// A host's widget, white, that takes note of the events which reach it. Hosts that are painted are less than
-/// 96 points high: Qt's painter shares larger areas out to threads whose locks the thread sanitizer cannot
-/// see.
+/// A white widget of a host that counts the events that reach it. Hosts that are painted are less than 96
+/// points high: Qt paints larger areas on several threads, with locks that the thread sanitizer cannot see.
 class Host : public QWidget {
 public:
     explicit Host(QSize size, QWidget* parent = nullptr) : QWidget(parent) {

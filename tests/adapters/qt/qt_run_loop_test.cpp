@@ -18,18 +18,11 @@ using std::chrono::nanoseconds;
 using namespace std::chrono_literals;
 
 /// Lets Qt sleep until there is an event, so that a job that gets none is waited for in vain.
-struct QtDriver {
-    static constexpr nanoseconds UNIT = 2ms;
-    static constexpr bool CAN_BE_LATE = true;
-
+struct QtDriver : platform::SteadyDriver {
     QtDriver() { driver.drive(loop); }
 
     platform::MainQueue& queue() { return *loop; }
-    nanoseconds elapsed() const { return RunLoop::Clock::now().time_since_epoch(); }
     void stop() { loop->stop(); }
-    void stall(nanoseconds span) {
-        for (const auto begin = elapsed(); elapsed() - begin < span;) std::this_thread::yield();
-    }
     void runUntil(const std::function<bool()>& isDone) {
         while (!isDone()) QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
