@@ -16,53 +16,48 @@ namespace {
 
 using tool::SiteServer;
 
+const std::string LINE = "--oska-part-9f1c27d04be86a35";
+const std::string TYPE = "\r\nContent-Type: image/png\r\nContent-Range: bytes ";
+
+const struct {
+    std::string path;
+    std::string range;
+    int status;
+    std::string place;  // as the header Content-Range has it
+    std::string body;   // empty: any
+} RANGES[] = {
+    {"/map.png", "bytes=2-4", 206, "bytes 2-4/10", "234"},
+    {"/map.png", "bytes=8-9223372036854775807", 206, "bytes 8-9/10", "89"},
+    {"/map.png", "bytes=8-99999999999999999999", 416, "", ""},
+    {"/map.png", "bytes=10-5000", 416, "bytes */10", ""},
+    {"/map.png", "bytes=4-2", 416, "", ""},
+    {"/map.png", "bytes=-3", 206, "bytes 7-9/10", "789"},
+    {"/map.png", "bytes=-5000", 206, "bytes 0-9/10", "0123456789"},
+    {"/map.png", "bytes=-0", 416, "bytes */10", ""},
+    {"/map.png", "bytes=1-2,-1", 206, "",
+     LINE + TYPE + "1-2/10\r\n\r\n12\r\n" + LINE + TYPE + "9-9/10\r\n\r\n9\r\n" + LINE + "--\r\n"},
+    {"/map.png", "bytes=1-2,5000-6000", 206, "bytes 1-2/10", "12"},
+    {"/map.png", "bytes=0-,0-,-5", 200, "", "0123456789"},
+    {"/none.png", "bytes=0-0", 416, "bytes */0", ""},
+    {"/v2/pelio/sectors/12/bundle", "bytes=0-0", 401, "", ""},
+    {"/absent", "bytes=3-5000", 404, "", "nothing is served at \"/absent\"\n"},
+};
+
 TEST(ServeLimits, RangesEndWithTheContent) {
     const Folder folder;
     folder.file("map.png", "0123456789");
     folder.file("none.png", "");
     const fakes::TestIdentity identity({.names = "IP:127.0.0.1"});
-    const auto certificate = folder.file("cert.pem", identity.pem());
-    const auto key = folder.file("key.pem", identity.keyPem());
-    const std::string line = "--oska-part-9f1c27d04be86a35";
-    const std::string type = "\r\nContent-Type: image/png\r\nContent-Range: bytes ";
-    struct Case {
-        std::string path;
-        std::string range;
-        int status;
-        std::string place;  // as the header Content-Range has it
-        std::string body;   // not looked at when it is empty
-    };
-    const std::vector<Case> cases{
-        {"/map.png", "bytes=2-4", 206, "bytes 2-4/10", "234"},
-        {"/map.png", "bytes=8-5000", 206, "bytes 8-9/10", "89"},
-        {"/map.png", "bytes=8-9223372036854775807", 206, "bytes 8-9/10", "89"},
-        {"/map.png", "bytes=8-99999999999999999999", 416, "", ""},
-        {"/map.png", "bytes=9223372036854775807-", 416, "bytes */10", ""},
-        {"/map.png", "bytes=10-5000", 416, "bytes */10", ""},
-        {"/map.png", "bytes=4-2", 416, "", ""},
-        {"/map.png", "bytes=-3", 206, "bytes 7-9/10", "789"},
-        {"/map.png", "bytes=-5000", 206, "bytes 0-9/10", "0123456789"},
-        {"/map.png", "bytes=-0", 416, "bytes */10", ""},
-        {"/map.png", "bytes=1-2,-1", 206, "",
-         line + type + "1-2/10\r\n\r\n12\r\n" + line + type + "9-9/10\r\n\r\n9\r\n" + line + "--\r\n"},
-        {"/map.png", "bytes=1-2,5000-6000", 206, "bytes 1-2/10", "12"},
-        {"/map.png", "bytes=6000-,5000-6000", 416, "bytes */10", ""},
-        {"/map.png", "bytes=0-,0-,-5", 200, "", "0123456789"},
-        {"/none.png", "bytes=0-0", 416, "bytes */0", ""},
-        {"/v2/pelio/sectors/12/bundle", "bytes=0-0", 401, "", ""},
-        {"/absent", "bytes=3-5000", 404, "", "nothing is served at \"/absent\"\n"},
-        {"/absent", "bytes=5000-", 404, "", "nothing is served at \"/absent\"\n"},
-    };
     const SiteServer::Options plain{.folder = folder.path(), .requiredToken = "x"};
     auto tls = plain;
-    tls.tlsCertificate = certificate;
-    tls.tlsKey = key;
+    tls.tlsCertificate = folder.file("cert.pem", identity.pem());
+    tls.tlsKey = folder.file("key.pem", identity.keyPem());
     for (const auto& options : {plain, tls}) {
         const auto server = SiteServer::start(options);
         ASSERT_TRUE(server) << server.error().problem;
         httplib::Client client((*server)->url());
         client.enable_server_certificate_verification(false);
-        for (const auto& [path, range, status, place, body] : cases) {
+        for (const auto& [path, range, status, place, body] : RANGES) {
             const auto reply = client.Get(path, {{"Range", range}});
             ASSERT_TRUE(reply) << (*server)->url() << path << range;
             EXPECT_EQ(reply->status, status) << path << range;

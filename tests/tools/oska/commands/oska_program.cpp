@@ -51,6 +51,25 @@ std::string contentOf(const std::string& path) {
     return content.str();
 }
 
+std::string bundleDocument(const std::string& levels) {
+    return R"({"id":7,"name":"s","operating_system":"","buildings":[{"id":1,"name":"b","levels":[)" + levels +
+           "]}]}";
+}
+
+std::string levelDocument(int id, const std::string& wards, const std::string& scale) {
+    return R"({"id":)" + std::to_string(id) +
+           R"(,"name":"l","map_image":{"url":"u","image_width":10,"image_height":10,"scale_x":)" + scale +
+           R"(,"scale_y":1,"offset_x":0,"offset_y":0},"wards":[)" + wards + "]}";
+}
+
+std::string heard(int mobileTime) {
+    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"rfs":{" Lobby-A\n":-60}})" + "\n";
+}
+
+std::string action(int mobileTime, const std::string& name) {
+    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"action":")" + name + "\"}\n";
+}
+
 std::vector<std::string> Ended::events() const {
     std::vector<std::string> found;
     std::istringstream lines(out);

@@ -39,6 +39,15 @@ Ended runOska(const std::vector<std::string>& arguments, const std::string& stan
 
 [[nodiscard]] std::string contentOf(const std::string& path);
 
+/// A bundle whose one building, 1, has these levels; see `levelDocument`.
+[[nodiscard]] std::string bundleDocument(const std::string& levels);
+/// A level with a map image of 10 by 10 pixels, the scale 1 unless given, and no offset.
+[[nodiscard]] std::string levelDocument(int id, const std::string& wards, const std::string& scale = "1");
+
+/// A line of a recording: a sample that names lobby-a at -60 dBm, or an action.
+[[nodiscard]] std::string heard(int mobileTime);
+[[nodiscard]] std::string action(int mobileTime, const std::string& name);
+
 /// The program while it waits for its input.
 class RunningOska {
 public:

@@ -38,14 +38,6 @@ std::string result(int at, int mobileTime) {
            R"(,"building_id":1,"building_name":"main","level_id":10,"level_name":"B1","x":60,"y":30}})";
 }
 
-std::string heard(int mobileTime) {
-    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"rfs":{" Lobby-A\n":-60}})" + "\n";
-}
-
-std::string action(int mobileTime, const std::string& name) {
-    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"action":")" + name + "\"}\n";
-}
-
 class ReplayCommand : public testing::Test {
 protected:
     Ended replay(const std::string& recording, std::vector<std::string> more = {}) {

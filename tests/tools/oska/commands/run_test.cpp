@@ -34,12 +34,6 @@ std::vector<std::string> lines(const std::string& output) {
     return found;
 }
 
-std::string heard(int mobileTime) {
-    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"rfs":{"lobby-a":-60}})" + "\n";
-}
-
-std::string action(const std::string& name) { return R"({"mobile_time":1,"action":")" + name + "\"}\n"; }
-
 std::string result(int mobileTime) {
     return R"({"event":"onPelioResult","result":{"mobile_time":)" + std::to_string(mobileTime) +
            R"(,"building_id":1,"building_name":"main","level_id":10,"level_name":"B1","x":60,"y":30}})";
@@ -100,7 +94,7 @@ TEST_F(RunCommand, HandlesLinesAsTheyComeAndReusesAnUnchangedBundle) {
     EXPECT_THAT(oska.readLine(), AllOf(StartsWith("(QuenloResource) "), HasSubstr("&_rt=")));
     EXPECT_THAT(oska.readUntil("onPelioSuccess"), HasSubstr("true"));
     oska.write(heard(5).substr(0, 9));
-    oska.write(heard(5).substr(9) + action("initialize"));
+    oska.write(heard(5).substr(9) + action(1, "initialize"));
     EXPECT_THAT(oska.readUntil("onPelioResult"), HasSubstr(R"("mobile_time":5)"));
     EXPECT_THAT(oska.readUntil("(loadPelioResources)"),
                 HasSubstr("version unchanged, use cached PelioBundle"));

@@ -70,7 +70,11 @@ INSTANTIATE_TEST_SUITE_P(
         Mistake{{"run", "dapo", "--sector", "1", "--region", "KOREA"}},
         Mistake{{"run", "pelio", "--sector", "1", "--token", "a", "--no-token"}},
         Mistake{{"run", "pelio", "--sector", "1", "--speed", "0"}},
-        Mistake{{"run", "pelio", "--sector", "1", "--speed", "inf"}},
+        Mistake{{"run", "pelio", "--sector", "1", "--speed", "inf"}}, Mistake{{"serve"}, "SITE_FOLDER"},
+        Mistake{{"serve", "/none"}, "oska: /none: No such file"},
+        Mistake{{"serve", "/dev/null"}, "oska: /dev/null: Not a directory\n"},
+        Mistake{{"serve", "/", "--port", "65536"}, "--port"},
+        Mistake{{"serve", "/", "--tls-cert", "c"}, "--tls-cert requires --tls-key"},
         Mistake{{"serve", "site", "--tls-cert", "c", "--tls-kye", "k"},
                 "Not expected: --tls-kye k; did you mean --tls-key?\n"},
         Mistake{{"--bogus", "serve", "--port", "0"}, "Not expected: --bogus\n"}));

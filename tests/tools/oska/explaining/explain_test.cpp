@@ -227,10 +227,8 @@ TEST(TextTable, AlignsWhatTakesTwoPlacesToo) {
     EXPECT_EQ(table.text(), "A       B  C\n한글    1  x\nabcde  22  e\u0301\n");
 }
 
-constexpr auto SITE =
-    R"({"id":7,"name":"s","operating_system":"","buildings":[{"id":1,"name":"b","levels":[{"id":5,
-    "name":"1F","map_image":{"url":"","image_width":1,"image_height":1,"scale_x":1,"scale_y":1,"offset_x":0,
-    "offset_y":0},"wards":[{"id":1,"name":"door","x":1,"y":1,"rssi":-60,"contents":[]}]}]}]})";
+const auto SITE =
+    bundleDocument(levelDocument(5, R"({"id":1,"name":"door","x":1,"y":1,"rssi":-60,"contents":[]})"));
 
 TEST(Explain, PrintsTablesAndJson) {
     const Folder folder;

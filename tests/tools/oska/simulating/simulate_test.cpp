@@ -32,10 +32,7 @@ std::string wardsOf(const std::string& wards, bool isDapo) {
 }
 
 std::string level(int id, const std::string& wards, bool isDapo) {
-    return R"({"id":)" + std::to_string(id) +
-           R"(,"name":"l","map_image":{"url":"u","image_width":1,"image_height":1,"scale_x":1,"scale_y":1,)"
-           R"("offset_x":0,"offset_y":0},"wards":[)" +
-           wardsOf(wards, isDapo) + "]}";
+    return levelDocument(id, wardsOf(wards, isDapo));
 }
 
 /// Two levels in one building and one in another, a ward on each, all at their origins.

@@ -16,17 +16,6 @@ using testing::Field;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-std::string bundleOf(const std::string& levels) {
-    return R"({"id":1,"name":"s","operating_system":"iOS","buildings":[{"id":1,"name":"b","levels":[)" +
-           levels + "]}]}";
-}
-
-std::string level(int id, const std::string& wards, const std::string& scale = "1") {
-    return R"({"id":)" + std::to_string(id) +
-           R"(,"name":"l","map_image":{"url":"u","image_width":1,"image_height":1,"scale_x":)" + scale +
-           R"(,"scale_y":1,"offset_x":0,"offset_y":0},"wards":[)" + wards + "]}";
-}
-
 auto finding(const std::string& path, const std::string& kind) {
     return AllOf(Field(&tool::Finding::path, path), Field(&tool::Finding::kind, kind));
 }
@@ -42,21 +31,22 @@ TEST(Findings, OfADapoBundle) {
     const auto wards = R"({"id":1,"name":"Gate ","x":1,"y":2,"rssi":-101,"contents":[
             {"number":1,"description":"d","url":"https://x/a b"},{"number":2,"description":"d","url":"http://a b/"}]},
         {"id":2,"name":"\ngate","x":1,"rssi":-39,"contents":[]})";
-    EXPECT_THAT(findings<DapoBundle>(bundleOf(level(5, wards) + "," + level(5, "", "-0.0"))),
-                ElementsAre(finding("buildings[0].levels[0].wards[0].rssi", "unreachable"),
-                            finding("buildings[0].levels[0].wards[0].contents[1].url", "link-dropped"),
-                            finding("buildings[0].levels[0].wards[1].name", "name-alike"),
-                            finding("buildings[0].levels[0].wards[1]", "no-coordinates"),
-                            finding("buildings[0].levels[0].wards[1].rssi", "unreachable"),
-                            finding("buildings[0].levels[1].id", "level-id-twice"),
-                            finding("buildings[0].levels[1].map_image.scale_x", "scale-zero")));
+    EXPECT_THAT(
+        findings<DapoBundle>(bundleDocument(levelDocument(5, wards) + "," + levelDocument(5, "", "-0.0"))),
+        ElementsAre(finding("buildings[0].levels[0].wards[0].rssi", "unreachable"),
+                    finding("buildings[0].levels[0].wards[0].contents[1].url", "link-dropped"),
+                    finding("buildings[0].levels[0].wards[1].name", "name-alike"),
+                    finding("buildings[0].levels[0].wards[1]", "no-coordinates"),
+                    finding("buildings[0].levels[0].wards[1].rssi", "unreachable"),
+                    finding("buildings[0].levels[1].id", "level-id-twice"),
+                    finding("buildings[0].levels[1].map_image.scale_x", "scale-zero")));
 }
 
 TEST(Findings, OfAPelioBundle) {
     const auto wards =
         R"({"id":1,"name":"é","x":1,"y":2,"rssi":-100},{"id":2,"name":"E\u0301","x":0,"y":0,"rssi":-40},
         {"id":3,"name":"c","x":0,"y":0,"rssi":-39.9})";
-    EXPECT_THAT(findings<PelioBundle>(bundleOf(level(1, wards))),
+    EXPECT_THAT(findings<PelioBundle>(bundleDocument(levelDocument(1, wards))),
                 ElementsAre(finding("buildings[0].levels[0].wards[1].name", "name-alike"),
                             finding("buildings[0].levels[0].wards[2].rssi", "unreachable")));
 }
@@ -65,7 +55,7 @@ TEST(ServiceOfBundle, IsToldByTheWardsEvenOfABrokenBundle) {
     const std::string dapo = R"({"name":"a","contents":[]})";
     const std::string pelio = R"({"name":"a","x":1,"y":1,"rssi":-70.5})";
     const auto serviceOf = [](const std::string& wards) {
-        return tool::serviceOfBundle(bundleOf(level(1, wards)));
+        return tool::serviceOfBundle(bundleDocument(levelDocument(1, wards)));
     };
     EXPECT_EQ(serviceOf(dapo + "," + dapo + "," + pelio), OskaService::dapo);
     EXPECT_EQ(serviceOf(dapo + "," + pelio + "," + pelio), OskaService::pelio);
@@ -112,7 +102,7 @@ TEST(Check, NamesThePlaceOfAFaultAndGoesOnWithTheNextFile) {
 }
 
 TEST(Check, PrintsFindingsAsJson) {
-    const auto ended = runOska({"check", "--json", "-"}, bundleOf(level(1, "", "0")));
+    const auto ended = runOska({"check", "--json", "-"}, bundleDocument(levelDocument(1, "", "0")));
     EXPECT_EQ(ended.status, 0);
     EXPECT_EQ(ended.out, R"({"files":[{"file":"-","kind":"pelio","decodes":true,"findings":[{"path":)"
                          R"("buildings[0].levels[0].map_image.scale_x","kind":"scale-zero","message":)"

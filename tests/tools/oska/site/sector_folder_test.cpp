@@ -12,10 +12,7 @@ using testing::StartsWith;
 using tool::readSector;
 
 std::string bundle(const std::string& wardFields) {
-    return R"({"id":1,"name":"S","operating_system":"","buildings":[{"id":1,"name":"B","levels":[{"id":5,)"
-           R"("name":"L","map_image":{"url":"u","image_width":10,"image_height":10,"scale_x":2,"scale_y":3,)"
-           R"("offset_x":4,"offset_y":5},"wards":[{"id":1,"name":" Ward-A ")" +
-           wardFields + "}]}]}]}";
+    return bundleDocument(levelDocument(5, R"({"id":1,"name":" Ward-A ")" + wardFields + "}", "2"));
 }
 
 TEST(SectorFolder, JoinsWhatBothServicesKnowOfAWard) {
@@ -31,8 +28,8 @@ TEST(SectorFolder, JoinsWhatBothServicesKnowOfAWard) {
     ASSERT_EQ(site->wardsOn(0).size(), 1U);
     const auto& ward = *site->wardsOn(0)[0];
     EXPECT_EQ(ward.key, "ward-a");
-    EXPECT_EQ(ward.place.x, 24);
-    EXPECT_EQ(ward.place.y, 65);
+    EXPECT_EQ(ward.place.x, 20);
+    EXPECT_EQ(ward.place.y, 20);
     EXPECT_EQ(ward.pelioThreshold, -84.5);
     EXPECT_EQ(ward.dapoThreshold, -70);
 }
