@@ -75,17 +75,12 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(
         Fault{R"({"mobile_time": 1, "rfs": {})", "not JSON: expected "},
         Fault{R"({"mobile_time": 1, "rfs": {}} {})", "not JSON: expected the end"},
-        Fault{R"({"mobile_time": 1, "rfs": {}, "x": tru})", "not JSON: expected "},
         Fault{R"([{"mobile_time": 1}])", "not a JSON object"},
         Fault{R"({"rfs": {}})", R"("mobile_time" is missing)"},
-        Fault{R"({"mobile_time": 1.5, "rfs": {}})", R"("mobile_time" is not an integer)"},
-        Fault{R"({"mobile_time": "1", "rfs": {}})", R"("mobile_time" is not an integer)"},
-        Fault{R"({"mobile_time": null, "rfs": {}})", R"("mobile_time" is not an integer)"},
         Fault{R"({"mobile_time": 9223372036854775808, "rfs": {}})", R"("mobile_time" is not an integer)"},
         Fault{R"({"mobile_time": 1})", R"(neither "rfs" nor "action")"},
         Fault{R"({"mobile_time": 1, "rfs": {}, "action": "stop"})", R"(both "rfs" and "action")"},
         Fault{R"({"mobile_time": 1, "rfs": [-60]})", R"("rfs" is not an object)"},
-        Fault{R"({"mobile_time": 1, "rfs": {"lobby": "-60"}})", "rfs.lobby is not a number"},
         Fault{R"({"mobile_time": 1, "rfs": {"gate 2": null}})", R"(rfs["gate 2"] is not a number)"},
         Fault{R"({"mobile_time": 1, "rfs": {"a": 1e400}})", "rfs.a is not a number that a double can hold"},
         Fault{R"({"mobile_time": 1, "action": 5})", R"("action" is not text)"},
@@ -95,13 +90,9 @@ INSTANTIATE_TEST_SUITE_P(
         Fault{R"({"mobile_time": 1, "action": "initialize", "forceUpdate": 1})",
               R"("forceUpdate" is not true or false)"},
         Fault{R"({"mobile_time": 1, "action": "setVisibility"})", R"("isVisible" is missing)"},
-        Fault{R"({"mobile_time": 1, "action": "setVisibility", "isVisible": "no"})",
-              R"("isVisible" is not true or false)"},
         Fault{R"({"mobile_time": 1, "action": "setSelectionInterval", "seconds": null})",
               R"("seconds" is not a number)"},
-        Fault{R"({"mobile_time": 1, "action": "setUnchangedDeliveryInterval"})", R"("seconds" is missing)"},
-        Fault{R"({"mobile_time": 1, "action": "setUnchangedDeliveryInterval", "seconds": "x"})",
-              R"("seconds" is not a number)"}));
+        Fault{R"({"mobile_time": 1, "action": "setUnchangedDeliveryInterval"})", R"("seconds" is missing)"}));
 
 }  // namespace
 }  // namespace oska::tool
