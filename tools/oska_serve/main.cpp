@@ -24,13 +24,13 @@ constexpr auto MORE =
     R"(SITE_FOLDER holds a folder for each sector, named by its id, with the sector's bundles:
   site/12/pelio.json  site/12/dapo.json
 Map images lie wherever the bundles say; GET /12/b1.png is site/12/b1.png. Only JSON files and images are served, and
-nothing outside of the folder. Files are read when they are asked for, so that a change shows at once; a bundle's
+nothing outside of the folder. Files are read for each request, so a change shows at once; a bundle's
 version is a digest of its content.
 
 Uploaded samples are checked and, with --uploads, appended to a file, one line each: a recording, ready for replay.
 
 Each request is a line on standard error. Ctrl-C ends the server. Port 5050 on loopback is where the kit looks by
-itself, so this and `oska run pelio --sector 12` find each other.
+itself, so `oska run pelio --sector 12` finds this server.
 
 Example: oska serve site --uploads walk.jsonl)";
 

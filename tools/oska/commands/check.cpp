@@ -27,8 +27,8 @@ constexpr auto MORE =
 that normalise alike, wards without coordinates, thresholds that no sample can reach (outside -100 to -40 dBm),
 content links that are dropped, level ids used twice, levels with scale 0.
 
-One line a finding: the file, the place in it, what is the matter. Where and why one does not decode stands on standard
-error; with --json in the report instead.
+Each finding is one line: the file, the place in it, the problem. Why a bundle does not decode is written to standard
+error; with --json it is part of the report.
 Exit status 0 when all bundles decode, with or without findings; 2 when one does not.
 
 Example: oska check --kind dapo site/12/dapo.json site/13/dapo.json)";

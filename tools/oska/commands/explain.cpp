@@ -39,7 +39,7 @@ does count.
 
 Times are milliseconds since the run began, as in a replay's events.
 
-Exit status: 0 when there is an answer, whatever it says; 2 when bundle or recording are no such thing.
+Exit status: 0 when there is an answer, whatever it says; 2 when the bundle or the recording is not valid.
 
 Example: oska explain dapo --bundle site.json --recording walk.jsonl --ward lobby-a)";
 

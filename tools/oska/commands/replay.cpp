@@ -52,7 +52,7 @@ line does not need are ignored. A line with both rfs and action is an error, and
 An error ends the run: it names file and line, and all events before it have been printed.
 
 A bundle that does not decode is the service's business: its initialisation fails, as it would on a phone, and standard
-error says where the fault lies. Only when it does not even tell its sector, and --sector does not either, nothing runs.
+error says where the fault lies. Nothing runs if neither the bundle nor --sector names a sector.
 
 --svg draws the walk, one panel a level: the wards, Pelio's positions in their order, the wards that Dapo detected. The
 events are printed all the same.

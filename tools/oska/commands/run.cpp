@@ -38,7 +38,7 @@ line, among the kit's own lines.
 
 Without --recording: initialises, prints the outcome and exits. With it: starts once the initialisation has reported,
 whatever it reported, feeds the recording at its own pace, waits for --tail seconds, stops, and exits when all requests
-have ended. A line stamped earlier than one before it is handled at once. `oska replay --help` tells what a recording is.
+have ended. A line stamped earlier than one before it is handled at once. See `oska replay --help` for recordings.
 
 When a bundle cannot be loaded, standard error says why.
 
