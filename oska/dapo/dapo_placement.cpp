@@ -20,8 +20,8 @@ void DapoPlacement::setTapAction(std::function<void()> action) {
     tapRecognizer_ = std::make_shared<views::TapGestureRecognizer>(std::move(action));
 }
 
-void DapoPlacement::place(const DapoView::Placement& placement, const std::optional<std::string>& id) {
-    const auto& matchView = placement.to;
+void DapoPlacement::place(const std::shared_ptr<views::View>& matchView,
+                          std::shared_ptr<const views::Image> image, const std::optional<std::string>& id) {
     if (!matchView) return LOG.error("configureFrame", "failed because matchView is nil");
     if (matchView->isAtOrBelow(view_))
         return LOG.error("configureFrame", "failed because matchView is in the view");
@@ -32,7 +32,7 @@ void DapoPlacement::place(const DapoView::Placement& placement, const std::optio
     pinEdges();
     matchView->setNeedsLayout();
     matchView->layoutIfNeeded();
-    setupAssets(placement.dapoImage);
+    setupAssets(std::move(image));
     view_.setUserInteractionEnabled(true);
     view_.addGestureRecognizer(tapRecognizer_);
     LOG.info("configureFrame", "success",

@@ -6,7 +6,6 @@
 #include <optional>
 #include <string>
 
-#include "oska/dapo/dapo_view.h"
 #include "oska/views/image_view.h"
 
 namespace oska {
@@ -15,19 +14,21 @@ namespace oska {
 /// a part of `view`.
 class DapoPlacement {
 public:
-    explicit DapoPlacement(DapoView& view) : view_(view) {}
+    explicit DapoPlacement(views::View& view) : view_(view) {}
 
     /// Sets what happens at a tap. To be called once, before `place`.
     void setTapAction(std::function<void()> action);
 
-    /// See `DapoView::configureFrame`. `id` is only logged.
-    void place(const DapoView::Placement& placement, const std::optional<std::string>& id);
+    /// Covers `to` and shows the image, null for the one that the kit contains: see
+    /// `DapoView::configureFrame`. `id` is only logged.
+    void place(const std::shared_ptr<views::View>& to, std::shared_ptr<const views::Image> image,
+               const std::optional<std::string>& id);
 
 private:
     void pinEdges();
     void setupAssets(std::shared_ptr<const views::Image> image);
 
-    DapoView& view_;
+    views::View& view_;
     std::array<std::shared_ptr<views::LayoutConstraint>, 4> edgeConstraints_;
     std::shared_ptr<const views::Image> dapoImage_;
     const std::shared_ptr<views::ImageView> dapoImageView_ = views::ImageView::create();

@@ -13,7 +13,7 @@ constexpr Log LOG{"DapoView"};
 
 }  // namespace
 
-DapoPresentation::DapoPresentation(DapoView& view, Deliver deliver)
+DapoPresentation::DapoPresentation(views::View& view, Deliver deliver)
     : view_(view),
       deliver_(std::move(deliver)),
       mainQueue_(platform::current().mainQueue),

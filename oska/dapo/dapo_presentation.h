@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "oska/dapo/dapo_output.h"
-#include "oska/dapo/dapo_view.h"
 #include "oska/platform/clock.h"
 #include "oska/platform/main_queue.h"
+#include "oska/views/view.h"
 
 namespace oska {
 
@@ -23,7 +23,7 @@ public:
     using Deliver = std::function<void(const std::vector<DapoWard>&)>;
 
     /// Takes queue and clock of the platform that is installed.
-    DapoPresentation(DapoView& view, Deliver deliver);
+    DapoPresentation(views::View& view, Deliver deliver);
 
     /// See `DapoView::setSelectionInterval`.
     void setSelectionInterval(double seconds);
@@ -49,7 +49,7 @@ private:
     void scheduleHoldRelease(std::chrono::nanoseconds delay);
     [[nodiscard]] platform::WallTime now() const { return clock_->now(); }
 
-    DapoView& view_;
+    views::View& view_;
     const Deliver deliver_;
     const std::shared_ptr<platform::MainQueue> mainQueue_;
     const std::shared_ptr<platform::WallClock> clock_;

@@ -29,36 +29,38 @@ void logLevelsWithoutMap(const std::vector<std::int64_t>& levelIds) {
 
 // ---- life
 
-DapoView::Service::Service(DapoView& view)
+DapoService::DapoService(DapoView& view, views::View& shown, platform::RFDGeneratorDelegate& receiver)
     : view_(view),
+      shown_(shown),
+      receiver_(receiver),
       mainQueue_(platform::current().mainQueue),
       generatorRun_({.log = LOG, .stopOperation = "stopGenerator", .stopsFailedGenerator = true}),
-      presentation_(view,
+      presentation_(shown,
                     [this](const auto& wards) {
                         if (const auto host = delegate()) host->onDapoSelectionChanged(view_, wards);
                     }),
-      placement_(view) {}
+      placement_(shown) {}
 
-void DapoView::Service::connect() {
-    placement_.setTapAction([weak = weakPart(view_, *this)] {
+void DapoService::connect() {
+    placement_.setTapAction([weak = weakPart(shown_, *this)] {
         if (const auto self = weak.lock()) self->handleTapDapo();
     });
     foregroundObservation_ = platform::NotificationCenter::shared().addObserver(
-        platform::Notification::willEnterForeground, [queue = mainQueue_, weak = weakPart(view_, *this)] {
+        platform::Notification::willEnterForeground, [queue = mainQueue_, weak = weakPart(shown_, *this)] {
             const auto self = weak.lock();
             if (!self) return;
             runOnMain(*queue, LOG, "handleWillEnterForeground", [&] { self->handleWillEnterForeground(); });
         });
 }
 
-void DapoView::Service::tearDown() {
+void DapoService::tearDown() {
     foregroundObservation_.reset();
     stopService();
 }
 
 // ---- initialisation
 
-void DapoView::Service::initialize(const Initialization& arguments) {
+void DapoService::initialize(const DapoInitialization& arguments) {
     presentation_.setUnchangedDeliveryInterval("initialize", arguments.unchangedDeliveryInterval, true);
     if (!isValidServiceId(arguments.id)) {
         logInvalidId(LOG, arguments.id);
@@ -69,12 +71,12 @@ void DapoView::Service::initialize(const Initialization& arguments) {
     platform::QuenloResourceNetworkConstants::setServerURL("AWS", "KOREA", false);
     OskaNetworkConstants::setServerURL("KOREA");
     OskaResourceManager::shared()->loadDapoResources(
-        arguments.sectorId, arguments.forceUpdate, [weak = weakPart(view_, *this), arguments](bool success) {
+        arguments.sectorId, arguments.forceUpdate, [weak = weakPart(shown_, *this), arguments](bool success) {
             if (const auto self = weak.lock()) self->finishInitialization(arguments, success);
         });
 }
 
-void DapoView::Service::finishInitialization(const Initialization& arguments, bool loaded) {
+void DapoService::finishInitialization(const DapoInitialization& arguments, bool loaded) {
     auto bundle = loaded ? OskaResourceManager::shared()->currentDapoBundle() : nullptr;
     isInitSuccess_ = bundle != nullptr;
     if (!bundle) {
@@ -92,14 +94,14 @@ void DapoView::Service::finishInitialization(const Initialization& arguments, bo
     reportInit(std::nullopt);
 }
 
-void DapoView::Service::forgetBundle() {
+void DapoService::forgetBundle() {
     dapoBundle_ = nullptr;
     detection_.clearIndexes();
     detection_.reset();
     presentation_.reset();
 }
 
-void DapoView::Service::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
+void DapoService::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
     if (OskaLogger::isEnabled()) LOG.info("initialize", describe(*bundle));
     dapoBundle_ = std::move(bundle);
     detection_.indexDapoWards(dapoBundle_->buildings);
@@ -111,18 +113,18 @@ void DapoView::Service::takeIntoUse(std::shared_ptr<const DapoBundle> bundle) {
     LOG.info("indexDapoMapImages", "levelCount = " + std::to_string(maps().byLevelId().size()));
 }
 
-void DapoView::Service::reportMapImages() {
+void DapoService::reportMapImages() {
     const auto mapImages = maps().byLevelId();  // a copy: the host may initialise again
     for (const auto& [levelId, mapImage] : mapImages) {
         if (const auto host = delegate()) host->onDapoMapImageData(view_, levelId, mapImage);
     }
 }
 
-void DapoView::Service::reportInit(std::optional<DapoInitErrorCode> failure) {
+void DapoService::reportInit(std::optional<DapoInitErrorCode> failure) {
     if (const auto host = delegate()) host->onInitSuccess(view_, !failure, failure);
 }
 
-std::optional<DapoSectorInfo> DapoView::Service::sectorInfo() const {
+std::optional<DapoSectorInfo> DapoService::sectorInfo() const {
     if (!dapoBundle_) return std::nullopt;
     auto sector = describeSector(*dapoBundle_, maps());
     logLevelsWithoutMap(sector.levelsWithoutMap);
@@ -131,24 +133,25 @@ std::optional<DapoSectorInfo> DapoView::Service::sectorInfo() const {
 
 // ---- start and stop
 
-void DapoView::Service::startService() {
+void DapoService::startService() {
     const auto failure = start();
     if (const auto host = delegate()) host->onDapoSuccess(view_, !failure, failure);
 }
 
-std::optional<DapoErrorCode> DapoView::Service::start() {
+std::optional<DapoErrorCode> DapoService::start() {
     if (!id_ || !isInitSuccess_ || !dapoBundle_) return DapoErrorCode::NOT_INITIALIZED;
     const auto claim = generatorRun_.claim();
     if (!claim) return DapoErrorCode::DUPLICATE_SERVICE;
     const auto outcome = generatorRun_.start(
-        *claim, {.id = *id_, .delegate = weakPart(view_, view_), .pressure = weakPart(view_, pressure_)});
+        *claim,
+        {.id = *id_, .delegate = weakPart(shown_, receiver_), .pressure = weakPart(shown_, pressure_)});
     if (outcome.failure || outcome.isOvertaken) return outcome.failure;
     DapoBatchSender::shared().reset();
     presentation_.startTimer();
     return std::nullopt;
 }
 
-void DapoView::Service::stopService() {
+void DapoService::stopService() {
     presentation_.stopTimer();
     generatorRun_.stop();
     if (!generatorRun_.isIdle()) return;  // stopped and started again inside: the new run goes on
@@ -159,7 +162,7 @@ void DapoView::Service::stopService() {
 
 // ---- samples, taps, the foreground
 
-void DapoView::Service::handleRfd(platform::ReceivedForce receivedForce) {
+void DapoService::handleRfd(platform::ReceivedForce receivedForce) {
     if (!isInitSuccess_ || !dapoBundle_ || detection_.isEmpty()) {
         return LOG.warn("handleRfd", "skipped because Dapo bundle is not ready");
     }
@@ -168,13 +171,13 @@ void DapoView::Service::handleRfd(platform::ReceivedForce receivedForce) {
     presentation_.handleDetectedWards(std::move(detected.wards));
 }
 
-void DapoView::Service::handleTapDapo() {
+void DapoService::handleTapDapo() {
     const auto wards = presentation_.currentWards();
     if (wards.empty()) return;
     if (const auto host = delegate()) host->onClick(view_, wards);
 }
 
-void DapoView::Service::handleWillEnterForeground() {
+void DapoService::handleWillEnterForeground() {
     if (generatorRun_.isRunning()) presentation_.enterForeground();
 }
 

@@ -132,6 +132,21 @@ void fields(Visit& f, DapoSectorInfo& sector) {
 [[nodiscard]] bool operator==(const DapoBuildingInfo& a, const DapoBuildingInfo& b);
 [[nodiscard]] bool operator==(const DapoSectorInfo& a, const DapoSectorInfo& b);
 
+/// The arguments of `DapoView::initialize`.
+struct DapoInitialization {
+    /// The service id: one or more ASCII letters, digits, underscores and hyphens.
+    std::string id = {};
+    /// The sector whose bundle is loaded.
+    std::int64_t sectorId = 0;
+    /// Whether the bundle is downloaded even when its version has not changed.
+    bool forceUpdate = false;
+    /// The server that samples are uploaded to: scheme, host and port.
+    std::string baseURL = {};
+    /// Seconds, as for `DapoView::setUnchangedDeliveryInterval`. A value that is refused there counts as
+    /// nullopt.
+    std::optional<double> unchangedDeliveryInterval = {};
+};
+
 class DapoView;
 
 /// The host's side of a Dapo view.

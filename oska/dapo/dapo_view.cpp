@@ -25,7 +25,9 @@ std::shared_ptr<DapoView> DapoView::create() {
     return view;
 }
 
-DapoView::DapoView() : View({}), service_(std::make_unique<Service>(*this)) { setHidden(true); }
+DapoView::DapoView() : View({}), service_(std::make_unique<DapoService>(*this, *this, *this)) {
+    setHidden(true);
+}
 
 DapoView::~DapoView() = default;
 
@@ -50,7 +52,8 @@ void DapoView::setDelegate(std::weak_ptr<DapoViewDelegate> delegate) {
 }
 
 void DapoView::configureFrame(Placement placement) {
-    onMain("configureFrame", [&](auto& service) { service.configureFrame(placement); });
+    onMain("configureFrame",
+           [&](auto& service) { service.configureFrame(placement.to, placement.dapoImage); });
 }
 
 void DapoView::initialize(Initialization arguments) {

@@ -14,6 +14,8 @@
 
 namespace oska {
 
+class DapoService;
+
 /// The Dapo service: a view over one of the host's own views. It listens for the wards of a site, shows
 /// itself while wards are near, reports them to the host, and reports taps. It uploads each sample that it
 /// hears.
@@ -39,18 +41,7 @@ namespace oska {
 class DapoView final : public views::View, public platform::RFDGeneratorDelegate {
 public:
     /// The arguments of `initialize`.
-    struct Initialization {
-        /// The service id: one or more ASCII letters, digits, underscores and hyphens.
-        std::string id = {};
-        /// The sector whose bundle is loaded.
-        std::int64_t sectorId = 0;
-        /// Whether the bundle is downloaded even when its version has not changed.
-        bool forceUpdate = false;
-        /// The server that samples are uploaded to: scheme, host and port.
-        std::string baseURL = {};
-        /// Seconds, as for `setUnchangedDeliveryInterval`. A value that is refused there counts as nullopt.
-        std::optional<double> unchangedDeliveryInterval = {};
-    };
+    using Initialization = DapoInitialization;
 
     /// The arguments of `configureFrame`.
     struct Placement {
@@ -133,14 +124,12 @@ public:
     void onRfdEmptyMillis(platform::RFDGenerator& generator, double time) override;
 
 private:
-    class Service;
-
     DapoView();
     static void release(DapoView* view);
     template <class Work>
     void onMain(std::string_view operation, Work work) const;
 
-    const std::unique_ptr<Service> service_;
+    const std::unique_ptr<DapoService> service_;
 };
 
 }  // namespace oska
