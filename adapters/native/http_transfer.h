@@ -1,6 +1,5 @@
 #pragma once
 
-#include <atomic>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,20 +9,10 @@
 #include "adapters/native/http_address.h"
 #include "adapters/native/private_connections.h"
 #include "adapters/native/request_deadlines.h"
+#include "adapters/native/session_state.h"
 #include "oska/platform/http_session.h"
 
 namespace oska::native {
-
-/// What the requests of a session share. Requests may outlive the session. Threads: any.
-struct SessionState {
-    SessionState(const platform::HttpSessionConfiguration& limits,
-                 std::shared_ptr<platform::HttpSessionDelegate> judge)
-        : configuration(limits), delegate(std::move(judge)) {}
-
-    const platform::HttpSessionConfiguration configuration;
-    const std::shared_ptr<platform::HttpSessionDelegate> delegate;
-    std::atomic<bool> hasEnded{false};
-};
 
 /// The outcome of a request for which there is no memory or no thread. Needs no memory itself.
 [[nodiscard]] platform::HttpOutcome outOfResources();

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "adapters/native/http_transfer.h"
+#include "adapters/native/session_state.h"
 
 namespace oska::native {
 
