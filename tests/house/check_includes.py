@@ -20,7 +20,13 @@ THIRD_PARTY = {
     "simdjson.h": {"oska/json/json_index.cpp"},
     "uriparser/Uri.h": {"oska/url/url_join.cpp", "oska/url/url_syntax.cpp"},
     "idn2.h": {"oska/url/url_encoding.cpp"},
-    "utf8proc.h": {"oska/text/text.cpp", "oska/text/text_case.cpp", "oska/text/text_composition.cpp"},
+    "utf8proc.h": {
+        "oska/text/text.cpp",
+        "oska/text/text_case.cpp",
+        "oska/text/text_composition.cpp",
+        "oska/text/text_scalars.cpp",
+        "oska/url/url_encoding.cpp",
+    },
 }
 
 
