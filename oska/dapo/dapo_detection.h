@@ -61,6 +61,7 @@ public:
 
     /// Whether no ward is known.
     [[nodiscard]] bool isEmpty() const { return wards_.empty(); }
+    /// The known map images by level id.
     [[nodiscard]] const LevelMapIndex& maps() const { return maps_; }
     /// The known wards by normalised name. Built by each call; made for the log.
     [[nodiscard]] std::map<std::string, IndexedDapoWard> indexedDapoWardsByName() const;

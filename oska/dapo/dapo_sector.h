@@ -21,7 +21,8 @@ struct DapoSectorDescription {
     std::vector<std::int64_t> levelsWithoutMap;
 };
 
-/// The sector as a tree, with each ward at its place on the map and `detected_rssi` 0.
+/// The sector as a tree, with each ward at its place on the map and `detected_rssi` 0. `maps` must be the
+/// index of the same bundle.
 [[nodiscard]] DapoSectorDescription describeSector(const DapoBundle& bundle, const LevelMapIndex& maps);
 
 }  // namespace oska

@@ -20,7 +20,9 @@ namespace oska {
 /// Why an initialisation failed, why a start failed, and the map image of a level: types that Dapo shares
 /// with Pelio, under Dapo's names.
 using DapoInitErrorCode = ServiceInitErrorCode;
+/// Why a start failed.
 using DapoErrorCode = ServiceErrorCode;
+/// The map image of one level.
 using DapoMapImage = LevelMap;
 
 /// One content link of a ward: an address that the host may open when the ward is near.
@@ -54,27 +56,27 @@ struct DapoContents {
 /// One level of a building, with its wards in bundle order.
 struct DapoLevelInfo {
     static constexpr std::string_view TYPE_NAME = "DapoLevelInfo";
-    std::int64_t id = 0;
-    std::string name;
+    std::int64_t id = 0;                   ///< as in the bundle
+    std::string name;                      ///< for people, such as "1F"
     std::optional<DapoMapImage> mapImage;  ///< nullopt when the level has none
-    std::vector<DapoWard> wards;
+    std::vector<DapoWard> wards;           ///< with `detected_rssi` 0
 };
 
 /// One building of a sector, with its levels in bundle order.
 struct DapoBuildingInfo {
     static constexpr std::string_view TYPE_NAME = "DapoBuildingInfo";
-    std::int64_t id = 0;
-    std::string name;
-    std::vector<DapoLevelInfo> levels;
+    std::int64_t id = 0;                ///< as in the bundle
+    std::string name;                   ///< for people
+    std::vector<DapoLevelInfo> levels;  ///< empty when the building has none
 };
 
 /// A sector as a tree of buildings, levels and wards, all in bundle order. Nothing is left out: wards with
 /// equal names are listed each, though only the last of them can be detected.
 struct DapoSectorInfo {
     static constexpr std::string_view TYPE_NAME = "DapoSectorInfo";
-    std::int64_t id = 0;
-    std::string name;
-    std::vector<DapoBuildingInfo> buildings;
+    std::int64_t id = 0;                      ///< as in the bundle
+    std::string name;                         ///< for people
+    std::vector<DapoBuildingInfo> buildings;  ///< empty when the sector has none
 };
 
 // The fields of each record in the order of its JSON form (see json/record.h).

@@ -27,6 +27,7 @@ public:
         ++size_;
     }
 
+    /// The count of the numbers in the set.
     [[nodiscard]] std::size_t size() const { return size_; }
 
     /// Calls `visit` with each number, ascending, and empties the set.

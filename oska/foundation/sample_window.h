@@ -18,7 +18,8 @@ namespace oska {
 /// Whether `now - then >= span`. False when `then` is later than `now`. Requires: `span` is not negative.
 [[nodiscard]] bool hasElapsed(std::int64_t span, std::int64_t then, std::int64_t now);
 
-/// How strongly one sample has received one ward name.
+/// How strongly one sample has received one ward name. A sample has one reading for each spelling of the
+/// name.
 struct Reading {
     WardNames::Number ward;  ///< the number of the name
     double strength;         ///< dBm
@@ -47,13 +48,15 @@ public:
     /// the new one. A sample of exactly that age stays, and so does one that is later than the new one.
     void append(platform::ReceivedForce sample, const WardNames& names);
 
-    /// Resolves all samples of the window with other names. To be called whenever the names have changed.
+    /// Resolves all samples of the window with other names. To be called whenever the names have changed;
+    /// until then the readings have the numbers of the old names.
     void resolveAgain(const WardNames& names);
 
-    /// Drops all samples and their storage.
+    /// Drops all samples and their storage. The next samples allocate memory again until the window is full.
     void clear();
 
-    /// Oldest first.
+    /// In the order in which they came, which is oldest first as long as the clock does not run back. Valid
+    /// until the next change of the window.
     [[nodiscard]] const std::list<BufferedRfdSample>& samples() const { return samples_; }
 
 private:

@@ -23,7 +23,9 @@
 /// terminator. Errors: returned, never thrown, except that std::bad_alloc may pass.
 namespace oska::json {
 
-/// Decodes the whole of `text`.
+/// Decodes the whole of `text`, which must be UTF-8.
+///
+/// White space around the value is skipped.
 ///
 /// Returns the value, or an error that says where and why decoding failed. There are no partial results.
 /// JSON that is malformed anywhere makes decoding fail, also inside the value of a key that no record knows.
@@ -51,7 +53,8 @@ template <class Value>
     return writer.error();
 }
 
-/// Returns what `append` appends, or its error.
+/// Returns what `append` appends, or its error. Like `append`, it writes one line, with the fields of a
+/// record in their order.
 template <class Value>
 Result<std::string, EncodeError> encode(const Value& value, Slashes slashes = Slashes::escaped) {
     std::string text;

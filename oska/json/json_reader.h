@@ -30,6 +30,7 @@ enum class NumberReading;
 /// Threads: one at a time. Lifetime: the text must outlive the reader.
 class Reader {
 public:
+    /// Reads `text`, which must outlive the reader.
     explicit Reader(std::string_view text);
     ~Reader();
     Reader(const Reader&) = delete;
@@ -100,6 +101,7 @@ public:
     /// Adds one step to the front of the error's path while a failed call returns through its callers: a key,
     /// or the index of an element, counted from 0.
     bool failedIn(std::string_view key);
+    /// Adds an array index to the path of the error. Always returns false.
     bool failedIn(std::size_t element);
 
 private:

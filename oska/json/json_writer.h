@@ -57,6 +57,7 @@ public:
     /// Adds one step to the front of the error's path while a failed call returns through its callers.
     /// Both always return false, so that a caller can return the result directly.
     bool failedIn(std::string_view key);
+    /// Adds an array index to the path of the error. Always returns false.
     bool failedIn(std::size_t element);
 
     /// What stopped the writing; empty texts when nothing did.

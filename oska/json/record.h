@@ -50,6 +50,7 @@ concept TextValue = requires(const Value& value, std::string_view text) {
 
 /// Stands for any visitor in the concept below. Not to be called.
 struct AnyVisitor {
+    /// Accepts each field; never called.
     template <class Member>
     void operator()(std::string_view name, Member& member);
 };

@@ -28,6 +28,7 @@ public:
 
     /// Whether this is a success.
     [[nodiscard]] bool hasValue() const { return state_.index() == 0; }
+    /// Whether there is a value.
     explicit operator bool() const { return hasValue(); }
 
     /// The value. The reference is valid as long as the result. REQUIRES: hasValue().
@@ -38,7 +39,9 @@ public:
 
     /// The same, shorter.
     const Value& operator*() const& { return value(); }
+    /// Moves the value out. Requires: there is one.
     Value&& operator*() && { return std::move(*this).value(); }
+    /// Requires: there is a value.
     const Value* operator->() const { return &value(); }
 
     /// The error. REQUIRES: !hasValue().

@@ -14,7 +14,9 @@ namespace oska {
 /// Why an initialisation failed, why a start failed, and the map image of a level: types that Pelio shares
 /// with Dapo, under Pelio's names.
 using PelioInitErrorCode = ServiceInitErrorCode;
+/// Why a start failed.
 using PelioErrorCode = ServiceErrorCode;
+/// The map image of one level.
 using PelioMapImage = LevelMap;
 
 /// One position report: the phone is at the place of the ward that it receives best. A plain value with a

@@ -34,7 +34,7 @@ struct PelioWardNode {
 ///
 /// Time: the mobile time of the samples; the engine reads no clock. Cost: that of the readings in the window;
 /// a full window allocates no memory. Threads: one at a time. Lifetime: copies what it needs of the bundle.
-/// Errors: none.
+/// Errors: none; a sample without a usable reading changes nothing.
 class PelioWardSelection {
 public:
     static constexpr std::int64_t RFD_BUFFER_TIME_WINDOW = 5;      ///< seconds
@@ -42,8 +42,8 @@ public:
 
     /// A position report, and what its caller has to log.
     struct Report {
-        PelioResult result;
-        bool hasMapImage;  ///< false: the ward's level has no map image, and x and y are in bundle units
+        PelioResult result;  ///< what the host receives
+        bool hasMapImage;    ///< false: the ward's level has no map image, and x and y are in bundle units
     };
 
     /// An engine without wards and map images.
@@ -55,6 +55,7 @@ public:
 
     /// The number of wards; wards with equal names count each.
     [[nodiscard]] std::size_t wardCount() const { return wards_.size(); }
+    /// The map images of the bundle by level id.
     [[nodiscard]] const LevelMapIndex& maps() const { return maps_; }
 
     /// Adds a sample and returns the ward to report for it. Null when no reading of the window qualifies; the
@@ -91,12 +92,19 @@ public:
     };
 
     /// The first thing in which two candidates differ; it decides between them.
-    enum class Difference { strength, threshold, id, none };
+    enum class Difference {
+        strength,   ///< the stronger reading wins
+        threshold,  ///< the higher threshold wins
+        id,         ///< the lower ward id wins
+        none,       ///< equal in all three: the one that was found first stays
+    };
 
-    /// Whether a reading, in dBm, meets the threshold of the ward.
+    /// Whether a reading, in dBm, meets the threshold of the ward. A reading equal to the threshold does; NaN
+    /// does not.
     [[nodiscard]] static bool qualifies(const PelioWardNode& ward, double rssi) {
         return ward.thresholdRssi <= rssi;
     }
+    /// Returns by which rule one candidate is better than the other.
     [[nodiscard]] static Difference difference(const Candidate& a, const Candidate& b);
     /// Whether `a` wins against `b`, which was examined before.
     [[nodiscard]] static bool isBetter(const Candidate& a, const Candidate& b);

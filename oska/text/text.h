@@ -56,6 +56,7 @@ void appendComposed(std::string& composed, std::string_view text, std::vector<st
 struct CanonicalLess {
     /// Lets a container look up a std::string_view without making a std::string.
     using is_transparent = void;
+    /// Whether `a` comes before `b`.
     [[nodiscard]] bool operator()(std::string_view a, std::string_view b) const;
 };
 

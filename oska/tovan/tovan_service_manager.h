@@ -61,8 +61,11 @@ public:
     [[nodiscard]] std::shared_ptr<platform::NavigationManagerDelegate> delegate() const;
 
     // What the options contained.
+    /// The service id of the options.
     [[nodiscard]] const std::string& id() const { return id_; }
+    /// The region of the options.
     [[nodiscard]] const std::string& region() const { return region_; }
+    /// The sector of the options.
     [[nodiscard]] std::int64_t sectorId() const { return sectorId_; }
 
     /// Starts navigation for a person on foot or in a vehicle; ends with `onTovanSuccess`.
@@ -71,9 +74,13 @@ public:
     void stopService(platform::NavigationManager::StopCompletion completion);
 
     // Queries of the site's names and ids. Nullopt when the navigation service does not know the place.
+    /// Nullopt for an unknown building.
     [[nodiscard]] std::optional<std::string> getBuildingName(std::int64_t buildingId);
+    /// Nullopt for an unknown building.
     [[nodiscard]] std::optional<std::int64_t> getBuildingId(const std::string& buildingName);
+    /// Nullopt for an unknown level.
     [[nodiscard]] std::optional<std::string> getLevelName(std::int64_t levelId);
+    /// Nullopt for an unknown level.
     [[nodiscard]] std::optional<std::int64_t> getLevelId(std::int64_t sectorId,
                                                          const std::string& buildingName,
                                                          const std::string& levelName);

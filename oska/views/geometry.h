@@ -8,16 +8,16 @@ namespace oska::views {
 
 /// A place, counted from the upper left corner of the view that the user of the value names.
 struct ViewPoint {
-    double x = 0;
-    double y = 0;
+    double x = 0;  ///< points to the right
+    double y = 0;  ///< points downwards
 
     friend bool operator==(const ViewPoint&, const ViewPoint&) = default;
 };
 
 /// A width and a height, in points unless the user of the value says otherwise. Neither is negative.
 struct Size {
-    double width = 0;
-    double height = 0;
+    double width = 0;   ///< from left to right
+    double height = 0;  ///< from top to bottom
 
     friend bool operator==(const Size&, const Size&) = default;
 };
@@ -31,6 +31,7 @@ struct Rect {
     double width = 0;
     double height = 0;
 
+    /// Width and height.
     [[nodiscard]] Size size() const { return {width, height}; }
 
     /// Whether `point`, in the same coordinates, lies inside. The left and the upper edge belong to the

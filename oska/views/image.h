@@ -14,12 +14,13 @@ namespace oska::views {
 struct Image {
     /// The file's bytes, in any format that the toolkit reads.
     std::string encoded = {};
-    /// In pixels, not in points. Only its proportions matter for the layout.
+    /// In pixels, not in points. Only its proportions matter for the layout: an image view shows an image of
+    /// any size as large as fits.
     Size size = {};
 };
 
-/// An image from the bytes of a PNG file. The size is read from the file's header; what follows the header is
-/// not checked. Nullopt when the bytes do not begin with the header of a PNG file.
+/// An image from the bytes of a PNG file, which it keeps. The size is read from the file's header; what
+/// follows the header is not checked. Nullopt when the bytes do not begin with the header of a PNG file.
 [[nodiscard]] std::optional<Image> pngImage(std::string bytes);
 
 /// One of the images that are compiled into the kit, so that a host need not ship a file for it. The only

@@ -74,11 +74,13 @@ public:
 
     /// Whether the view, with all views in it, is invisible. At first it is not.
     [[nodiscard]] bool isHidden() const { return isHidden_; }
+    /// Tells the peer when the value changes.
     void setHidden(bool isHidden);
 
     /// Opacity from 0 (invisible) to 1, the value at first. A number outside that range is set to its nearer
     /// end.
     [[nodiscard]] double alpha() const { return alpha_; }
+    /// Numbers outside 0 to 1 become 0 or 1.
     void setAlpha(double alpha);
 
     /// The image that the view itself shows; null unless it is an ImageView with an image.
@@ -86,12 +88,14 @@ public:
 
     /// Whether subviews are cut off at the view's edges. At first they are not.
     [[nodiscard]] bool clipsToBounds() const { return clipsToBounds_; }
+    /// Tells the peer when the value changes.
     void setClipsToBounds(bool clipsToBounds);
 
     // ---- taps
 
     /// Whether taps can reach the view and the views in it. At first they can.
     [[nodiscard]] bool isUserInteractionEnabled() const { return isUserInteractionEnabled_; }
+    /// Tells the peer when the value changes.
     void setUserInteractionEnabled(bool isEnabled);
 
     /// Whether this view itself lets taps through to it: interaction is enabled, it is not hidden, and its
@@ -163,18 +167,25 @@ private:
 /// It becomes inactive when the view leaves its superview.
 class LayoutConstraint : public std::enable_shared_from_this<LayoutConstraint> {
 public:
-    /// Leading is the left edge, trailing the right one.
-    enum class Edge { top, bottom, leading, trailing };
+    /// The edges of a view.
+    enum class Edge {
+        top,       ///< the upper edge
+        bottom,    ///< the lower edge
+        leading,   ///< the left edge
+        trailing,  ///< the right edge
+    };
 
     /// A constraint that is not active yet. It holds `view` weakly.
     [[nodiscard]] static std::shared_ptr<LayoutConstraint> pin(const std::shared_ptr<View>& view, Edge edge);
 
+    /// Whether the edge is kept in place.
     [[nodiscard]] bool isActive() const { return isActive_; }
 
     /// Switches the constraint on or off. On a view without a superview this is a programming error, unless
     /// it changes nothing; after the view is gone nothing happens.
     void setActive(bool isActive);
 
+    /// The edge that is pinned.
     [[nodiscard]] Edge edge() const { return edge_; }
 
 private:
