@@ -35,6 +35,7 @@ struct NativePlatformOptions {
 /// Lifetime: destroying it shuts it down. The parts that an installed platform holds live on, but do nothing.
 class NativePlatform {
 public:
+    /// Makes the parts; the calling thread becomes the main thread. Installs nothing.
     explicit NativePlatform(NativePlatformOptions options = {});
     ~NativePlatform();
     NativePlatform(const NativePlatform&) = delete;

@@ -20,6 +20,7 @@ namespace oska::native {
 /// Errors: constructing a loop when no file descriptor is left is a programming error.
 class RunLoop final : public platform::MainQueue {
 public:
+    /// The clock of the deadlines.
     using Clock = std::chrono::steady_clock;
 
     /// `wake` may be empty. It is called when a new job is due before all others, on the thread that

@@ -30,6 +30,7 @@ class QtLoopDriver;
 /// platform holds live on, but do nothing; views stay on the screen.
 class QtPlatform {
 public:
+    /// Makes the parts and attaches them to the event loop of the application. Installs nothing.
     explicit QtPlatform(native::NativePlatformOptions options = {});
     ~QtPlatform();
     QtPlatform(const QtPlatform&) = delete;

@@ -13,6 +13,7 @@ namespace oska::virtual_world {
 ///
 ///     FixedToken signedIn(std::string("token"));
 ///     FixedToken signedOut(platform::TokenFailure{.reason = platform::TokenFailureReason::notSignedIn});
+/// For tests, and for programs that need no sign-in.
 /// Threads: any.
 class FixedToken final : public platform::QuenloAuthManager {
 public:

@@ -25,6 +25,7 @@ namespace oska::virtual_world {
 /// (`walk.jsonl:17: ...`). A service then fails to start with GENERATOR_FAIL and logs the line.
 class RecordedRadio {
 public:
+    /// `path` names the recording (JSON Lines); it is read when the first generator starts.
     explicit RecordedRadio(const std::string& path);
     ~RecordedRadio();
     RecordedRadio(const RecordedRadio&) = delete;

@@ -38,6 +38,7 @@ struct GeneratorRecord {
 /// Lifetime: generators may outlive the source, and then send nothing more.
 class ReplaySource {
 public:
+    /// A source whose generators are available, with none made yet.
     ReplaySource();
     ~ReplaySource();
     ReplaySource(const ReplaySource&) = delete;

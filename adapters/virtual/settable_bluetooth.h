@@ -10,7 +10,8 @@ namespace oska::virtual_world {
 ///
 ///     world.bluetooth().set(BluetoothAuthorizationState::denied);
 ///
-/// Threads: any. Nobody is notified of a change: services ask when they start.
+/// Threads: any. Nobody is notified of a change: services ask when they start, and a service that runs goes
+/// on.
 class SettableBluetooth final : public platform::BluetoothAuthorization {
 public:
     /// `authorization` returns `state` from now on.

@@ -48,7 +48,8 @@ public:
 
     /// An engine without wards and map images.
     PelioWardSelection() = default;
-    /// An engine for the wards and map images of a bundle.
+    /// An engine for the wards and map images of a bundle. Wards with equal normalised names are all known:
+    /// one reading counts for each of them.
     explicit PelioWardSelection(const PelioBundle& bundle);
     PelioWardSelection(const PelioWardSelection&) = delete;  // its state points into itself
     PelioWardSelection& operator=(const PelioWardSelection&) = delete;

@@ -129,8 +129,8 @@ TEST_F(RunCommand, WithoutARecordingInitializesAndSaysHowThatEnded) {
         {"12",
          {"--base-url", "localhost:5050"},
          "the base URL \"localhost:5050\" has no scheme; \"http://localhost:5050\" may be meant"},
-        {12, {"--base-url", "https://"}, "the base URL \"https:\" names no host"},
-        {12,
+        {"12", {"--base-url", "https://"}, "the base URL \"https:\" names no host"},
+        {"12",
          {"--base-url", "//10.0.0.2"},
          "the base URL \"//10.0.0.2\" has no scheme; \"http://10.0.0.2\" may be meant"},
     };

@@ -111,7 +111,8 @@ TEST(Check, PrintsFindingsAsJson) {
 }
 
 TEST(Check, LetsNoNameSteerATerminal) {
-    const auto bundle = bundleOf(level(1, R"({"id":1,"name":"a\u009b","y":1,"rssi":-70,"contents":[]})"));
+    const auto bundle =
+        bundleDocument(levelDocument(1, R"({"id":1,"name":"a\u009b","y":1,"rssi":-70,"contents":[]})"));
     for (const bool asJson : {false, true}) {
         const auto out = runOska({"check", asJson ? "--json" : "--kind=dapo", "-"}, bundle).out;
         EXPECT_THAT(out, HasSubstr("u009b"));
