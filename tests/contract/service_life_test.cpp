@@ -148,6 +148,7 @@ TYPED_TEST(ServiceLife, ChecksDuplicateThenBluetoothThenGenerator) {
     EXPECT_EQ(stops, TypeParam::STOPS_FAILED_GENERATOR ? 1 : 0);
     this->stop();
     EXPECT_EQ(stops, 1) << "a generator that is kept is stopped by the next stop";
+    this->inStop = [](auto&) {};
 
     this->isAvailable = true;
     EXPECT_EQ(this->start(), Events{"start true"});
