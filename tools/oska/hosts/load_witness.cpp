@@ -82,7 +82,8 @@ std::string faultOf(const Download& download, OskaService service, std::int64_t 
                                         : faultOfBundle<PelioBundle>(download);
 }
 
-/// The URL that a base URL without "://" may mean. Its slashes at the end are removed. Nullopt without a host.
+/// The URL that a base URL without "://" may mean. Its slashes at the end are removed. Nullopt without a
+/// host.
 std::optional<std::string> withScheme(std::string_view base) {
     const std::string_view scheme = base.starts_with("https:") ? "https:" : "http:";
     if (base.starts_with(scheme)) base.remove_prefix(scheme.size());
