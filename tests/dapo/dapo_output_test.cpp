@@ -10,18 +10,11 @@ namespace {
 
 using namespace std::chrono_literals;
 using platform::WallTime;
-using std::chrono::milliseconds;
 using std::chrono::nanoseconds;
 
 constexpr auto INFINITE = std::numeric_limits<double>::infinity();
 
-std::vector<DapoWard> wards(std::initializer_list<const char*> names) {
-    std::vector<DapoWard> wards;
-    for (const auto* name : names) wards.push_back({.id = std::ssize(wards), .name = name});
-    return wards;
-}
-
-/// Runs an output on a clock of the test's, and writes down what it asks for.
+/// Runs an output on a clock of the test's, and carries out what it asks for.
 class Output : public testing::Test {
 protected:
     /// Returns the names that are delivered; nothing: "-".
@@ -39,7 +32,7 @@ protected:
         const auto end = now_ + span;
         while (releaseAt_ && *releaseAt_ <= end) {
             now_ = *std::exchange(releaseAt_, std::nullopt);
-            perform(output_.releaseExpiredHolds(now_));
+            release();
         }
         now_ = end;
     }
@@ -50,8 +43,10 @@ protected:
         if (releaseAt_) releaseAt_ = *releaseAt_ + -span;
     }
 
-    std::string detect(std::initializer_list<const char*> names) {
-        return perform(output_.handleDetectedWards(wards(names), now_));
+    std::string detect(const std::vector<std::string>& names) {
+        std::vector<DapoWard> wards;
+        for (const auto& name : names) wards.push_back({.id = std::ssize(wards), .name = name});
+        return perform(output_.handleDetectedWards(std::move(wards), now_));
     }
     /// Returns whether the request has to wait.
     bool hide() {
@@ -72,46 +67,38 @@ protected:
     DapoOutput output_;
 };
 
-TEST_F(Output, HoldsASelectionForFiveSecondsAndEndsItSilently) {
+TEST_F(Output, HoldsASelectionForFiveSecondsAfterTheLastDetectionAndEndsItSilently) {
     EXPECT_EQ(detect({"a"}), "-") << "a detection alone delivers nothing";
-    EXPECT_TRUE(isVisible_);
     EXPECT_EQ(tick(), "a");
-    pass(4999ms);
-    EXPECT_TRUE(isVisible_ && isSelected());
-    pass(1ms);
-    EXPECT_FALSE(isVisible_ || isSelected());
-    EXPECT_FALSE(releaseAt_);
-    EXPECT_EQ(tick(), "-");
-    detect({"a"});
-    EXPECT_EQ(tick(), "a") << "the delivery history has gone with the selection";
-}
-
-TEST_F(Output, EachDetectionReplacesTheSelectionAndExtendsTheHolds) {
-    detect({"a"});
     pass(3s);
     detect({"b", "c"});
     pass(4999ms);
     EXPECT_EQ(tick(), "bc");
     release();  // a sample without detection
     EXPECT_EQ(releaseAt_, now_ + 1ms);
+    EXPECT_TRUE(isVisible_ && isSelected());
     pass(1ms);
-    EXPECT_FALSE(isSelected());
+    EXPECT_FALSE(isVisible_ || isSelected() || releaseAt_);
+    EXPECT_EQ(tick(), "-");
+    detect({"b", "c"});
+    EXPECT_EQ(tick(), "bc") << "the delivery history has gone with the selection";
+    reset();
+    EXPECT_FALSE(isVisible_ || isSelected() || releaseAt_);
 }
 
 TEST_F(Output, DeliversWhenTheSetOfNamesChangesAndOnlyThen) {
-    detect({"a", "b"});
-    EXPECT_EQ(tick(), "ab");
-    EXPECT_EQ(tick(), "-");
-    detect({"b", "a"});
-    EXPECT_EQ(tick(), "-");
-    detect({"b", "a", "a"});
-    EXPECT_EQ(tick(), "-");
-    detect({"a", "b", "caf\u00e9"});
-    EXPECT_EQ(tick(), "abcaf\u00e9");
-    detect({"a", "b", "cafe\u0301"});
-    EXPECT_EQ(tick(), "-");
-    detect({"A", "b", "cafe\u0301"});
-    EXPECT_EQ(tick(), "Abcafe\u0301");
+    const std::vector<std::pair<std::vector<std::string>, std::string>> cases{
+        {{"a", "b"}, "ab"},
+        {{"b", "a"}, "-"},
+        {{"b", "a", "a"}, "-"},
+        {{"a", "b", "caf\u00e9"}, "abcaf\u00e9"},
+        {{"a", "b", "cafe\u0301"}, "-"},
+        {{"A", "b", "cafe\u0301"}, "Abcafe\u0301"},
+    };
+    for (const auto& [detected, delivered] : cases) {
+        detect(detected);
+        EXPECT_EQ(tick(), delivered);
+    }
 }
 
 TEST_F(Output, DeliversAnUnchangedSetAtTheFirstTickAfterTheInterval) {
@@ -122,16 +109,20 @@ TEST_F(Output, DeliversAnUnchangedSetAtTheFirstTickAfterTheInterval) {
     };
     for (const auto& [interval, period, due] :
          {Case{3, 1s, 3}, {0.3, 100ms, 3}, {0.3, 1ms, 300}, {2.5, 1s, 3}, {0, 1s, 1}, {1e-9, 1ms, 1}}) {
-        reset();
         output_.setUnchangedDeliveryInterval(acceptedUnchangedInterval(interval));
+        reset();
         detect({"a"});
-        ASSERT_EQ(tick(), "a");
+        ASSERT_EQ(tick(), "a") << "a reset forgets what was delivered, and keeps the interval";
         for (int i = 1; i <= due; ++i) {
             pass(period);
             detect({"a"});
             EXPECT_EQ(tick(), i == due ? "a" : "-") << interval << " s, tick " << i;
         }
     }
+    output_.setUnchangedDeliveryInterval(1s);
+    setClockBack(1h);
+    EXPECT_EQ(tick(), "a") << "a delivery that lies ahead counts as none";
+    EXPECT_EQ(tick(), "-");
     output_.setUnchangedDeliveryInterval(std::nullopt);
     pass(4s);
     EXPECT_EQ(tick(), "-");
@@ -161,15 +152,6 @@ TEST_F(Output, AHoldLastsFiveSecondsFromWhenAClockThatWasSetBackIsNoticed) {
     }
 }
 
-TEST_F(Output, ADeliveryThatLiesAheadCountsAsNone) {
-    output_.setUnchangedDeliveryInterval(1s);
-    detect({"a"});
-    tick();
-    setClockBack(1h);
-    EXPECT_EQ(tick(), "a");
-    EXPECT_EQ(tick(), "-");
-}
-
 TEST_F(Output, TheForegroundForcesADelivery) {
     detect({"a"});
     tick();
@@ -181,60 +163,37 @@ TEST_F(Output, TheForegroundForcesADelivery) {
     EXPECT_EQ(tick(), "a");
     EXPECT_EQ(tick(), "-");
 
-    reset();
     enterForeground();
-    detect({"a"});
-    EXPECT_EQ(tick(), "a");
+    detect({"b"});
+    EXPECT_EQ(tick(), "b");
     EXPECT_EQ(tick(), "-") << "a force that met a changed set is used up";
 }
 
-TEST_F(Output, StaysVisibleAsLongAsTheLongerHold) {
+TEST_F(Output, StaysVisibleAsLongAsTheLongerHoldAndDelaysAHideUntilThen) {
     detect({"a"});
     pass(3s);
     show();
     pass(3s);
-    EXPECT_TRUE(isVisible_);
-    EXPECT_FALSE(isSelected());
-    pass(2s);
-    EXPECT_FALSE(isVisible_);
-}
-
-TEST_F(Output, DelaysAHideWhileTheViewMustShowAndNoLonger) {
-    detect({"a"});
-    pass(2s);
     EXPECT_TRUE(hide());
-    EXPECT_TRUE(isVisible_);
-    now_ = now_ + 3s;
-    EXPECT_FALSE(hide()) << "the hold is over, though its release is still to come";
+    EXPECT_TRUE(isVisible_ && !isSelected());
+    pass(2s);
     EXPECT_FALSE(isVisible_);
-    EXPECT_TRUE(isSelected());
+    detect({"a"});
+    now_ = now_ + 5s;
+    EXPECT_FALSE(hide()) << "the hold is over, though its release is still to come";
+    EXPECT_TRUE(!isVisible_ && isSelected());
     pass(0s);
     EXPECT_FALSE(isSelected());
 }
 
-TEST_F(Output, ResetForgetsAllButIntervalAndForce) {
-    output_.setUnchangedDeliveryInterval(1s);
-    detect({"a"});
-    tick();
-    reset();
-    EXPECT_FALSE(isVisible_ || isSelected() || releaseAt_);
-    detect({"a"});
-    EXPECT_EQ(tick(), "a");
-    pass(1s);
-    EXPECT_EQ(tick(), "a");
-}
-
 TEST(OutputIntervals, TakeNumbersThatATimerCanUse) {
-    for (const double refused : {0.0, -0.0, -1.0, std::nan(""), INFINITE, -INFINITE}) {
+    for (const double refused : {-0.0, -1.0, std::nan(""), INFINITE}) {
         EXPECT_FALSE(acceptedOutputInterval(refused)) << refused;
     }
     EXPECT_EQ(acceptedOutputInterval(5e-324), 0.001);
-    EXPECT_EQ(acceptedOutputInterval(0.25), 0.25);
-    for (const double refused : {-1e-9, std::nan(""), -INFINITE})
-        EXPECT_FALSE(acceptedUnchangedInterval(refused));
+    for (const double refused : {-1e-9, std::nan("")}) EXPECT_FALSE(acceptedUnchangedInterval(refused));
     EXPECT_EQ(acceptedUnchangedInterval(-0.0), 0ns);
     EXPECT_EQ(acceptedUnchangedInterval(INFINITE), nanoseconds::max()) << "never";
-    EXPECT_EQ(nanosecondsOf(0.3), 300ms);
     EXPECT_EQ(nanosecondsOf(1.0 / 3), 333'333'333ns);
     EXPECT_EQ(nanosecondsOf(1e300), nanoseconds::max());
 }

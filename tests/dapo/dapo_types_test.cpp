@@ -34,20 +34,9 @@ TEST(DapoRecords, HaveAJsonFormThatReadsBack) {
         R"({"id":2,"name":"map","url":"https:\/\/site\/map"}]})");
     EXPECT_EQ(*json::decode<DapoSectorInfo>(*json::encode(sector())), sector());
     EXPECT_EQ(*json::encode(DapoContents{{}}), R"({"wards":[]})");
-}
-
-TEST(DapoRecords, LeaveOutAMissingMapImage) {
-    const std::string level = R"({"id":1,"name":"B1","wards":[]})";
-    EXPECT_EQ(*json::encode(DapoLevelInfo{1, "B1", std::nullopt, {}}), level);
-    for (const auto& text : {level, std::string(R"({"id":1,"name":"B1","mapImage":null,"wards":[]})"),
-                             std::string(R"({"id":1,"name":"B1","map_image":{"url":5},"wards":[]})")}) {
-        EXPECT_FALSE(json::decode<DapoLevelInfo>(text)->mapImage) << text;
-    }
+    EXPECT_EQ(*json::encode(DapoLevelInfo{1, "B1", std::nullopt, {}}), R"({"id":1,"name":"B1","wards":[]})");
+    EXPECT_FALSE(json::decode<DapoLevelInfo>(R"({"id":1,"name":"B1","mapImage":null,"wards":[]})")->mapImage);
     EXPECT_FALSE(json::decode<DapoLevelInfo>(R"({"id":1,"name":"B1","mapImage":{},"wards":[]})"));
-}
-
-TEST(DapoRecords, DoNotDecodeATextThatIsNoUrl) {
-    EXPECT_TRUE(json::decode<WardContents>(R"({"id":1,"name":"n","url":"a/b"})"));
     for (const std::string url : {R"("")", R"("http://[")", "5", "null"}) {
         const auto contents = json::decode<WardContents>(R"({"id":1,"name":"n","url":)" + url + "}");
         ASSERT_FALSE(contents) << url;
@@ -58,14 +47,11 @@ TEST(DapoRecords, DoNotDecodeATextThatIsNoUrl) {
 TEST(DapoRecords, AreEqualWhenEveryFieldIsDownToTheLeaves) {
     const auto wardOf = [](DapoSectorInfo& s) -> DapoWard& { return s.buildings[0].levels[0].wards[0]; };
     const std::vector<std::function<void(DapoSectorInfo&)>> changes{
-        [](auto& s) { s.name = "other"; },
+        [&](auto& s) { wardOf(s).x = std::nan(""); },
         [](auto& s) { s.buildings[0].levels[0].mapImage.reset(); },
         [](auto& s) { s.buildings[0].levels[0].mapImage->scale_x = 3; },
-        [](auto& s) { s.buildings[0].levels[1].mapImage.emplace(); },
         [&](auto& s) { wardOf(s).name = "cafe"; },
-        [&](auto& s) { wardOf(s).x = std::nan(""); },
         [&](auto& s) { wardOf(s).detected_rssi = -62; },
-        [&](auto& s) { std::swap(wardOf(s).contents[0], wardOf(s).contents[1]); },
         [&](auto& s) { wardOf(s).contents.pop_back(); },
         [&](auto& s) { wardOf(s).contents[0].url = *Url::parse("https://site/Menu"); },
     };
@@ -73,7 +59,7 @@ TEST(DapoRecords, AreEqualWhenEveryFieldIsDownToTheLeaves) {
         auto other = sector();
         changes[i](other);
         EXPECT_FALSE(sector() == other) << i;
-        EXPECT_EQ(other == other, i != 5) << "NaN equals nothing";
+        EXPECT_EQ(other == other, i != 0) << "NaN equals nothing";
     }
     auto equal = sector();
     wardOf(equal).name = "cafe\u0301";

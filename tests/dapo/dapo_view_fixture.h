@@ -62,11 +62,6 @@ protected:
         for (int i = 0; i < 6; ++i) hear();
     }
 
-    std::string lastLine() {
-        const auto lines = output_.take();
-        return lines.empty() ? "" : lines.back();
-    }
-
     /// The bodies of the uploads so far.
     std::vector<std::string> uploads() {
         std::vector<std::string> bodies;

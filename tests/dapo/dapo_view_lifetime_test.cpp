@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <mutex>
 #include <thread>
 
 #include "oska/foundation/logger.h"
@@ -41,6 +42,20 @@ protected:
         view_->removeFromSuperview();
         return image;
     }
+
+    /// The view that other threads share. Threads: any.
+    std::shared_ptr<DapoView> current() {
+        const std::lock_guard lock(mutex_);
+        return view_;
+    }
+    void replace() {
+        auto next = DapoView::create();
+        next->setDelegate(host_);
+        const std::lock_guard lock(mutex_);
+        view_.swap(next);
+    }
+
+    std::mutex mutex_;
 };
 
 TEST_F(DapoViewLifetime, MayLoseItsLastReferenceInsideAnyCallback) {
@@ -114,15 +129,6 @@ TEST_F(DapoViewLifetime, ASampleUnderWayWhenTheViewGoesIsStillUploaded) {
     EXPECT_EQ(uploads().size(), 2u);
 }
 
-TEST_F(DapoViewLifetime, IsDestroyedWhereItIsOnceTheQueueHasStopped) {
-    makeRunning();
-    const auto kept = keptByView();
-    world_.time().stop();
-    onAnotherThread([&] { view_.reset(); });
-    EXPECT_TRUE(kept.expired());
-    EXPECT_FALSE(world_.source().last()->isRunning);
-}
-
 TEST_F(DapoViewLifetime, CallsFromElsewhereWaitForTheMainThread) {
     makeReady();
     whileMainRuns([&] {
@@ -142,52 +148,43 @@ TEST_F(DapoViewLifetime, CallsFromElsewhereWaitForTheMainThread) {
 TEST_F(DapoViewLifetime, CallsFromElsewhereDoNothingOnceTheQueueHasStopped) {
     makeRunning();
     detect();
+    const auto kept = keptByView();
+    output_.take();
     world_.time().stop();
     onAnotherThread([&] {
         initialize();
-        view_->startService();
         view_->stopService();
-        EXPECT_TRUE(view_->getDapoMapImages().empty());
         EXPECT_TRUE(view_->getCurrentDapoWards().empty());
         EXPECT_TRUE(view_->getVisibility());
         hear();
     });
     Events expected;
-    for (const auto* operation : {"initialize", "startService", "stopService", "getDapoMapImages",
-                                  "getCurrentDapoWards", "getVisibility"}) {
-        expected.push_back("[ERROR] [DapoView] (" + std::string(operation) + ") : main queue has stopped");
+    for (const std::string operation :
+         {"initialize", "stopService", "getCurrentDapoWards", "getVisibility"}) {
+        expected.push_back("[ERROR] [DapoView] (" + operation + ") : main queue has stopped");
     }
     EXPECT_EQ(output_.take(), expected);
     EXPECT_TRUE(host_->take().empty());
+    onAnotherThread([&] { view_.reset(); });
+    EXPECT_TRUE(kept.expired()) << "destroyed where it is";
+    EXPECT_FALSE(world_.source().last()->isRunning);
 }
 
-/// Detects the ward, and so shows the view, inside each start of the generator.
 class OvertakenDapoStart : protected fakes::ScriptedGenerators, public DapoViewTest {
 protected:
-    OvertakenDapoStart() : DapoViewTest({}, factory()) {
-        makeReady();
-        inGenerate = [](auto& generator) {
-            for (int i = 0; i < 6; ++i) generator.send({i, {{"lobby-a", -60}}});
-        };
-    }
-
-    /// Runs its action once, when the view shows.
-    struct ShowListener : platform::ViewPeer {
-        explicit ShowListener(std::function<void()> onShow) : action(std::move(onShow)) {}
-        void changed(const views::View& view, platform::ViewChange what) override {
-            if (what != platform::ViewChange::hidden || view.isHidden()) return;
-            if (const auto once = std::exchange(action, nullptr)) once();
-        }
-        std::function<void()> action;
-    };
+    OvertakenDapoStart() : DapoViewTest({}, factory()) {}
 };
 
 TEST_F(OvertakenDapoStart, IsHiddenWhenStoppedInsideAndTicksWhenStartedAgain) {
+    makeReady();
     for (const bool restarts : {false, true}) {
-        view_->setPeer(std::make_unique<ShowListener>([&] {
+        bool isFirst = true;
+        inGenerate = [&](auto& generator) {
+            for (int i = 0; i < 6; ++i) generator.send({i, {{"lobby-a", -60}}});
+            if (!std::exchange(isFirst, false)) return;
             view_->stopService();
             if (restarts) view_->startService();
-        }));
+        };
         view_->startService();
         host_->take();
         EXPECT_EQ(view_->getVisibility(), !restarts);
@@ -196,74 +193,43 @@ TEST_F(OvertakenDapoStart, IsHiddenWhenStoppedInsideAndTicksWhenStartedAgain) {
     }
 }
 
-/// One view after the other; each is destroyed by the thread that releases it last. Threads: any.
-class SuccessiveViews {
-public:
-    explicit SuccessiveViews(std::shared_ptr<fakes::DapoHost> host) : host_(std::move(host)) {}
-
-    std::shared_ptr<DapoView> current() {
-        const std::lock_guard lock(mutex_);
-        return view_;
-    }
-    void replace() {
-        auto next = DapoView::create();
-        next->setDelegate(host_);
-        const std::lock_guard lock(mutex_);
-        view_.swap(next);
-    }
-    void release() { view_.reset(); }
-
-private:
-    const std::shared_ptr<fakes::DapoHost> host_;
-    std::mutex mutex_;
-    std::shared_ptr<DapoView> view_;
-};
-
-void initializeAndStart(DapoView& view, int round) {
-    view.initialize({.id = "demo", .sectorId = 12, .forceUpdate = round % 3 == 0});
-    view.startService();
-    view.setUnchangedDeliveryInterval(0);
-    if (round % 2) view.stopService();
-}
-
 TEST_F(DapoViewLifetime, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
-    constexpr int ROUNDS = 200;
     OskaLogger::setDebugOption(false);
     world_.server().keepRequests(false);
     auto& queue = world_.time();
     std::atomic<int> running{3};
     std::vector<std::thread> hosts;
-    view_.reset();
-
-    SuccessiveViews views(host_);
-    whileMainRuns([&] { views.replace(); });
-
     const auto repeat = [&](auto action) {
         hosts.emplace_back([&, action] {
-            for (int i = 0; i < ROUNDS; ++i) action(i);
+            for (int round = 0; round < 200; ++round) action(round);
             --running;
         });
     };
-    repeat([&](int i) { initializeAndStart(*views.current(), i); });
-    repeat([&](int i) {
-        const auto view = views.current();
+    repeat([&](int round) {
+        const auto view = current();
+        view->initialize({.id = "demo", .sectorId = 12, .forceUpdate = round % 3 == 0});
+        view->startService();
+        view->setUnchangedDeliveryInterval(0);
+        if (round % 2) view->stopService();
+    });
+    repeat([&](int round) {
+        const auto view = current();
         EXPECT_LE(view->getCurrentDapoWards().size() + view->getDapoMapImages().size(), 2u);
-        view->setVisibility(i % 2 == 0);
+        view->setVisibility(round % 2 == 0);
         NotificationCenter::shared().post(Notification::willEnterForeground);
     });
-    repeat([&](int) { views.replace(); });
+    repeat([&](int) { replace(); });
     std::thread generator([&] {
         for (std::int64_t time = 0; running > 0; time += 500) {
             for (int i = 0; i < 8; ++i) world_.source().send({time, {{"lobby-a", -60}, {"gate", -70}}});
             (void)queue.sync([] {});  // the next ones wait until these are handled
         }
     });
-
     while (running > 0) queue.advanceBy(50ms);
     queue.stop();
     for (auto& host : hosts) host.join();
     generator.join();
-    onAnotherThread([&] { views.release(); });
+    onAnotherThread([&] { view_.reset(); });
 }
 
 }  // namespace
