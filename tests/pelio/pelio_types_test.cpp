@@ -23,13 +23,12 @@ TEST(PelioTypes, KeepTheirJsonForm) {
 }
 
 TEST(ServiceCodes, ConvertFromTheRawValuesThatTheyHave) {
-    for (const int raw : {-1, 0, 1, 2, 3}) EXPECT_EQ(static_cast<int>(*serviceErrorCode(raw)), raw);
-    for (const int raw : {-1, 0, 1}) EXPECT_EQ(static_cast<int>(*serviceInitErrorCode(raw)), raw);
     const auto beyond32Bits = (std::int64_t{1} << 32) + 1;
-    for (const auto raw : {std::int64_t{-2}, std::int64_t{4}, beyond32Bits})
-        EXPECT_FALSE(serviceErrorCode(raw));
-    for (const auto raw : {std::int64_t{-2}, std::int64_t{2}, beyond32Bits})
-        EXPECT_FALSE(serviceInitErrorCode(raw));
+    EXPECT_EQ(serviceErrorCode(-1), PelioErrorCode::UNKNOWN);
+    EXPECT_EQ(static_cast<int>(*serviceErrorCode(3)), 3);
+    EXPECT_FALSE(serviceErrorCode(-2) || serviceErrorCode(4) || serviceErrorCode(beyond32Bits));
+    EXPECT_EQ(static_cast<int>(*serviceInitErrorCode(1)), 1);
+    EXPECT_FALSE(serviceInitErrorCode(-2) || serviceInitErrorCode(2) || serviceInitErrorCode(beyond32Bits));
     EXPECT_EQ(caseName(PelioErrorCode::BLE_NOT_AUTHORIZED), "BLE_NOT_AUTHORIZED");
 }
 
