@@ -81,15 +81,11 @@ TEST_F(Detection, DescribesAWardByItsBundleAndItsStrongestReading) {
     const auto link = [](std::int64_t id, const char* name, const char* url) {
         return WardContents{id, name, *Url::parse(url)};
     };
-    const DapoWard expected{.id = 7,
-                            .level_id = 3,
-                            .name = "Gate",
-                            .x = 20,
-                            .y = 10,
-                            .rssi = -80,
-                            .detected_rssi = -61,
-                            .contents = {link(1, "one", "http://h/1"), link(1, "uno", "http://h/uno"),
-                                         link(2, "two", "http://h/2")}};
+    const DapoWard expected{
+        7,      3,
+        "Gate", 20,
+        10,     -80,
+        -61,    {link(1, "one", "http://h/1"), link(1, "uno", "http://h/uno"), link(2, "two", "http://h/2")}};
     EXPECT_EQ(detected_.wards, std::vector{expected});
 }
 
@@ -124,28 +120,22 @@ TEST_F(Detection, SortsALargeSiteByIdThenByNameInTheOrderOfComposedScalars) {
     }
 }
 
-TEST_F(Detection, ASectorIsTheBundleAsATreeWithPlacedWards) {
-    auto site = siteOf({ward(1, " A"), ward(2, " a")});
+TEST_F(Detection, LeavesAWardInPlaceAndReportsTheLevelWithoutAMapImageAsASectorDoes) {
+    auto site = siteOf({ward(1, " A"), ward(2, "b")});
     site.buildings.push_back({.id = 4, .name = "empty"});
     const LevelMapIndex maps(site.buildings);
     DapoSectorInfo expected{1, "site", {{2, "building", {{3, "level", maps.find(3), {}}}}, {4, "empty", {}}}};
-    expected.buildings[0].levels[0].wards = {
-        {.id = 1, .level_id = 3, .name = " A", .x = 20, .y = 10, .rssi = -80},
-        {.id = 2, .level_id = 3, .name = " a", .x = 20, .y = 10, .rssi = -80}};
-    EXPECT_EQ(describeSector(site, maps).info, expected) << "wards that only detection takes for one";
+    auto& level = expected.buildings[0].levels[0];
+    level.wards = {{1, 3, " A", 20, 10, -80, 0, {}}, {2, 3, "b", 20, 10, -80, 0, {}}};
+    EXPECT_EQ(describeSector(site, maps).info, expected);
     EXPECT_EQ(describeSector(site, maps).levelsWithoutMap, Ids{});
-}
-
-TEST_F(Detection, LeavesAWardInPlaceAndReportsTheLevelWithoutAMapImage) {
-    const auto site = siteOf({ward(1, "a"), ward(2, "b")});
+    level = {3, "level", std::nullopt, {{1, 3, " A", 5, 0, -80, 0, {}}, {2, 3, "b", 5, 0, -80, 0, {}}}};
+    EXPECT_EQ(describeSector(site, {}).info, expected);
+    EXPECT_EQ(describeSector(site, {}).levelsWithoutMap, (Ids{3, 3})) << "once for each ward";
     detection_.indexDapoWards(site.buildings);
     hear(0, {{"a", -70}, {"b", -70}}, 6);
-    const auto [info, levelsWithoutMap] = describeSector(site, {});
-    EXPECT_EQ(detected_.levelsWithoutMap, (Ids{3, 3})) << "once for each ward";
-    EXPECT_EQ(levelsWithoutMap, (Ids{3, 3}));
+    EXPECT_EQ(detected_.levelsWithoutMap, (Ids{3, 3}));
     EXPECT_EQ(detected_.wards[0].x, 5);
-    EXPECT_EQ(info.buildings[0].levels[0].wards[0].x, 5);
-    EXPECT_FALSE(info.buildings[0].levels[0].mapImage);
 }
 
 }  // namespace

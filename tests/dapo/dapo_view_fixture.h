@@ -33,9 +33,7 @@ protected:
         output_.take();
     }
 
-    void initialize(std::string id = "demo") {
-        view_->initialize({.id = std::move(id), .sectorId = 12, .baseURL = "http://uploads"});
-    }
+    void initialize() { view_->initialize({.id = "demo", .sectorId = 12, .baseURL = "http://uploads"}); }
 
     void makeReady() {
         view_->configureFrame({.to = hostView_});
@@ -54,9 +52,7 @@ protected:
     void settle() { pass(std::chrono::minutes(2)); }
     void pass(std::chrono::nanoseconds span) { world_.time().advanceBy(span); }
 
-    bool hear(double strength = -60) {
-        return world_.source().send({world_.time().now().milliseconds, {{"Lobby-A ", strength}}});
-    }
+    bool hear() { return world_.source().send({world_.time().now().milliseconds, {{"Lobby-A ", -60}}}); }
     /// As many samples as it takes to be detected, all at this instant.
     void detect() {
         for (int i = 0; i < 6; ++i) hear();

@@ -51,6 +51,16 @@ protected:
     fakes::OutputCapture output_;
 };
 
+TEST(ServiceCodes, ConvertFromTheRawValuesThatTheyHave) {
+    const auto beyond32Bits = (std::int64_t{1} << 32) + 1;
+    EXPECT_EQ(serviceErrorCode(-1), PelioErrorCode::UNKNOWN);
+    EXPECT_EQ(static_cast<int>(*serviceErrorCode(3)), 3);
+    EXPECT_FALSE(serviceErrorCode(-2) || serviceErrorCode(4) || serviceErrorCode(beyond32Bits));
+    EXPECT_EQ(static_cast<int>(*serviceInitErrorCode(1)), 1);
+    EXPECT_FALSE(serviceInitErrorCode(-2) || serviceInitErrorCode(2) || serviceInitErrorCode(beyond32Bits));
+    EXPECT_EQ(caseName(PelioErrorCode::BLE_NOT_AUTHORIZED), "BLE_NOT_AUTHORIZED");
+}
+
 TEST_F(PelioService, InitialisesStartsAndReportsPositions) {
     platform::TovanReplayer::shared().setReplayMode(true);
     makeReady();
@@ -154,21 +164,17 @@ TEST_F(PelioService, IsSafeBetweenTheGeneratorsThreadAndTheHosts) {
     std::thread generator([&] {
         for (std::int64_t time = 0; !isOver; time += 250) hear(time);
     });
-    std::thread other([&] {
+    const auto restart = [&] {
         for (int i = 0; i < 200; ++i) {
-            service_->stopService();
             service_->startService();
+            service_->setDelegate(i % 2 ? host_ : nullptr);
+            EXPECT_EQ(service_->getPelioMapImages().size(), 1u);
+            service_->stopService();
         }
-    });
-    for (int i = 0; i < 200; ++i) {
-        service_->startService();
-        service_->setDelegate(i % 2 ? host_ : nullptr);
-        EXPECT_EQ(service_->getPelioMapImages().size(), 1u);
-        service_->stopService();
-    }
+    };
+    std::thread other(restart);
+    restart();
     other.join();
-    service_->stopService();
-    service_->setDelegate(host_);
     host_->take();
     service_->startService();
     const auto events = host_->take();

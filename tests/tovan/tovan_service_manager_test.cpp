@@ -2,31 +2,170 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
+#include <sstream>
 #include <thread>
 
 #include "adapters/virtual/virtual_platform.h"
-#include "tests/tovan/recording_navigation.h"
 
 namespace oska {
 namespace {
 
-using fakes::line;
-using fakes::Lines;
-using fakes::RecordingNavigation;
-using fakes::RecordingNavigationHost;
-using platform::TovanServiceResult;
+using namespace platform;
+using Lines = std::vector<std::string>;
+
+template <class... Values>
+std::string line(const Values&... values) {
+    std::ostringstream text;
+    text << std::boolalpha;
+    const char* blank = "";
+    ((text << std::exchange(blank, " ") << values), ...);
+    return text.str();
+}
+
+std::string text(const Point& point) { return line(point.level_id, point.x, point.y); }
+
+template <class Code>
+std::string text(std::optional<Code> code) {
+    return code ? line(static_cast<int>(*code)) : "nil";
+}
+
+/// The calls that a fake has received. Threads: any.
+class Record {
+public:
+    template <class... Values>
+    void add(const Values&... values) {
+        const std::lock_guard lock(mutex_);
+        lines_.push_back(line(values...));
+    }
+    Lines take() {
+        const std::lock_guard lock(mutex_);
+        return std::exchange(lines_, {});
+    }
+
+private:
+    std::mutex mutex_;
+    Lines lines_;
+};
+
+/// A navigation service that records its calls.
+class RecordingNavigation : public NavigationManager {
+public:
+    explicit RecordingNavigation(Record& record) : record_(record) {}
+
+    /// Returns whether there was a delegate to notify. Threads: any.
+    template <class Notify>
+    bool notify(Notify notify) {
+        std::unique_lock lock(mutex_);
+        const auto delegate = delegate_.lock();
+        lock.unlock();
+        if (delegate) notify(*delegate);
+        return delegate != nullptr;
+    }
+
+    void setDelegate(std::weak_ptr<NavigationManagerDelegate> delegate) override {
+        record_.add("setDelegate", delegate.expired() ? "nil" : "some");
+        const std::lock_guard lock(mutex_);
+        delegate_ = std::move(delegate);
+    }
+    void initialize() override {
+        record_.add("initialize");
+        notify([](auto& host) { host.onInitSuccess(true, std::nullopt, {"at once"}); });
+    }
+    void startService(UserMode mode) override { record_.add("start", static_cast<int>(mode)); }
+    void stopService(StopCompletion completion) override {
+        record_.add("stop");
+        if (throwsInStop) throw 1;
+        stopped = std::move(completion);
+    }
+    std::optional<std::string> getBuildingName(std::int64_t id) override {
+        return line("name of building", id);
+    }
+    std::optional<std::int64_t> getBuildingId(const std::string& name) override { return std::ssize(name); }
+    std::optional<std::string> getLevelName(std::int64_t id) override { return line("name of level", id); }
+    std::optional<std::int64_t> getLevelId(std::int64_t sector, const std::string& building,
+                                           const std::string& level) override {
+        return 100 * sector + 10 * std::ssize(building) + std::ssize(level);
+    }
+    std::optional<std::vector<float>> getScaleOffset(std::int64_t sector, const std::string& building,
+                                                     const std::string& level) override {
+        return {{static_cast<float>(sector), static_cast<float>(building.size() - level.size())}};
+    }
+    void setNaviDestination(const Point& dest, bool isVehicle) override {
+        record_.add("destination", text(dest), isVehicle);
+    }
+    void requestRouting(const RoutingStart& start, const Point& end, const std::vector<Point>& waypoints,
+                        bool isVehicle, RoutingCompletion completion) override {
+        record_.add("routing", text(start.point), start.heading, text(end), text(waypoints.at(0)), isVehicle);
+        routed = std::move(completion);
+    }
+
+    bool throwsInStop = false;
+    StopCompletion stopped;
+    RoutingCompletion routed;
+
+private:
+    Record& record_;
+    std::mutex mutex_;
+    std::weak_ptr<NavigationManagerDelegate> delegate_;
+};
+
+/// A host that records what it is notified of, and then runs `reaction`.
+class RecordingNavigationHost : public NavigationManagerDelegate {
+public:
+    void onInitSuccess(bool success, std::optional<InitErrorCode> code,
+                       const TovanServiceResult& result) override {
+        hear("init", success, text(code), result.message);
+    }
+    void onTovanSuccess(bool success, std::optional<TovanErrorCode> code,
+                        const TovanServiceResult& result) override {
+        hear("start", success, text(code), result.message);
+    }
+    void onTovanResult(const TovanResult& result) override {
+        hear("result", result.mobile_time, result.building_name, result.level_name, result.x, result.y);
+    }
+    void onTovanReport(TovanServiceCode code, const std::string& report) override {
+        hear("report", static_cast<int>(code), report);
+    }
+    void isTovanInOutStateChanged(InOutState state) override { hear("inOut", static_cast<int>(state)); }
+    void isUserArrived() override { hear("arrived"); }
+    void isNavigationRouteChanged(const std::vector<NavigationRouteEntry>& route) override {
+        hear("route", route.size());
+    }
+    void isNavigationRouteFailed(NavigationRouteFailureReason reason) override {
+        hear("failed", static_cast<int>(reason));
+    }
+    void isUserGuidanceOut() override { hear("guidanceOut"); }
+    void isWaypointChanged(const std::vector<std::vector<double>>& waypoints) override {
+        hear("waypoints", waypoints.size());
+    }
+    void onBuildingLevelChangeStateChanged(BuildingLevelChangeState, const std::string&, const std::string&,
+                                           const std::string&, const std::string&, std::int64_t) override {
+        hear("levelChange");
+    }
+
+    Record record;
+    std::function<void()> reaction = [] {};
+
+private:
+    template <class... Values>
+    void hear(const Values&... values) {
+        record.add(values...);
+        reaction();
+    }
+};
 
 class TovanService : public testing::Test {
 protected:
     TovanService() {
         auto parts = world_.platform();
-        parts.makeNavigationManager = [this](const platform::NavigationOptions& o) {
+        parts.makeNavigationManager = [this](const NavigationOptions& o) {
             calls_.add("make", o.id, o.cloud, o.region, o.sectorId, o.debugOption, o.uploadOption, o.dev,
                        o.onPremiseBaseURL.value_or("nil"));
             if (!manager_) throw 1;
             return manager_;
         };
-        platform::install(std::move(parts));
+        install(std::move(parts));
     }
 
     std::shared_ptr<TovanServiceManager> create() {
@@ -43,7 +182,7 @@ protected:
     }
 
     virtual_world::VirtualPlatform world_{{}};
-    fakes::Record calls_;  // to the navigation service
+    Record calls_;  // to the navigation service
     std::shared_ptr<RecordingNavigationHost> host_ = std::make_shared<RecordingNavigationHost>();
     std::shared_ptr<RecordingNavigation> manager_ = std::make_shared<RecordingNavigation>(calls_);
 };
@@ -63,45 +202,42 @@ TEST_F(TovanService, MakesOneNavigationServiceFromUncheckedOptionsAndThenInitial
 TEST_F(TovanService, PassesCallsAndCompletionsOnUnchanged) {
     const auto service = create();
     Lines completed;
-    service->startService(platform::UserMode::VEHICLE);
+    service->startService(UserMode::VEHICLE);
     EXPECT_EQ(service->getBuildingName(7), "name of building 7");
     EXPECT_EQ(service->getBuildingId("Hall"), 4);
     EXPECT_EQ(service->getLevelName(9), "name of level 9");
-    EXPECT_EQ(service->getLevelId(12, "Hall", "B1"), 8);
-    EXPECT_EQ(service->getScaleOffset(12, "Hall", "B1"), (std::vector{1.5F, -2.0F}));
+    EXPECT_EQ(service->getLevelId(12, "Hall", "B1"), 1242);
+    EXPECT_EQ(service->getScaleOffset(12, "Hall", "B1"), (std::vector{12.0F, 2.0F}));
     for (const bool isVehicle : {true, false}) {
         service->setNaviDestination({3, 1.5, -2}, isVehicle);
-        service->requestRouting(
-            {{1, 2, 3}, 90}, {4, 5, 6}, {{7, 8, 9}}, isVehicle,
-            [&](const auto& found, const auto& routes, auto reason) {
-                completed.push_back(line(found->time, routes.size(), fakes::text(reason)));
-            });
+        service->requestRouting({{1, 2, 3}, 90}, {4, 5, 6}, {{7, 8, 9}}, isVehicle,
+                                [&](const auto& found, const auto& routes, auto reason) {
+                                    completed.push_back(line(found->time, routes.size(), text(reason)));
+                                });
     }
     service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
         completed.push_back(line(success, text, result.message));
     });
-    EXPECT_EQ(
-        calls_.take(),
-        (Lines{line("start", static_cast<int>(platform::UserMode::VEHICLE)), "levelId 12 Hall B1",
-               "scaleOffset 12 Hall B1", "destination 3 1.5 -2 true", "routing 1 2 3 90 4 5 6 7 8 9 true",
-               "destination 3 1.5 -2 false", "routing 1 2 3 90 4 5 6 7 8 9 false", "stop"}));
+    EXPECT_EQ(calls_.take(),
+              (Lines{"start 1", "destination 3 1.5 -2 true", "routing 1 2 3 90 4 5 6 7 8 9 true",
+                     "destination 3 1.5 -2 false", "routing 1 2 3 90 4 5 6 7 8 9 false", "stop"}));
     EXPECT_TRUE(completed.empty()) << "it is the navigation service that completes";
-    manager_->routed({{.distance = 4, .time = 2}}, {{}, {}}, platform::NavigationRouteFailureReason{5});
+    manager_->routed({{.distance = 4, .time = 2}}, {{}, {}}, NavigationRouteFailureReason{5});
     manager_->stopped(true, "stopped", {"as it came"});
     EXPECT_EQ(completed, (Lines{"2 2 5", "true stopped as it came"}));
 }
 
 TEST_F(TovanService, RelaysEveryNotificationButOne) {
     const auto service = create();
-    manager_->notify([](platform::NavigationManagerDelegate& d) {
-        d.onInitSuccess(false, platform::InitErrorCode::UNKNOWN, {"a"});
-        d.onTovanSuccess(false, platform::TovanErrorCode{4}, {"c"});
+    manager_->notify([](NavigationManagerDelegate& d) {
+        d.onInitSuccess(false, InitErrorCode::UNKNOWN, {"a"});
+        d.onTovanSuccess(false, TovanErrorCode{4}, {"c"});
         d.onTovanResult({1, "Hall", "B1", 2, 3});
-        d.onTovanReport(platform::TovanServiceCode{77}, "d");
-        d.isTovanInOutStateChanged(platform::InOutState::OUTDOOR);
+        d.onTovanReport(TovanServiceCode{77}, "d");
+        d.isTovanInOutStateChanged(InOutState::OUTDOOR);
         d.isUserArrived();
         d.isNavigationRouteChanged({{"Hall", "B1", 0.5F, -2.0F}});
-        d.isNavigationRouteFailed(platform::NavigationRouteFailureReason{5});
+        d.isNavigationRouteFailed(NavigationRouteFailureReason{5});
         d.isUserGuidanceOut();
         d.isWaypointChanged({{0.5, 2}, {}});
         d.onBuildingLevelChangeStateChanged({}, "a", "b", "c", "d", 1);
@@ -151,7 +287,7 @@ TEST_F(TovanService, FailsWithATextThatNamesTheFrameworkWhenThereIsNone) {
     const auto service = create();
     Lines completed;
     world_.time().runDue();
-    service->startService(platform::UserMode::PEDESTRIAN);
+    service->startService(UserMode::PEDESTRIAN);
     service->setNaviDestination({}, false);
     EXPECT_EQ(host_->record.take(),
               (Lines{"init false -1 " + missing, "start false -1 " + missing, "failed -1"}));
@@ -159,7 +295,7 @@ TEST_F(TovanService, FailsWithATextThatNamesTheFrameworkWhenThereIsNone) {
         completed.push_back(line(success, text == missing, result.message == missing));
     });
     service->requestRouting({}, {}, {}, true, [&](const auto& found, const auto& routes, auto reason) {
-        completed.push_back(line(found.has_value(), routes.empty(), fakes::text(reason)));
+        completed.push_back(line(found.has_value(), routes.empty(), text(reason)));
     });
     EXPECT_EQ(completed, (Lines{"false true true", "false true -1"}));
     EXPECT_FALSE(service->getBuildingName(1) || service->getBuildingId("") || service->getLevelName(1) ||
