@@ -7,12 +7,13 @@
 #include <thread>
 
 #include "adapters/virtual/virtual_platform.h"
+#include "tests/fakes/recording_hosts.h"
 
 namespace oska {
 namespace {
 
 using namespace platform;
-using Lines = std::vector<std::string>;
+using fakes::Events;
 
 template <class... Values>
 std::string line(const Values&... values) {
@@ -30,29 +31,9 @@ std::string text(std::optional<Code> code) {
     return code ? line(static_cast<int>(*code)) : "nil";
 }
 
-/// The calls that a fake has received. Threads: any.
-class Record {
-public:
-    template <class... Values>
-    void add(const Values&... values) {
-        const std::lock_guard lock(mutex_);
-        lines_.push_back(line(values...));
-    }
-    Lines take() {
-        const std::lock_guard lock(mutex_);
-        return std::exchange(lines_, {});
-    }
-
-private:
-    std::mutex mutex_;
-    Lines lines_;
-};
-
 /// A navigation service that records its calls.
-class RecordingNavigation : public NavigationManager {
+class RecordingNavigation : public NavigationManager, public fakes::HostEvents {
 public:
-    explicit RecordingNavigation(Record& record) : record_(record) {}
-
     /// Returns whether there was a delegate to notify. Threads: any.
     template <class Notify>
     bool notify(Notify notify) {
@@ -64,17 +45,17 @@ public:
     }
 
     void setDelegate(std::weak_ptr<NavigationManagerDelegate> delegate) override {
-        record_.add("setDelegate", delegate.expired() ? "nil" : "some");
+        hear(line("setDelegate", delegate.expired() ? "nil" : "some"));
         const std::lock_guard lock(mutex_);
         delegate_ = std::move(delegate);
     }
     void initialize() override {
-        record_.add("initialize");
+        hear("initialize");
         notify([](auto& host) { host.onInitSuccess(true, std::nullopt, {"at once"}); });
     }
-    void startService(UserMode mode) override { record_.add("start", static_cast<int>(mode)); }
+    void startService(UserMode mode) override { hear(line("start", static_cast<int>(mode))); }
     void stopService(StopCompletion completion) override {
-        record_.add("stop");
+        hear("stop");
         if (throwsInStop) throw 1;
         stopped = std::move(completion);
     }
@@ -92,11 +73,11 @@ public:
         return {{static_cast<float>(sector), static_cast<float>(building.size() - level.size())}};
     }
     void setNaviDestination(const Point& dest, bool isVehicle) override {
-        record_.add("destination", text(dest), isVehicle);
+        hear(line("destination", text(dest), isVehicle));
     }
     void requestRouting(const RoutingStart& start, const Point& end, const std::vector<Point>& waypoints,
                         bool isVehicle, RoutingCompletion completion) override {
-        record_.add("routing", text(start.point), start.heading, text(end), text(waypoints.at(0)), isVehicle);
+        hear(line("routing", text(start.point), start.heading, text(end), text(waypoints.at(0)), isVehicle));
         routed = std::move(completion);
     }
 
@@ -105,53 +86,42 @@ public:
     RoutingCompletion routed;
 
 private:
-    Record& record_;
     std::mutex mutex_;
     std::weak_ptr<NavigationManagerDelegate> delegate_;
 };
 
-/// A host that records what it is notified of, and then runs `reaction`.
-class RecordingNavigationHost : public NavigationManagerDelegate {
+/// A host that records what it is notified of.
+class RecordingNavigationHost : public NavigationManagerDelegate, public fakes::HostEvents {
 public:
     void onInitSuccess(bool success, std::optional<InitErrorCode> code,
                        const TovanServiceResult& result) override {
-        hear("init", success, text(code), result.message);
+        hear(line("init", success, text(code), result.message));
     }
     void onTovanSuccess(bool success, std::optional<TovanErrorCode> code,
                         const TovanServiceResult& result) override {
-        hear("start", success, text(code), result.message);
+        hear(line("start", success, text(code), result.message));
     }
     void onTovanResult(const TovanResult& result) override {
-        hear("result", result.mobile_time, result.building_name, result.level_name, result.x, result.y);
+        hear(line("result", result.mobile_time, result.building_name, result.level_name, result.x, result.y));
     }
     void onTovanReport(TovanServiceCode code, const std::string& report) override {
-        hear("report", static_cast<int>(code), report);
+        hear(line("report", static_cast<int>(code), report));
     }
-    void isTovanInOutStateChanged(InOutState state) override { hear("inOut", static_cast<int>(state)); }
+    void isTovanInOutStateChanged(InOutState state) override { hear(line("inOut", static_cast<int>(state))); }
     void isUserArrived() override { hear("arrived"); }
     void isNavigationRouteChanged(const std::vector<NavigationRouteEntry>& route) override {
-        hear("route", route.size());
+        hear(line("route", route.size()));
     }
     void isNavigationRouteFailed(NavigationRouteFailureReason reason) override {
-        hear("failed", static_cast<int>(reason));
+        hear(line("failed", static_cast<int>(reason)));
     }
     void isUserGuidanceOut() override { hear("guidanceOut"); }
     void isWaypointChanged(const std::vector<std::vector<double>>& waypoints) override {
-        hear("waypoints", waypoints.size());
+        hear(line("waypoints", waypoints.size()));
     }
     void onBuildingLevelChangeStateChanged(BuildingLevelChangeState, const std::string&, const std::string&,
                                            const std::string&, const std::string&, std::int64_t) override {
         hear("levelChange");
-    }
-
-    Record record;
-    std::function<void()> reaction = [] {};
-
-private:
-    template <class... Values>
-    void hear(const Values&... values) {
-        record.add(values...);
-        reaction();
     }
 };
 
@@ -160,8 +130,8 @@ protected:
     TovanService() {
         auto parts = world_.platform();
         parts.makeNavigationManager = [this](const NavigationOptions& o) {
-            calls_.add("make", o.id, o.cloud, o.region, o.sectorId, o.debugOption, o.uploadOption, o.dev,
-                       o.onPremiseBaseURL.value_or("nil"));
+            made_.push_back(line("make", o.id, o.cloud, o.region, o.sectorId, o.debugOption, o.uploadOption,
+                                 o.dev, o.onPremiseBaseURL.value_or("nil")));
             if (!manager_) throw 1;
             return manager_;
         };
@@ -170,21 +140,21 @@ protected:
 
     std::shared_ptr<TovanServiceManager> create() {
         auto service = TovanServiceManager::create({.id = "demo", .region = "KOREA", .delegate = host_});
-        calls_.take();
-        host_->record.take();
+        if (manager_) manager_->take();
+        host_->take();
         return service;
     }
     bool notifyArrival() {
         return manager_->notify([](auto& delegate) { delegate.isUserArrived(); });
     }
     static void awaitArrival(RecordingNavigationHost& host) {
-        while (host.record.take().empty()) std::this_thread::yield();
+        while (host.take().empty()) std::this_thread::yield();
     }
 
     virtual_world::VirtualPlatform world_{{}};
-    Record calls_;  // to the navigation service
+    Events made_;  // navigation services
     std::shared_ptr<RecordingNavigationHost> host_ = std::make_shared<RecordingNavigationHost>();
-    std::shared_ptr<RecordingNavigation> manager_ = std::make_shared<RecordingNavigation>(calls_);
+    std::shared_ptr<RecordingNavigation> manager_ = std::make_shared<RecordingNavigation>();
 };
 
 TEST_F(TovanService, MakesOneNavigationServiceFromUncheckedOptionsAndThenInitialisesIt) {
@@ -194,14 +164,14 @@ TEST_F(TovanService, MakesOneNavigationServiceFromUncheckedOptionsAndThenInitial
                                                       .debugOption = true,
                                                       .onPremiseBaseURL = " not a url",
                                                       .delegate = host_});
-    EXPECT_EQ(calls_.take(), (Lines{"make no id! GCP MOON -12 true false true  not a url", "setDelegate some",
-                                    "initialize"}));
-    EXPECT_EQ(host_->record.take(), Lines{"init true nil at once"});
+    EXPECT_EQ(made_, Events{"make no id! GCP MOON -12 true false true  not a url"});
+    EXPECT_EQ(manager_->take(), (Events{"setDelegate some", "initialize"}));
+    EXPECT_EQ(host_->take(), Events{"init true nil at once"});
 }
 
 TEST_F(TovanService, PassesCallsAndCompletionsOnUnchanged) {
     const auto service = create();
-    Lines completed;
+    Events completed;
     service->startService(UserMode::VEHICLE);
     EXPECT_EQ(service->getBuildingName(7), "name of building 7");
     EXPECT_EQ(service->getBuildingId("Hall"), 4);
@@ -218,13 +188,13 @@ TEST_F(TovanService, PassesCallsAndCompletionsOnUnchanged) {
     service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
         completed.push_back(line(success, text, result.message));
     });
-    EXPECT_EQ(calls_.take(),
-              (Lines{"start 1", "destination 3 1.5 -2 true", "routing 1 2 3 90 4 5 6 7 8 9 true",
-                     "destination 3 1.5 -2 false", "routing 1 2 3 90 4 5 6 7 8 9 false", "stop"}));
+    EXPECT_EQ(manager_->take(),
+              (Events{"start 1", "destination 3 1.5 -2 true", "routing 1 2 3 90 4 5 6 7 8 9 true",
+                      "destination 3 1.5 -2 false", "routing 1 2 3 90 4 5 6 7 8 9 false", "stop"}));
     EXPECT_TRUE(completed.empty()) << "it is the navigation service that completes";
     manager_->routed({{.distance = 4, .time = 2}}, {{}, {}}, NavigationRouteFailureReason{5});
     manager_->stopped(true, "stopped", {"as it came"});
-    EXPECT_EQ(completed, (Lines{"2 2 5", "true stopped as it came"}));
+    EXPECT_EQ(completed, (Events{"2 2 5", "true stopped as it came"}));
 }
 
 TEST_F(TovanService, RelaysEveryNotificationButOne) {
@@ -242,9 +212,9 @@ TEST_F(TovanService, RelaysEveryNotificationButOne) {
         d.isWaypointChanged({{0.5, 2}, {}});
         d.onBuildingLevelChangeStateChanged({}, "a", "b", "c", "d", 1);
     });
-    EXPECT_EQ(host_->record.take(),
-              (Lines{"init false -1 a", "start false 4 c", "result 1 Hall B1 2 3", "report 77 d", "inOut 1",
-                     "arrived", "route 1", "failed 5", "guidanceOut", "waypoints 2"}));
+    EXPECT_EQ(host_->take(),
+              (Events{"init false -1 a", "start false 4 c", "result 1 Hall B1 2 3", "report 77 d", "inOut 1",
+                      "arrived", "route 1", "failed 5", "guidanceOut", "waypoints 2"}));
 }
 
 TEST_F(TovanService, NotifiesTheDelegateThatIsSetWhichItDoesNotKeepAndNoneAfterItsEnd) {
@@ -254,12 +224,12 @@ TEST_F(TovanService, NotifiesTheDelegateThatIsSetWhichItDoesNotKeepAndNoneAfterI
     EXPECT_TRUE(notifyArrival());
     service->setDelegate(host_);
     EXPECT_EQ(service->delegate(), host_);
-    host_->reaction = [&] { service.reset(); };  // inside a notification
+    host_->reaction = [&](const auto&) { service.reset(); };  // inside a notification
     notifyArrival();
-    EXPECT_EQ(calls_.take(), (Lines{"setDelegate nil", "stop"}));
+    EXPECT_EQ(manager_->take(), (Events{"setDelegate nil", "stop"}));
     manager_->stopped(true, "stopped", {});
     EXPECT_FALSE(notifyArrival());
-    EXPECT_EQ(host_->record.take(), Lines{"arrived"});
+    EXPECT_EQ(host_->take(), Events{"arrived"});
     EXPECT_EQ(manager_.use_count(), 1);
     manager_->throwsInStop = true;
     create().reset();
@@ -285,24 +255,23 @@ TEST_F(TovanService, FailsWithATextThatNamesTheFrameworkWhenThereIsNone) {
         "The navigation framework QuenloTovan is missing: the installed platform makes no NavigationManager";
     manager_.reset();  // the factory throws
     const auto service = create();
-    Lines completed;
+    Events completed;
     world_.time().runDue();
     service->startService(UserMode::PEDESTRIAN);
     service->setNaviDestination({}, false);
-    EXPECT_EQ(host_->record.take(),
-              (Lines{"init false -1 " + missing, "start false -1 " + missing, "failed -1"}));
+    EXPECT_EQ(host_->take(), (Events{"init false -1 " + missing, "start false -1 " + missing, "failed -1"}));
     service->stopService([&](bool success, const std::string& text, const TovanServiceResult& result) {
         completed.push_back(line(success, text == missing, result.message == missing));
     });
     service->requestRouting({}, {}, {}, true, [&](const auto& found, const auto& routes, auto reason) {
         completed.push_back(line(found.has_value(), routes.empty(), text(reason)));
     });
-    EXPECT_EQ(completed, (Lines{"false true true", "false true -1"}));
+    EXPECT_EQ(completed, (Events{"false true true", "false true -1"}));
     EXPECT_FALSE(service->getBuildingName(1) || service->getBuildingId("") || service->getLevelName(1) ||
                  service->getLevelId(1, "", "") || service->getScaleOffset(1, "", ""));
     create().reset();
     world_.time().runDue();
-    EXPECT_TRUE(host_->record.take().empty()) << "nothing is reported for a service that has gone";
+    EXPECT_TRUE(host_->take().empty()) << "nothing is reported for a service that has gone";
 }
 
 }  // namespace
