@@ -102,13 +102,8 @@ TEST_F(Output, DeliversWhenTheSetOfNamesChangesAndOnlyThen) {
 }
 
 TEST_F(Output, DeliversAnUnchangedSetAtTheFirstTickAfterTheInterval) {
-    struct Case {
-        double interval;
-        nanoseconds tick;
-        int due;  // the number of the tick that delivers again
-    };
-    for (const auto& [interval, period, due] :
-         {Case{3, 1s, 3}, {0.3, 100ms, 3}, {0.3, 1ms, 300}, {2.5, 1s, 3}, {0, 1s, 1}, {1e-9, 1ms, 1}}) {
+    for (const auto& [interval, period, due] : std::vector<std::tuple<double, nanoseconds, int>>{
+             {3, 1s, 3}, {0.3, 100ms, 3}, {0.3, 1ms, 300}, {2.5, 1s, 3}, {0, 1s, 1}}) {
         output_.setUnchangedDeliveryInterval(acceptedUnchangedInterval(interval));
         reset();
         detect({"a"});

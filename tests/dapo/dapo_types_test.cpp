@@ -11,14 +11,8 @@ namespace oska {
 namespace {
 
 DapoWard ward() {
-    return {7,
-            10,
-            "caf\u00e9",
-            1.5,
-            -2,
-            -80,
-            -61,
-            {{1, "menu", *Url::parse("https://site/menu")}, {2, "map", *Url::parse("https://site/map")}}};
+    const WardContents menu{1, "menu", *Url::parse("https://site/menu")};
+    return {7, 10, "caf\u00e9", 1.5, -2, -80, -61, {menu, {2, "map", *Url::parse("https://site/map")}}};
 }
 
 DapoSectorInfo sector() {
