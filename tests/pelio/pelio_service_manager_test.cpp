@@ -148,7 +148,7 @@ TEST_F(EagerPelioService, IsStillRunningForWhatItHearsInsideItsStop) {
          }) {
         service_->startService();
         EXPECT_EQ(host_->take(), (Events{"result 1 at 60", "start true"}));
-        host_->reaction = [&](const std::string& event) {
+        host_->reaction = [&inside = inside](const std::string& event) {
             if (event.starts_with("result 2")) inside();
         };
         service_->stopService();
