@@ -12,26 +12,21 @@ using Lines = std::vector<std::string>;
 
 constexpr Log LOG{"DapoView"};
 
-TEST(Logger, StartsSwitchedOnAndAlignsTheClassTagInColumnNine) {
+TEST(Logger, AlignsTheClassTagInColumnNineAndSwitchedOffLeavesOnlyDirectLines) {
     fakes::OutputCapture output;
     LOG.info("op", "text");
     LOG.warn("op", "text");
     LOG.error("op", "text", {{"sectorId", 12}, {"forceUpdate", false}, {"id", "a b"}, {"interval", 1.0}});
     LOG.write(OskaLogLevel::INFO, "");
+    OskaLogger::setDebugOption(false);
+    LOG.error("op", "text");
+    writeDirectLine("direct");
     EXPECT_EQ(
         output.take(),
         (Lines{
             "[INFO]  [DapoView] (op) : text", "[WARN]  [DapoView] (op) : text",
             "[ERROR] [DapoView] (op) : text // sectorId = 12, forceUpdate = false, id = a b, interval = 1.0",
-            "[INFO]  [DapoView] "}));
-}
-
-TEST(Logger, SwitchedOffLeavesOnlyDirectLines) {
-    OskaLogger::setDebugOption(false);
-    fakes::OutputCapture output;
-    LOG.error("op", "text");
-    writeDirectLine("direct");
-    EXPECT_EQ(output.take(), Lines{"direct"});
+            "[INFO]  [DapoView] ", "direct"}));
 }
 
 TEST(Logger, NoValueStartsALineOfItsOwnOrSteersATerminal) {

@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <map>
 #include <tuple>
+
+#include "oska/foundation/ward_name.h"
 
 namespace oska {
 namespace {
@@ -44,23 +47,19 @@ TEST(SampleWindow, KeepsWhatIsExactlyAsOldAndWhatLiesAhead) {
     EXPECT_EQ(timesOf(window), (std::vector<std::int64_t>{9000, 5100, 10'001}));
 }
 
-TEST(SampleWindow, ResolvesNamesAsBroadcastAndDropsForeignOnes) {
+TEST(SampleWindow, ResolvesNamesAsBroadcastDropsForeignOnesAndOutlivesAnIndex) {
     SampleWindow window(5000);
-    const auto names = namesOf({"lobby-a", "caf\u00e9"});
-    window.append({0, {{" Lobby-A\n", -60}, {"elsewhere", -50}, {"CAFE\u0301", -70}}}, names);
-    const auto& readings = window.samples().front().readings;
-    ASSERT_EQ(readings.size(), 2u);
-    EXPECT_EQ(readings[0].ward + readings[1].ward, 1u);
-    EXPECT_EQ(readings[0].strength + readings[1].strength, -130);
-}
-
-TEST(SampleWindow, OutlivesAnIndex) {
-    SampleWindow window(5000);
-    window.append({0, {{"a", -60}, {"b", -61}}}, namesOf({"a"}));
-    window.resolveAgain(namesOf({"x", "b"}));
-    const auto& readings = window.samples().front().readings;
-    ASSERT_EQ(readings.size(), 1u);
-    EXPECT_EQ(std::pair(readings[0].ward, readings[0].strength), std::pair(1u, -61.0));
+    const auto strengths = [&window] {
+        std::map<std::uint32_t, double> byWard;
+        for (const auto& [ward, strength] : window.samples().front().readings) byWard[ward] = strength;
+        return byWard;
+    };
+    using Strengths = std::map<std::uint32_t, double>;
+    window.append({0, {{" Lobby-A\n", -60}, {"elsewhere", -50}, {"CAFE\u0301", -70}}},
+                  namesOf({"lobby-a", "caf\u00e9"}));
+    EXPECT_EQ(strengths(), (Strengths{{0, -60}, {1, -70}}));
+    window.resolveAgain(namesOf({"x", "y", "elsewhere", "lobby-a"}));
+    EXPECT_EQ(strengths(), (Strengths{{2, -50}, {3, -60}}));
 }
 
 TEST(WardNames, FindANameThatIsAddedAfterItWasAskedFor) {
@@ -70,6 +69,21 @@ TEST(WardNames, FindANameThatIsAddedAfterItWasAskedFor) {
     EXPECT_EQ(names.find("a"), 0u);
     for (int i = 0; i < 20'000; ++i) EXPECT_FALSE(names.find("stranger " + std::to_string(i)));
     EXPECT_EQ(names.find("a "), 0u);
+}
+
+TEST(WardNames, DropCaseOuterBlanksAndComposition) {
+    const std::pair<const char*, const char*> rows[] = {
+        {" \r\n ", ""},
+        {"  TETAM-0012 \n", "tetam-0012"},
+        {"\tLobby  East!\u2003", "\tlobby  east!"},
+        {"cafe\u0301", "caf\u00E9"},
+        {"\u1112\u1161\u11AB", "\uD55C"},
+        {"\u212B", "\u00E5"},
+        {"\u0130\u0323", "\u1ECB\u0307"},
+        {"\u039F\u0394\u039F\u03A3 ", "\u03BF\u03B4\u03BF\u03C2"},
+        {"\xFF\u00C9", "\xFF\u00E9"},
+    };
+    for (const auto& [name, key] : rows) EXPECT_EQ(normalizeWardName(name), key) << name;
 }
 
 }  // namespace

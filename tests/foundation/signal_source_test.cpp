@@ -5,6 +5,7 @@
 #include "adapters/virtual/virtual_platform.h"
 #include "oska/foundation/generator_run.h"
 #include "tests/fakes/output_capture.h"
+#include "tests/fakes/scripted_generator.h"
 
 namespace oska {
 namespace {
@@ -16,69 +17,62 @@ TEST(ServiceId, IsAsciiLettersDigitsUnderscoresAndHyphens) {
     }
 }
 
-struct Bluetooth : platform::BluetoothAuthorization {
-    explicit Bluetooth(int rawValue) : state(static_cast<platform::BluetoothAuthorizationState>(rawValue)) {}
-    platform::BluetoothAuthorizationState authorization() const override { return state; }
-    platform::BluetoothAuthorizationState state;
-};
-
 TEST(BluetoothCheck, LetsThroughWhatIsAllowedOrNotYetAsked) {
+    virtual_world::SettableBluetooth bluetooth;
     fakes::OutputCapture output;
     const std::string refused =
-        "[ERROR] [DapoView] (checkBLEAuthorized) : bluetooth authorization denied or ";
-    const std::string lines[] = {
-        "", refused + "restricted", refused + "restricted", "",
-        "[WARN]  [DapoView] (checkBLEAuthorized) : unknown bluetooth authorization state"};
+        "[ERROR] [DapoView] (checkBLEAuthorized) : bluetooth authorization denied or restricted";
+    const std::string unknown =
+        "[WARN]  [DapoView] (checkBLEAuthorized) : unknown bluetooth authorization state";
+    const std::vector<std::string> lines[]{{}, {refused}, {refused}, {}, {unknown}};
     for (int state = 0; state <= 4; ++state) {
-        const auto& line = lines[state];
-        EXPECT_EQ(checkBLEAuthorized(Bluetooth(state), Log("DapoView")), line.empty()) << state;
-        EXPECT_EQ(output.take(), std::vector<std::string>(line.empty() ? 0 : 1, line));
+        bluetooth.set(static_cast<platform::BluetoothAuthorizationState>(state));
+        EXPECT_EQ(checkBLEAuthorized(bluetooth, Log("DapoView")), lines[state].empty()) << state;
+        EXPECT_EQ(output.take(), lines[state]);
     }
 }
 
-struct Thrower : platform::BluetoothAuthorization, platform::RFDGenerator {
+struct UnreadableBluetooth : platform::BluetoothAuthorization {
     platform::BluetoothAuthorizationState authorization() const override { throw 1; }
-    platform::RfdAvailability checkIsAvailableRfd() override { return {true, ""}; }
-    void setScanMode(platform::ScanMode) override {}
+};
+
+struct Thrower : fakes::ScriptedGenerators::Generator {
+    using Generator::Generator;
     void setDelegate(std::weak_ptr<platform::RFDGeneratorDelegate>) override {
         ++delegatesSet;
-        if (inStop) throw 1;
-    }
-    void setPressureProvider(std::function<float()>) override {}
-    void generateRfd(const platform::RfdOptions&) override { throw 1; }
-    void generateReplayRfd() override {}
-    void stopRfdGeneration() override {
-        if (inStop) inStop();
-        throw 1;
+        if (holdsOn) throw 1;
     }
     int delegatesSet = 0;
-    std::function<void()> inStop;  // from then on it does not let go, either
+    bool holdsOn = false;
 };
 
 TEST(SignalSource, TakesProvidersThatThrowForOnesThatCannot) {
-    const auto thrower = std::make_shared<Thrower>();
-    EXPECT_FALSE(checkBLEAuthorized(*thrower, Log("DapoView")));
+    EXPECT_FALSE(checkBLEAuthorized(UnreadableBluetooth(), Log("DapoView")));
 
+    fakes::ScriptedGenerators script;
+    script.inGenerate = script.inStop = [](auto&) { throw 1; };
+    const auto thrower = std::make_shared<Thrower>(script);
     virtual_world::VirtualPlatform world{platform::WallTime()};
     auto platform = world.platform();
     std::vector<platform::RFDGeneratorFactory> factories{
-        [] { return nullptr; }, []() -> std::shared_ptr<platform::RFDGenerator> { throw 1; },
-        [&] { return thrower; }};
+        [&] { return thrower; }, [] { return nullptr; },
+        []() -> std::shared_ptr<platform::RFDGenerator> { throw 1; }, [&] { return thrower; }};
     platform.makeRFDGenerator = [&] { return factories.back()(); };
     platform::install(platform);
     GeneratorRun run({.log = Log("DapoView"), .stopOperation = "stopGenerator"});
-    for (; !factories.empty(); factories.pop_back()) {
+    for (; factories.size() > 1; factories.pop_back()) {
         EXPECT_EQ(run.start(*run.claim(), {.id = "id"}).failure, ServiceErrorCode::GENERATOR_FAIL);
         EXPECT_TRUE(run.isIdle());
     }
     EXPECT_EQ(thrower->delegatesSet, 2) << "set at the start, let go of after it failed";
 
-    factories = {[&] { return thrower; }};
     EXPECT_TRUE(run.start(*run.claim(), {.id = "id"}).failure);
-    thrower->inStop = [&, isFirst = true]() mutable {
+    thrower->holdsOn = true;
+    script.inStop = [&, isFirst = true](auto&) mutable {
         if (std::exchange(isFirst, false)) {
             EXPECT_NO_THROW(run.stop());
         }
+        throw 1;
     };
     run.stop();
     EXPECT_TRUE(run.isIdle());

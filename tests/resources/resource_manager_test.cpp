@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <thread>
 
@@ -23,8 +22,6 @@ using Lines = std::vector<std::string>;
 
 enum class Kind { dapo, pelio };
 
-constexpr auto BOTH_KINDS = {Kind::dapo, Kind::pelio};
-
 class ResourceManager : public testing::Test {
 protected:
     void publish(Kind kind, const std::string& version) {
@@ -32,11 +29,9 @@ protected:
     }
 
     void start(Kind kind, bool forceUpdate, OskaResourceManager::LoadCompletion completion) {
-        if (kind == Kind::dapo) {
-            manager_->loadDapoResources(12, forceUpdate, std::move(completion));
-        } else {
-            manager_->loadPelioResources(12, forceUpdate, std::move(completion));
-        }
+        const auto load = kind == Kind::dapo ? &OskaResourceManager::loadDapoResources
+                                             : &OskaResourceManager::loadPelioResources;
+        (*manager_.*load)(12, forceUpdate, std::move(completion));
     }
 
     /// Loads sector 12 to its end and returns the manager's log lines (see `managerLines`).
@@ -65,13 +60,6 @@ protected:
             }
         }
         return lines;
-    }
-
-    std::size_t downloads() {
-        const auto requests = world_.server().requests();
-        return static_cast<std::size_t>(std::count_if(requests.begin(), requests.end(), [](auto& seen) {
-            return seen.request.url.absoluteString().starts_with("http://files/");
-        }));
     }
 
     virtual_world::VirtualPlatform world_{{1'700'000'000'000, 0}};
@@ -104,50 +92,43 @@ TEST_F(ResourceManager, DownloadsOnceReusesTheVersionAndDownloadsAgainWhenForced
     EXPECT_TRUE(success_);
     const auto first = manager_->currentPelioBundle();
     ASSERT_TRUE(first);
-    EXPECT_EQ(first->name, "site");
-
-    EXPECT_EQ(load(Kind::pelio), resources("version unchanged, use cached"));
-    EXPECT_EQ(manager_->currentPelioBundle(), first);
-    EXPECT_EQ(downloads(), 1u);
-
-    EXPECT_EQ(load(Kind::pelio, true), resources("force updated"));
-    EXPECT_EQ(downloads(), 2u);
-    EXPECT_FALSE(manager_->currentDapoBundle());
-}
-
-TEST_F(ResourceManager, SendsTheDownloadWithoutTokenAndTheDescriptorRequestToTheServicesPath) {
-    publish(Kind::dapo, "v1");
-    load(Kind::dapo);
     const auto seen = world_.server().requests();
     ASSERT_EQ(seen.size(), 2u);
     EXPECT_EQ(seen[0].request.url.absoluteString(),
-              "http://localhost:5050/v2/dapo/sectors/12/bundle?operating_system=iOS");
+              "http://localhost:5050/v2/pelio/sectors/12/bundle?operating_system=iOS");
     EXPECT_EQ(seen[1].request.url.absoluteString(), "http://files/bundle.json");
-    EXPECT_TRUE(seen[1].request.headers.empty());
-    EXPECT_FALSE(seen[1].request.timeout);
+    EXPECT_TRUE(seen[1].request.headers.empty() && !seen[1].request.timeout) << "no token for files";
+
+    EXPECT_EQ(load(Kind::pelio), resources("version unchanged, use cached"));
+    EXPECT_EQ(manager_->currentPelioBundle(), first);
+    EXPECT_EQ(world_.server().requests().size(), 3u);
+
+    EXPECT_EQ(load(Kind::pelio, true), resources("force updated"));
+    EXPECT_EQ(world_.server().requests().size(), 5u);
+    EXPECT_FALSE(manager_->currentDapoBundle());
 }
 
 /// Where a load fails: at the endpoint, at its reply, in the download, or at the downloaded bundle.
 enum class Stage { endpoint, descriptor, download, bundle };
 
 struct FailureCase {
-    const char* name;
     Stage stage;
-    std::function<void(fakes::SiteServer&)> breakServer;
+    ScriptedAnswer answer;
     Lines reason;  ///< the first lines
     std::string url = "http://files/bundle.json";
 };
 
 /// The lines after the reason: what the load makes of the failure. `fallsBack`: version v0 is held.
-Lines ending(const FailureCase& failure, Kind kind, bool fallsBack, bool forceUpdate) {
-    const bool isDapo = kind == Kind::dapo;
-    if (failure.stage <= Stage::descriptor && !fallsBack) {
-        const std::string line =
-            "E (load%Resources) : serverBundleOutput is nil // sectorId = 12, forceUpdate = ";
-        return isDapo ? Lines{line + (forceUpdate ? "true" : "false")} : Lines{};
-    }
+Lines ending(const FailureCase& failure, bool isDapo, bool fallsBack, bool forceUpdate) {
     const std::string reused =
         "I (load%Resources) : version unchanged, use cached %Bundle // sectorId = 12, versionId = v0";
+    const std::string noOutput =
+        "E (load%Resources) : serverBundleOutput is nil // sectorId = 12, forceUpdate = ";
+    const std::string noData =
+        "E (load%Resources) : downloadResourceData returned nil // sectorId = 12, versionId = v1, url = ";
+    const bool saysDecoding = isDapo && failure.stage == Stage::bundle;
+    if (failure.stage <= Stage::descriptor && !fallsBack)
+        return isDapo ? Lines{noOutput + (forceUpdate ? "true" : "false")} : Lines{};
     if (failure.stage == Stage::descriptor) return {reused};
     if (failure.stage == Stage::endpoint) {
         return {
@@ -155,13 +136,10 @@ Lines ending(const FailureCase& failure, Kind kind, bool fallsBack, bool forceUp
             "versionId = v0",
             reused};
     }
-    const bool saysDecoding = isDapo && failure.stage == Stage::bundle;
     Lines lines{
         saysDecoding
             ? "E (load%Resources) : failed to decode %Bundle // sectorId = 12, versionId = v1, dataSize = 0"
-            : "E (load%Resources) : downloadResourceData returned nil // sectorId = 12, versionId = v1, url "
-              "= " +
-                  failure.url};
+            : noData + failure.url};
     if (isDapo && fallsBack) {
         lines.push_back(std::string("W (load%Resources) : use cached %Bundle because ") +
                         (saysDecoding ? "decode failed" : "downloaded data is nil") +
@@ -173,66 +151,51 @@ Lines ending(const FailureCase& failure, Kind kind, bool fallsBack, bool forceUp
 class ResourceFailure : public ResourceManager {
 protected:
     void check(const FailureCase& failure, Kind kind, bool isHeld, bool forceUpdate) {
-        SCOPED_TRACE(testing::Message() << failure.name << int(kind) << isHeld << forceUpdate);
+        SCOPED_TRACE(testing::Message() << failure.reason.back() << int(kind) << isHeld << forceUpdate);
         manager_ = std::make_shared<OskaResourceManager>(world_.platform(), network_);
         publish(kind, "v0");
         if (isHeld) load(kind);
         publish(kind, "v1");
-        failure.breakServer(site_);
+        const bool isInDescriptor = failure.stage <= Stage::descriptor || failure.url.empty();
+        (isInDescriptor ? site_.descriptor : site_.bundle) = failure.answer;
 
+        const bool isDapo = kind == Kind::dapo;
         const bool fallsBack = isHeld && !forceUpdate;
         auto expected = failure.reason;
-        for (auto& line : ending(failure, kind, fallsBack, forceUpdate)) expected.push_back(std::move(line));
+        for (auto& line : ending(failure, isDapo, fallsBack, forceUpdate)) expected.push_back(line);
         EXPECT_EQ(load(kind, forceUpdate), named(std::move(expected), kind));
         EXPECT_EQ(success_, fallsBack);
-        EXPECT_EQ(manager_->currentDapoBundle() != nullptr, isHeld && kind == Kind::dapo);
-        EXPECT_EQ(manager_->currentPelioBundle() != nullptr, isHeld && kind == Kind::pelio);
+        EXPECT_EQ(manager_->currentDapoBundle() != nullptr, isHeld && isDapo);
+        EXPECT_EQ(manager_->currentPelioBundle() != nullptr, isHeld && !isDapo);
     }
 };
 
-FailureCase endpointFailure(const char* name, ScriptedAnswer answer, int status) {
-    return {name,
-            Stage::endpoint,
-            [answer = std::move(answer)](auto& site) { site.descriptor = answer; },
-            {"E (load%Bundle) : failed to fetch BundleOutput // sectorId = 12, status = " +
-             std::to_string(status)}};
-}
-
-FailureCase downloadFailure(const char* name, ScriptedAnswer answer, const std::string& reason) {
-    return {name,
-            Stage::download,
-            [answer = std::move(answer)](auto& site) { site.bundle = answer; },
-            {FETCHED, "E (downloadResourceData) : " + reason}};
-}
-
 TEST_F(ResourceFailure, LogsItsLinesAndFallsBackToWhatIsHeldUnlessForced) {
+    using enum Stage;
+    const auto notFetched = [](const std::string& status) {
+        return Lines{"E (load%Bundle) : failed to fetch BundleOutput // sectorId = 12, status = " + status};
+    };
+    const auto lost = [](const std::string& why) {
+        return Lines{FETCHED, "E (downloadResourceData) : " + why};
+    };
     const FailureCase table[] = {
-        endpointFailure("status 503", reply(503), 503),
-        endpointFailure("status 201", reply(201, "{}"), 201),
-        endpointFailure("refused", virtual_world::refusal(), 500),
-        endpointFailure("silence", virtual_world::silence(), 500),
-        {"descriptor without version",
-         Stage::descriptor,
-         [](auto& site) { site.descriptor = reply(200, R"({"url":"u"})"); },
+        {endpoint, reply(201, "{}"), notFetched("201")},
+        {endpoint, virtual_world::refusal(), notFetched("500")},
+        {descriptor,
+         reply(200, R"({"url":"u"})"),
          {"E (decodeJSONData) : version_id: missing",
           "E (load%Bundle) : failed to decode BundleOutput // sectorId = 12"}},
-        downloadFailure("download 404", reply(404), "invalid status = 404"),
-        downloadFailure("beyond HTTP", virtual_world::replyBeyondHttp("x"), "invalid status = -1"),
-        downloadFailure("no body", reply(200, std::nullopt), "empty response data"),
-        downloadFailure("lost", failure(HttpErrorKind::connectionLost, "cut off"),
-                        "request failed = cut off"),
-        {"empty URL",
-         Stage::download,
-         [](auto& site) { site.descriptor = reply(200, R"({"url":"","version_id":"v1"})"); },
-         {FETCHED, "E (downloadResourceData) : invalid url = "},
-         ""},
-        {"empty bundle file",
-         Stage::bundle,
-         [](auto& site) { site.bundle = reply(200, ""); },
+        {download, reply(200, R"({"url":"","version_id":"v1"})"), lost("invalid url = "), ""},
+        {download, reply(404), lost("invalid status = 404")},
+        {download, virtual_world::replyBeyondHttp("x"), lost("invalid status = -1")},
+        {download, reply(200, std::nullopt), lost("empty response data")},
+        {download, failure(HttpErrorKind::connectionLost, "cut off"), lost("request failed = cut off")},
+        {bundle,
+         reply(200, ""),
          {FETCHED, "E (decodeJSONData) : malformed JSON in line 1: expected a value, found the end"}},
     };
     for (const auto& failure : table) {
-        for (const auto kind : BOTH_KINDS) {
+        for (const auto kind : {Kind::dapo, Kind::pelio}) {
             for (const int variant : {0, 1, 2, 3}) check(failure, kind, variant / 2 == 1, variant % 2 == 1);
         }
     }
@@ -269,35 +232,30 @@ TEST_F(ResourceManager, AcceptsTheOnPremiseServersOwnCertificateForBothRequests)
     EXPECT_TRUE(success_);
 }
 
+/// Sessions that throw, or complete each request more than once; fewer than 0: there is none.
 struct FaultySessions : platform::HttpSessionFactory, platform::HttpSession {
-    enum class Fault { completesTwice, throws, isNone };
-    FaultySessions(std::shared_ptr<HttpSessionFactory> good, Fault kind)
-        : factory(std::move(good)), session(factory->makeSession({}, nullptr)), fault(kind) {}
+    explicit FaultySessions(int completions) : count(completions) {}
     std::unique_ptr<platform::HttpSession> makeSession(
         const platform::HttpSessionConfiguration&, std::shared_ptr<platform::HttpSessionDelegate>) override {
-        return fault == Fault::isNone ? nullptr : std::make_unique<FaultySessions>(factory, fault);
+        return count < 0 ? nullptr : std::make_unique<FaultySessions>(count);
     }
-    void send(platform::HttpRequest request, Completion completion) override {
-        if (fault == Fault::throws) throw 1;
-        session->send(std::move(request), [completion](const platform::HttpOutcome& outcome) {
-            for (int i = 0; i < 2; ++i) completion(outcome);
-        });
+    void send(platform::HttpRequest, Completion completion) override {
+        if (count == 0) throw 1;
+        for (int i = 0; i < count; ++i) completion({});
     }
-    std::shared_ptr<HttpSessionFactory> factory;
-    std::unique_ptr<platform::HttpSession> session;
-    Fault fault;
+    int count;
 };
 
 TEST_F(ResourceManager, EndsEachLoadOnceWhateverTheSessionsDo) {
     publish(Kind::pelio, "v1");
-    using enum FaultySessions::Fault;
-    for (const auto fault : {completesTwice, throws, isNone}) {
+    for (const int completions : {-1, 0, 2}) {
         auto platform = world_.platform();
-        platform.http = std::make_shared<FaultySessions>(platform.http, fault);
-        if (fault == completesTwice) network_ = std::make_shared<OskaNetworkManager>(platform);
-        manager_ = std::make_shared<OskaResourceManager>(platform, network_);
-        load(Kind::pelio);
-        EXPECT_EQ(success_, fault == completesTwice);
+        platform.http = std::make_shared<FaultySessions>(completions);
+        for (const auto& network : {network_, std::make_shared<OskaNetworkManager>(platform)}) {
+            manager_ = std::make_shared<OskaResourceManager>(platform, network);
+            load(Kind::pelio);
+            EXPECT_FALSE(success_);
+        }
     }
 }
 
