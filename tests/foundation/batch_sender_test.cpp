@@ -14,6 +14,7 @@ namespace {
 
 using Times = std::vector<std::int64_t>;
 
+/// Collects the mobile times of each batch that reaches the server.
 class BatchSender : public testing::Test {
 protected:
     BatchSender() {
@@ -26,12 +27,9 @@ protected:
         });
     }
 
-    void offer(const Times& times) {
-        for (const auto time : times) sender_.inputReceivedForce({time, {{"a", -60}}});
-    }
-
-    /// The mobile times of each batch that reached the server since the last call.
-    std::vector<Times> batches() {
+    std::vector<Times> batchesOf(const Times& offered, bool flushes = false) {
+        for (const auto time : offered) sender_.inputReceivedForce({time, {{"a", -60}}});
+        for (int i = 0; flushes && i < 2; ++i) sender_.flush();
         world_.time().advanceBy(std::chrono::minutes(1));
         return std::exchange(batches_, {});
     }
@@ -45,35 +43,25 @@ protected:
 };
 
 TEST_F(BatchSender, SendsWhenWhatWasHeardSpansTenSecondsItsLastSampleIncluded) {
+    using Batches = std::vector<Times>;
     sender_.inputReceivedForce({-50'000, {}});
-    offer({0, 4000, 9999});
+    EXPECT_EQ(batchesOf({0, 4000, 9999}), Batches());
     sender_.inputReceivedForce({50'000, {}});
-    EXPECT_TRUE(batches().empty());
-    offer({10'000, 10'500, 20'499, 50'000, 90'000});
-    EXPECT_EQ(batches(), (std::vector<Times>{{0, 4000, 9999, 10'000}, {10'500, 20'499, 50'000}}))
-        << "a first sample never sends";
+    EXPECT_EQ(batchesOf({10'000, 10'500, 20'499, 50'000, 90'000}),
+              (Batches{{0, 4000, 9999, 10'000}, {10'500, 20'499, 50'000}}));
     sender_.reset();
     const Times farApart{std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};
-    offer(farApart);
-    EXPECT_EQ(batches(), std::vector<Times>{farApart});
+    EXPECT_EQ(batchesOf(farApart), Batches{farApart});
 }
 
 TEST_F(BatchSender, FlushSendsOnceToTheEndpointOfTheMomentAndLogsAFailureAlone) {
     sender_.flush();
-    offer({1, 2});
-    sender_.reset();
-    offer({3, 4, 5});
     platform::TovanNetworkConstants::setOnPremise("http://other:1//");
-    sender_.flush();
-    sender_.flush();
-    EXPECT_EQ(batches(), (std::vector<Times>{{3, 4, 5}}));
+    EXPECT_EQ(batchesOf({3, 4, 5}, true), (std::vector<Times>{{3, 4, 5}}));
     EXPECT_EQ(url_, "http://other:1/v2/recordings/rfds");
     EXPECT_TRUE(output_.take().empty());
-
     answer_ = virtual_world::nothing();
-    offer({6});
-    sender_.flush();
-    EXPECT_EQ(batches(), std::vector<Times>{{6}});
+    EXPECT_EQ(batchesOf({6}, true), std::vector<Times>{{6}});
     EXPECT_EQ(output_.take(),
               std::vector<std::string>{"[ERROR] [DapoBatchSender] (postRFD) 500, Request failed"});
 }

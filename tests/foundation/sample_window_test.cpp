@@ -20,12 +20,6 @@ WardNames namesOf(std::initializer_list<std::string_view> list) {
     return names;
 }
 
-std::vector<std::int64_t> timesOf(const SampleWindow& window) {
-    std::vector<std::int64_t> times;
-    for (const auto& sample : window.samples()) times.push_back(sample.mobileTime);
-    return times;
-}
-
 TEST(MobileTime, IsComparedWithoutOverflow) {
     for (const auto& [then, now, isOlder, elapsed] :
          {std::tuple(std::int64_t{0}, std::int64_t{5000}, false, true),
@@ -40,26 +34,27 @@ TEST(MobileTime, IsComparedWithoutOverflow) {
 
 TEST(SampleWindow, KeepsWhatIsExactlyAsOldAndWhatLiesAhead) {
     SampleWindow window(5000);
-    const WardNames names;
-    for (const std::int64_t time : {9000, 0, 100, 5100, 5000}) window.append({time, {}}, names);
-    EXPECT_EQ(timesOf(window), (std::vector<std::int64_t>{9000, 100, 5100, 5000}));
-    window.append({10'001, {}}, names);
-    EXPECT_EQ(timesOf(window), (std::vector<std::int64_t>{9000, 5100, 10'001}));
+    std::vector<std::int64_t> times;
+    for (const std::int64_t time : {9000, 0, 100, 5100, 10'100}) {
+        window.append({time, {}}, WardNames());
+        for (const auto& sample : window.samples()) times.push_back(sample.mobileTime);
+    }
+    EXPECT_EQ(times,
+              (std::vector<std::int64_t>{9000, 9000, 0, 9000, 0, 100, 9000, 100, 5100, 9000, 5100, 10'100}));
 }
 
 TEST(SampleWindow, ResolvesNamesAsBroadcastDropsForeignOnesAndOutlivesAnIndex) {
     SampleWindow window(5000);
-    const auto strengths = [&window] {
-        std::map<std::uint32_t, double> byWard;
-        for (const auto& [ward, strength] : window.samples().front().readings) byWard[ward] = strength;
-        return byWard;
+    const auto expectReadings = [&window](const std::map<std::uint32_t, double>& expected) {
+        std::map<std::uint32_t, double> readings;
+        for (const auto& [ward, strength] : window.samples().front().readings) readings[ward] = strength;
+        EXPECT_EQ(readings, expected);
     };
-    using Strengths = std::map<std::uint32_t, double>;
     window.append({0, {{" Lobby-A\n", -60}, {"elsewhere", -50}, {"CAFE\u0301", -70}}},
                   namesOf({"lobby-a", "caf\u00e9"}));
-    EXPECT_EQ(strengths(), (Strengths{{0, -60}, {1, -70}}));
+    expectReadings({{0, -60}, {1, -70}});
     window.resolveAgain(namesOf({"x", "y", "elsewhere", "lobby-a"}));
-    EXPECT_EQ(strengths(), (Strengths{{2, -50}, {3, -60}}));
+    expectReadings({{2, -50}, {3, -60}});
 }
 
 TEST(WardNames, FindANameThatIsAddedAfterItWasAskedFor) {

@@ -40,10 +40,8 @@ TEST(Url, KeepsValidTextUnchanged) {
 TEST(Url, EncodesTheComponentsThatNeedIt) {
     const Row rows[] = {
         {"a b", "a%20b"},
-        {"https://x/e\u0301한", "https://x/e%CC%81%ED%95%9C"},
         {"https://x/%zz?%4", "https://x/%25zz?%254"},
-        {"https://x/%20 y", "https://x/%2520%20y"},
-        {"https://x/%20?a b#%20", "https://x/%20?a%20b#%20"},
+        {"https://x/%20?a%20 b#%20", "https://x/%20?a%2520%20b#%20"},
         {"https://x/p#a#b", "https://x/p#a%23b"},
         {"http://x/{a|b} \n", "http://x/%7Ba%7Cb%7D%20%0A"},
         {"https://x/[a]?[b]#[c]", "https://x/%5Ba%5D?%5Bb%5D#%5Bc%5D"},
@@ -51,7 +49,6 @@ TEST(Url, EncodesTheComponentsThatNeedIt) {
         {"http://a@b:p:q@h/", "http://a%40b:p%3Aq@h/"},
         {"http://[fe80::1%en0]/", "http://[fe80::1%25en0]/"},
         {"http://[fe80::1%be0]/", "http://[fe80::1%25be0]/"},
-        {"mailto:a b", "mailto:a%20b"},
         {"1a:b/c d", "1a:b/c%20d"},
         {"[::1]:80", "%5B::1%5D:80"},
     };
@@ -63,18 +60,16 @@ TEST(Url, EncodesTheComponentsThatNeedIt) {
 }
 
 TEST(Url, RefusesTextThatCannotBeAUrl) {
-    for (const auto& text :
-         wordsOf("\u00E9:b http://h<x>/ http://%zz/ http://x:abc/ http://x:-1/ http://a:b:c/ "
-                 "http://::1/ http://[::1 http://[]/ http://[::1]x/ http://[::1]x:80/ "
-                 "http://a[b]/ http://[a]]/ http://[[a]/ https://x/\xFF "
-                 "https://x/\xED\xA0\x80 https://\xC3/")) {
-        EXPECT_EQ(parsedText(text), std::nullopt) << text;
-    }
+    auto texts = wordsOf(
+        "\u00E9:b http://h<x>/ http://%zz/ http://x:abc/ http://x:-1/ http://a:b:c/ http://::1/ http://[::1 "
+        "http://[]/ http://[::1]x/ http://[::1]x:80/ http://a[b]/ http://[a]]/ http://[[a]/ https://x/\xFF "
+        "https://x/\xED\xA0\x80 https://\xC3/");
     for (const char* text :
          {"", " http://x/", "1a:b c", "http://exa mple.com", "http://x:8 0/", "http://[a b]/"})
-        EXPECT_EQ(parsedText(text), std::nullopt) << text;
-    EXPECT_EQ(parsedText(std::string_view("http://h\0x/", 11)), std::nullopt);
-    EXPECT_EQ(parsedText(std::string_view("http://\u00E9\0.evil/", 16)), std::nullopt);
+        texts.emplace_back(text);
+    texts.emplace_back("http://h\0x/", 11);
+    texts.emplace_back("http://\u00E9\0.evil/", 16);
+    for (const auto& text : texts) EXPECT_EQ(parsedText(text), std::nullopt) << text;
 }
 
 TEST(Url, ReplacesAHostBeyondAsciiByItsIdnaForm) {
@@ -100,49 +95,39 @@ TEST(Url, ReplacesAHostBeyondAsciiByItsIdnaForm) {
     }
 }
 
-TEST(Url, HasAScheme) {
-    const std::pair<const char*, std::optional<std::string>> rows[] = {{"HTTP://h", "HTTP"},
-                                                                       {"localhost:8080/p", "localhost"},
-                                                                       {":foo", ""},
-                                                                       {"127.0.0.1:8080", std::nullopt}};
-    for (const auto& [text, scheme] : rows) EXPECT_EQ(Url::parse(text)->scheme(), scheme) << text;
-}
-
-TEST(Url, HasADecodedHostAndAPort) {
+TEST(Url, HasASchemeADecodedHostAndAPort) {
+    constexpr auto NONE = std::nullopt;
     struct Case {
         const char* text;
-        std::optional<std::string> host;
+        std::optional<std::string> scheme, host;
         std::optional<int> port;
     };
     const Case cases[] = {
-        {"https://u:p@Host.example:8443/a:1@b?c#d", "Host.example", 8443},
-        {"http://h:/", "h", std::nullopt},
-        {"http://h:65536", "h", 65536},
-        {"http://h:99999999999", "h", std::nullopt},
-        {"http://h?x@y:1", "h", std::nullopt},
-        {"http://[::1]:80/", "::1", 80},
-        {"http://a%00b/", "a%00b", std::nullopt},
-        {"http://a%20%41%c3%A9/", "a A\u00E9", std::nullopt},
-        {"http://a%41%FF/", "a%41%FF", std::nullopt},
-        {"//[fe80::1%25en%20]:80/", "fe80::1%en ", 80},
-        {"http:///x", std::nullopt, std::nullopt},
-        {"http://u@:80", std::nullopt, 80},
-        {"localhost:8080/p", std::nullopt, std::nullopt},
+        {"HTTPS://u:p@Host.example:8443/a:1@b?c#d", "HTTPS", "Host.example", 8443},
+        {"http://h:/", "http", "h", NONE},
+        {"http://h:65536", "http", "h", 65536},
+        {"http://h:99999999999", "http", "h", NONE},
+        {"http://h?x@y:1", "http", "h", NONE},
+        {"http://[::1]:80/", "http", "::1", 80},
+        {"http://a%00b/", "http", "a%00b", NONE},
+        {"http://a%20%41%c3%A9/", "http", "a A\u00E9", NONE},
+        {"http://a%41%FF/", "http", "a%41%FF", NONE},
+        {"//[fe80::1%25en%20]:80/", NONE, "fe80::1%en ", 80},
+        {"http:///x", "http", NONE, NONE},
+        {"http://u@:80", "http", NONE, 80},
+        {"localhost:8080/p", "localhost", NONE, NONE},
+        {"127.0.0.1:8080", NONE, NONE, NONE},
+        {":foo", "", NONE, NONE},
     };
-    for (const auto& [text, host, port] : cases) {
+    for (const auto& [text, scheme, host, port] : cases) {
         const auto url = Url::parse(text);
         ASSERT_TRUE(url) << text;
+        EXPECT_EQ(url->scheme(), scheme) << text;
         EXPECT_EQ(url->host(), host) << text;
         EXPECT_EQ(url->port(), port) << text;
     }
     EXPECT_EQ(Url::parse("http://a%20b/")->encodedHost(), "a%20b");
-}
-
-TEST(Url, IsEqualWhenItsTextIs) {
-    EXPECT_EQ(Url::parse("http://h/a b"), Url::parse("http://h/a%20b"));
-    for (const char* other : {"http://H/a", "http://h/a/", "http://h:80/a", "http://h/./a", "http://h/%61"}) {
-        EXPECT_NE(Url::parse("http://h/a"), Url::parse(other)) << other;
-    }
+    EXPECT_NE(Url::parse("http://h/a"), Url::parse("http://H/a"));
 }
 
 std::optional<std::string> resolvedText(std::string_view base, std::string_view reference) {
@@ -223,11 +208,8 @@ TEST(UrlComponents, EncodeItemsFromTheirPlainForm) {
     };
     for (const auto& [items, query] : rows)
         EXPECT_EQ(textWithItems("http://h/p?x#f", items), "http://h/p" + query + "#f");
-}
-
-TEST(UrlComponents, WithoutItemsKeepTheText) {
     for (const char* text : {"", "http://h/p?a=%20&b#c", "http://h?", "//h", ":foo", "://x", "a/b:c"})
-        EXPECT_EQ(textOf(UrlComponents::parse(text)->url()), text);
+        EXPECT_EQ(textOf(UrlComponents::parse(text)->url()), text) << "without items";
 }
 
 // Work that grew with the square of the length would exceed the test's time-out.
