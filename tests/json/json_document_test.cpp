@@ -11,55 +11,35 @@ namespace oska::json {
 namespace {
 
 TEST(JsonText, UnescapesAndKeepsAllElse) {
-    EXPECT_EQ(*decode<std::string>(R"("\"\\\/\b\f\n\r\t\u0041\u00e9\u20AC\ud83d\uDE00")"),
-              "\"\\/\b\f\n\r\tA\u00e9\u20ac\U0001F600");
-    EXPECT_EQ(*decode<std::string>(R"("a\u0000b")"), std::string("a\0b", 3));
-    EXPECT_EQ(*decode<std::string>("\"\x7f\u2028\uFFFF e\u0301\""), "\x7f\u2028\uFFFF e\u0301");
-    EXPECT_EQ(*decode<std::string>(R"("")"), "");
-    EXPECT_EQ(*decode<std::string>("\xEF\xBB\xBF \"bom\" "), "bom");
-}
-
-TEST(JsonText, RefusesBadEscapesAndBytes) {
+    EXPECT_EQ(*decode<std::string>(R"("\"\\\/\b\f\n\r\t\u0041\u00e9\u20AC\ud83d\uDE00a\u0000b")"),
+              std::string("\"\\/\b\f\n\r\tA\u00e9\u20ac\U0001F600a\0b", 21));
+    EXPECT_EQ(*decode<std::string>("\xEF\xBB\xBF \"\x7f\u2028\uFFFF e\u0301\" "), "\x7f\u2028\uFFFF e\u0301");
     for (const std::string escape :
-         {R"(\ud800)", R"(\udc00)", R"(\u12g4)", R"(\u+123)", R"(\u12)", R"(\q)", R"(\U)", "\\\u00e9"}) {
+         {R"(\ud800)", R"(\udc00)", R"(\u12g4)", R"(\u+123)", R"(\u12)", R"(\q)", "\\\u00e9"}) {
         const std::string message = "malformed JSON in line 1: expected an escape of JSON, found " + escape;
         EXPECT_EQ(decodingErrorOf<std::string>('"' + escape + '"'), message);
         EXPECT_EQ(syntaxErrorOf('"' + escape + '"'), message);
     }
-    const std::pair<std::string_view, std::string_view> rows[] = {
-        {R"("\ud800\ud800")", R"(an escape of JSON, found \ud800)"},
-        {"\"\x80\"", "UTF-8, found byte 0x80"},
-        {"\"\xED\xA0\x80\"", "UTF-8, found byte 0xed"},
-        {"\"a\nb\"", "an escape, found byte 0x0a"},
-        {"\"a\\\x1f\"", "an escape, found byte 0x1f"},
-        {"\"a\\", "a closing quote, found the end"},
-        {"\"a\\\"", "a closing quote, found the end"},
-        {"\"a\xF0\x9F", "UTF-8, found byte 0xf0"},
-    };
-    for (const auto& [text, difference] : rows)
-        EXPECT_EQ(syntaxErrorOf(text), "malformed JSON in line 1: expected " + std::string(difference));
 }
 
 TEST(JsonDocument, IsCheckedEverywhere) {
     const std::pair<std::string_view, std::string_view> rows[] = {
-        {"", "1: expected a value, found the end"},
+        {R"("\ud800\ud800")", R"(1: expected an escape of JSON, found \ud800)"},
+        {"\"\x80\"", "1: expected UTF-8, found byte 0x80"},
+        {"\"\xED\xA0\x80\"", "1: expected UTF-8, found byte 0xed"},
+        {"\"a\nb\"", "1: expected an escape, found byte 0x0a"},
+        {"\"a\\\x1f\"", "1: expected an escape, found byte 0x1f"},
+        {"\"a\\\"", "1: expected a closing quote, found the end"},
         {" \n\t ", "2: expected a value, found the end"},
-        {R"({"a":})", "a: 1: expected a value, found }"},
         {R"({"a":1,})", "1: expected a key, found }"},
         {R"({"a" 1})", "1: expected ':', found 1"},
         {R"({"a":1 "b":2})", "1: expected ',' or '}', found \"b\""},
-        {R"({a:1})", "1: expected a key, found a"},
         {R"({"a":[1,{"b c":[01]}]})", "a[1][\"b c\"][0]: 1: expected a value, found 01"},
         {"{\"a\":\n\n[1,\n 2 3]}", "a: 4: expected ',' or ']', found 3"},
         {"[1,]", "[1]: 1: expected a value, found ]"},
-        {"[,]", "[0]: 1: expected a value, found ,"},
-        {"[1}", "1: expected ',' or ']', found }"},
         {"[nullx]", "[0]: 1: expected a value, found nullx"},
-        {"[True]", "[0]: 1: expected a value, found True"},
-        {"[\"a\"x]", "1: expected ',' or ']', found x"},
         {"[1\"a\"]", "[0]: 1: expected a value, found 1\"a\""},
         {"[1] // no comment", "1: expected the end, found //"},
-        {"[", "[0]: 1: expected a value, found the end"},
         {"\\\"", "1: expected a value, found \\\""},
         {"\xEF\xBB\xBF\xEF\xBB\xBF[]", "1: expected a value, found \xEF\xBB\xBF"},
         {std::string_view("{}\0", 3), "1: expected the end, found \\u0000"},
@@ -72,42 +52,28 @@ TEST(JsonDocument, IsCheckedEverywhere) {
         message.replace(message.find("malformed JSON in line "), 23, "");
         EXPECT_EQ(message, expected) << text;
     }
-}
-
-TEST(JsonDocument, AcceptsFourKindsOfWhiteSpace) {
     EXPECT_EQ(syntaxErrorOf("\t[ 1 ,\r\n\"a\"\t]\n"), "none");
-    for (const std::string blank : {"\f", "\v", "\x1a", "\x7f", "\u00a0", "\u2003", "\uFEFF", "#"}) {
-        for (const std::string& text :
-             {"[" + blank + "1]", "[1" + blank + "]", "[\"a\"" + blank + "]", "[1]" + blank}) {
-            EXPECT_NE(syntaxErrorOf(text), "none") << text;
-        }
-    }
-}
-
-TEST(JsonDocument, FailsWhenItIsCutOffAnywhere) {
-    const std::string text =
-        R"({"doors":[{"id":1,"name":"\u00e9","width":2.5,"tags":["x"]}],"rooms":{},"open":true})";
-    ASSERT_EQ(decodingErrorOf<House>(text), "none");
-    for (std::size_t length = 0; length < text.size(); ++length) {
-        const std::vector<char> exact(text.begin(), text.begin() + static_cast<std::ptrdiff_t>(length));
-        EXPECT_NE(decodingErrorOf<House>({exact.data(), exact.size()}), "none") << length;
+    for (const std::string blank : {"\f", "\v", "\x1a", "\x7f", "\u00a0", "\u2003", "\uFEFF"}) {
+        for (const std::string& document : {"[" + blank + "1]", "[1" + blank + "]", "[\"a\"]" + blank})
+            EXPECT_NE(syntaxErrorOf(document), "none") << document;
     }
 }
 
 // The library underneath asks for padding in general, but not for the one stage that is used.
-TEST(JsonDocument, IsNotReadBeyondItsEnd) {
+TEST(JsonDocument, FailsWhenItIsCutOffAnywhereAndIsNotReadBeyondItsEnd) {
     const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
     auto* const pages = static_cast<char*>(
         mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0));
     ASSERT_NE(static_cast<void*>(pages), MAP_FAILED);
     ASSERT_EQ(mprotect(pages + page, page, PROT_NONE), 0);
-    for (const std::string text :
-         {"[1,2]", "{\"k\":\"v\"}", "12", "tru", "\"a\\", "\"\xF0", "\"", "[\"\xF0\x9F\x98\x80\"]"}) {
-        for (std::size_t blanks = 0; blanks < 130; ++blanks) {
-            const std::string padded = std::string(blanks, ' ') + text;
-            char* const begin = pages + page - padded.size();
-            std::copy(padded.begin(), padded.end(), begin);
-            EXPECT_EQ(syntaxErrorOf({begin, padded.size()}), syntaxErrorOf(padded));
+    const std::string whole =
+        R"({"doors":[{"id":1,"name":"\u00e9","width":2.5,"tags":["x"]}],"new":[null,"😀"],"rooms":{},"open":true})";
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        for (std::size_t blanks = 0; blanks < 64; ++blanks) {
+            const std::string text = std::string(blanks, ' ') + whole.substr(0, length);
+            char* const begin = pages + page - text.size();
+            std::copy(text.begin(), text.end(), begin);
+            EXPECT_EQ(decodingErrorOf<House>({begin, text.size()}) == "none", length == whole.size()) << text;
         }
     }
     munmap(pages, 2 * page);
@@ -115,16 +81,12 @@ TEST(JsonDocument, IsNotReadBeyondItsEnd) {
 
 TEST(JsonDocument, NestsTo512) {
     const auto nested = [](std::size_t depth) { return std::string(depth, '[') + std::string(depth, ']'); };
-    EXPECT_EQ(syntaxErrorOf(nested(512)), "none");
     EXPECT_THAT(syntaxErrorOf(nested(513)),
                 testing::HasSubstr("expected at most 512 nested arrays and objects"));
     EXPECT_EQ(decodingErrorOf<Nothing>("{\"a\":" + nested(511) + ",\"b\":" + nested(511) + "}"), "none");
-    const std::string deep = decodingErrorOf<Nothing>("{\"a\":" + nested(512) + "}");
-    EXPECT_THAT(deep, testing::StartsWith("a[0][0]"));
-    EXPECT_LT(deep.size(), 600u);
-    EXPECT_NE(syntaxErrorOf(std::string(50'000'000, '[')), "none");
+    EXPECT_LT(decodingErrorOf<Nothing>("{\"a\":" + nested(512) + "}").size(), 600u);
     std::string objects;
-    for (int i = 0; i < 100'000; ++i) objects += "{\"a\":";
+    for (int i = 0; i < 1'000'000; ++i) objects += "{\"a\":";
     EXPECT_NE(syntaxErrorOf(objects), "none");
 }
 
@@ -141,11 +103,7 @@ TEST(JsonDocument, MayBeLongerThanOneStretch) {
     house.doors[1001].name = std::string(700'000, '\\') + "},";
     for (int i = 0; i < 26; ++i) house.rooms[std::string(1, static_cast<char>('a' + i))] = i;
     const std::string text = encodingOf(house);
-    ASSERT_GT(text.size(), 3'000'000u);
-
-    const auto decoded = decode<House>(text);
-    ASSERT_TRUE(decoded) << decoded.error().message();
-    EXPECT_TRUE(*decoded == house);
+    EXPECT_TRUE(*decode<House>(text) == house);
     EXPECT_EQ(syntaxErrorOf(text), "none");
 
     std::string broken = text;

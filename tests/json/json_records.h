@@ -37,17 +37,11 @@ void fields(Visit& f, Door& door) {
     f("tags", door.tags);
 }
 
-struct FirstLetterOrder {
-    bool operator()(const std::string& a, const std::string& b) const {
-        return a.substr(0, 1) < b.substr(0, 1);
-    }
-};
-
 struct House {
     static constexpr std::string_view TYPE_NAME = "House";
 
     std::vector<Door> doors;
-    std::map<std::string, double, FirstLetterOrder> rooms;
+    std::map<std::string, double> rooms;
     std::optional<Colour> colour;
     bool open = false;
 
