@@ -14,12 +14,9 @@ namespace {
 
 using Row = std::pair<const char*, const char*>;
 
-std::optional<std::string> textOf(const std::optional<Url>& url) {
-    if (!url) return std::nullopt;
-    return url->absoluteString();
-}
+std::string textOf(const std::optional<Url>& url) { return url ? url->absoluteString() : "refused"; }
 
-std::optional<std::string> parsedText(std::string_view text) { return textOf(Url::parse(text)); }
+std::string parsedText(std::string_view text) { return textOf(Url::parse(text)); }
 
 std::vector<std::string> wordsOf(const std::string& text) {
     std::istringstream stream(text);
@@ -69,24 +66,16 @@ TEST(Url, RefusesTextThatCannotBeAUrl) {
         texts.emplace_back(text);
     texts.emplace_back("http://h\0x/", 11);
     texts.emplace_back("http://\u00E9\0.evil/", 16);
-    for (const auto& text : texts) EXPECT_EQ(parsedText(text), std::nullopt) << text;
+    for (const auto& text : texts) EXPECT_EQ(parsedText(text), "refused") << text;
 }
 
 TEST(Url, ReplacesAHostBeyondAsciiByItsIdnaForm) {
-    const Row rows[] = {
-        {"E\u0301.COM", "xn--9ca.com"},
-        {"한글.kr", "xn--bj0bj06e.kr"},
-        {"stra\u00DFe.de", "xn--strae-oqa.de"},
-        {"\uFF45x\uFF0Ecom", "ex.com"},
-        {"i\u2764\uFE0Ftacos.ws", "xn--itacos-i50d.ws"},
-        {"\U0001F4A9.la", "xn--ls8h.la"},
-        {"\U0001FAE0.ws", "xn--129h.ws"},
-    };
-    for (const auto& [text, host] : rows) {
-        const auto url = Url::parse("https://" + std::string(text) + ":80/");
-        ASSERT_TRUE(url) << text;
-        EXPECT_EQ(url->host(), host);
-    }
+    const auto hosts = wordsOf(
+        "E\u0301.COM xn--9ca.com 한글.kr xn--bj0bj06e.kr stra\u00DFe.de xn--strae-oqa.de \uFF45x\uFF0Ecom "
+        "ex.com "
+        "i\u2764\uFE0Ftacos.ws xn--itacos-i50d.ws \U0001F4A9.la xn--ls8h.la \U0001FAE0.ws xn--129h.ws");
+    for (std::size_t i = 0; i + 1 < hosts.size(); i += 2)
+        EXPECT_EQ(parsedText("https://" + hosts[i] + ":80/"), "https://" + hosts[i + 1] + ":80/");
     // Symbols beside what transitional mode would change or not check, private use, unassigned; then
     // compatibility characters that become "a/c", "@" and nothing, directions, a joiner, ASCII delimiters.
     for (const auto& host : wordsOf("\u2764\u00DF.de \u2764\u200D.de \u05D0\u2764a \u2764\uE000 \u2764\u0378 "
@@ -130,7 +119,7 @@ TEST(Url, HasASchemeADecodedHostAndAPort) {
     EXPECT_NE(Url::parse("http://h/a"), Url::parse("http://H/a"));
 }
 
-std::optional<std::string> resolvedText(std::string_view base, std::string_view reference) {
+std::string resolvedText(std::string_view base, std::string_view reference) {
     return textOf(Url::parse(base)->resolve(reference));
 }
 
@@ -150,35 +139,23 @@ TEST(Url, ResolvesTheExamplesOfRfc3986) {
 }
 
 TEST(Url, ResolvingKeepsWhatTheReferenceDoesNotChange) {
-    struct Case {
-        const char* base;
-        const char* reference;
-        std::optional<std::string> target;
-    };
-    const Case cases[] = {
-        {"HTTP://u:p@Host:080/a", "b c/\u00E9", "HTTP://u:p@Host:080/b%20c/%C3%A9"},
-        {"https://[FE80::1%25en0]:8443/a", "/b", "https://[FE80::1%25en0]:8443/b"},
-        {"https://h/a", "//[::1]/x/../y", "https://[::1]/y"},
-        {"https://h/a", "http://\u00E9.com", "http://xn--9ca.com"},
-        {"http://h", "x", "http://h/x"},
-        {"http://h?q", "?r", "http://h?r"},
-        {"http://h/a//b/", "..//c", "http://h/a///c"},
-        {"http://h/a", "/..//x", "http://h//x"},
-        {"http://h/a", ".//x", "http://h//x"},
-        {"http://h/%2E%2e/a/..", "?", "http://h/%2E%2e/a/..?"},
-        {"http://h/a", "http://x y/", std::nullopt},
-        {"http://h/a", "1a:b", std::nullopt},
-        {"http://h/a", "a@b:c", std::nullopt},
-        {"/a/b", "c", std::nullopt},
-        {"mailto:a", "b", std::nullopt},
-    };
-    for (const auto& [base, reference, target] : cases)
-        EXPECT_EQ(resolvedText(base, reference), target) << base << " " << reference;
+    const auto cases = wordsOf(R"(
+        HTTP://u:p@Host:080/a            {b}/é         HTTP://u:p@Host:080/%7Bb%7D/%C3%A9
+        https://[FE80::1%25en0]:8443/a   /b            https://[FE80::1%25en0]:8443/b
+        https://h/a          //[::1]/x/../y  https://[::1]/y    https://h/a  http://é.com  http://xn--9ca.com
+        http://h             x               http://h/x         http://h?q   ?r            http://h?r
+        http://h/a//b/       ..//c           http://h/a///c     http://h/a   /..//x        http://h//x
+        http://h/%2E%2e/a/.. ?               http://h/%2E%2e/a/..?  http://h/a  .//x       http://h//x
+        http://h/a           http://x:y/     refused            http://h/a   1a:b          refused
+        http://h/a           a@b:c           refused            /a/b         c             refused
+        mailto:a             b               refused)");
+    for (std::size_t i = 0; i + 2 < cases.size(); i += 3)
+        EXPECT_EQ(resolvedText(cases[i], cases[i + 1]), cases[i + 2]) << cases[i] << " " << cases[i + 1];
 }
 
-std::optional<std::string> textWithItems(std::string_view text, const std::vector<UrlQueryItem>& items) {
+std::string textWithItems(std::string_view text, const std::vector<UrlQueryItem>& items) {
     auto components = UrlComponents::parse(text);
-    if (!components) return std::nullopt;
+    if (!components) return "refused";
     components->setQueryItems(items);
     return textOf(components->url());
 }
@@ -194,7 +171,7 @@ TEST(UrlComponents, ReplaceTheQueryAndKeepTheFragment) {
     const std::vector<UrlQueryItem> items = {{"os", "iOS"}, {"_rt", "17"}};
     for (const auto& [text, url] : rows) EXPECT_EQ(textWithItems(text, items), url);
     for (const char* text : {"http://exa mple.com/", "http://x:abc/", "1a b:c", "http://h/\xFF"})
-        EXPECT_EQ(textWithItems(text, items), std::nullopt) << text;
+        EXPECT_EQ(textWithItems(text, items), "refused") << text;
 }
 
 TEST(UrlComponents, EncodeItemsFromTheirPlainForm) {
@@ -215,11 +192,11 @@ TEST(UrlComponents, EncodeItemsFromTheirPlainForm) {
 // Work that grew with the square of the length would exceed the test's time-out.
 TEST(Url, HandlesMegabytes) {
     const std::string path(2'000'000, ' ');
-    EXPECT_EQ(parsedText("http://h/" + path)->size(), 9 + 3 * path.size());
-    EXPECT_EQ(parsedText("http://" + std::string(1'000'000, 'h') + "/")->size(), 1'000'008u);
+    EXPECT_EQ(parsedText("http://h/" + path).size(), 9 + 3 * path.size());
+    EXPECT_EQ(parsedText("http://" + std::string(1'000'000, 'h') + "/").size(), 1'000'008u);
     std::string host;
     for (int i = 0; i < 1'000'000; ++i) host += "\u00E9";
-    EXPECT_EQ(parsedText("http://" + host), std::nullopt);
+    EXPECT_EQ(parsedText("http://" + host), "refused");
     std::string dots;
     for (int i = 0; i < 200'000; ++i) dots += "a/../";
     EXPECT_EQ(resolvedText("http://h/x/y", dots), "http://h/x/");
