@@ -47,7 +47,7 @@ TEST_F(BatchSender, SendsWhenWhatWasHeardSpansTenSecondsItsLastSampleIncluded) {
     sender_.inputReceivedForce({-50'000, {}});
     EXPECT_EQ(batchesOf({0, 4000, 9999}), Batches());
     sender_.inputReceivedForce({50'000, {}});
-    EXPECT_EQ(batchesOf({10'000, 10'500, 20'499, 50'000, 90'000}),
+    EXPECT_EQ(batchesOf({10'000, 10'500, 20'499, 50'000, 90'000, 0}),
               (Batches{{0, 4000, 9999, 10'000}, {10'500, 20'499, 50'000}}));
     sender_.reset();
     const Times farApart{std::numeric_limits<std::int64_t>::min(), std::numeric_limits<std::int64_t>::max()};

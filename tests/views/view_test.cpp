@@ -12,8 +12,11 @@ namespace {
 
 using Edge = LayoutConstraint::Edge;
 
-void pin(const std::shared_ptr<View>& view, const std::vector<Edge>& edges) {
-    for (const auto edge : edges) LayoutConstraint::pin(view, edge)->setActive(true);
+/// Returns the last constraint.
+std::shared_ptr<LayoutConstraint> pin(const std::shared_ptr<View>& view, const std::vector<Edge>& edges) {
+    std::shared_ptr<LayoutConstraint> last;
+    for (const auto edge : edges) (last = LayoutConstraint::pin(view, edge))->setActive(true);
+    return last;
 }
 
 std::shared_ptr<View> viewIn(const std::shared_ptr<View>& above, const Rect& frame) {
@@ -43,21 +46,24 @@ TEST(ViewTree, OwnsSubviewsAndMovesThemWhenTheyAreAddedElsewhere) {
     const auto second = View::create();
     const auto a = viewIn(first, {});
     const auto b = viewIn(first, {});
-    const auto pin = LayoutConstraint::pin(a, Edge::leading);
-    pin->setActive(true);
+    const auto left = pin(a, {Edge::leading});
     first->addSubview(first->subviews()[0]);  // given by its place in the list that changes
     EXPECT_EQ(first->subviews(), (std::vector{b, a})) << "a view that is added again comes on top";
-    EXPECT_TRUE(pin->isActive());
+    EXPECT_TRUE(left->isActive());
     second->addSubview(first->subviews()[0]);
     EXPECT_EQ(first->subviews(), std::vector{a});
     EXPECT_EQ(second->subviews(), std::vector{b});
     EXPECT_EQ(b->superview(), second);
     second->addSubview(a);
-    EXPECT_FALSE(pin->isActive());
+    EXPECT_FALSE(left->isActive());
 
     const std::weak_ptr<View> orphan = viewIn(first, {});
+    const auto kept = viewIn(first, {});
+    const auto keptPin = pin(kept, {Edge::leading});
     first.reset();
     EXPECT_TRUE(orphan.expired());
+    EXPECT_FALSE(keptPin->isActive() || kept->superview());
+    keptPin->setActive(false);
     for (int i = 0; i < 2; ++i) b->removeFromSuperview();
     EXPECT_FALSE(b->superview());
     EXPECT_EQ(second->subviews(), std::vector{a});
@@ -82,28 +88,17 @@ TEST(ViewLayout, MovesOrStretchesByTheEdgesThatArePinnedDownTheTree) {
         const auto view = viewIn(host, {10, 20, 30, 40});
         const auto inner = viewIn(view, {});
         pin(view, edges);
-        pin(inner, {Edge::top, Edge::bottom, Edge::leading, Edge::trailing});
+        const auto trailing = pin(inner, {Edge::top, Edge::bottom, Edge::leading, Edge::trailing});
         EXPECT_EQ(view->frame(), (Rect{10, 20, 30, 40})) << "constraints wait for a layout";
         host->layoutIfNeeded();
         EXPECT_EQ(view->frame(), frame) << describe(frame);
         EXPECT_EQ(inner->frame(), view->bounds());
         view->setFrame({0, 0, 390, 844});
         EXPECT_EQ(inner->frame(), (Rect{0, 0, 390, 844}));
+        trailing->setActive(false);
+        view->setFrame({0, 0, 10, 10});
+        EXPECT_EQ(inner->frame(), (Rect{0, 0, 390, 10})) << "not pinned at its end any more";
     }
-}
-
-TEST(ViewLayout, ConstraintsEndWhenDeactivatedOrWithTheSuperview) {
-    auto host = View::create({0, 0, 100, 200});
-    const auto view = viewIn(host, {0, 0, 10, 10});
-    const auto left = LayoutConstraint::pin(view, Edge::leading);
-    const auto right = LayoutConstraint::pin(view, Edge::trailing);
-    for (const auto& pin : {left, right}) pin->setActive(true);
-    right->setActive(false);
-    host->setFrame({0, 0, 300, 300});
-    EXPECT_EQ(view->frame().width, 10);
-    host.reset();
-    EXPECT_FALSE(left->isActive() || view->superview());
-    left->setActive(false);
 }
 
 TEST(ViewTaps, FindTheTopmostViewThatCanBeSeenAndTouched) {
