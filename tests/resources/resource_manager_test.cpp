@@ -47,17 +47,21 @@ protected:
         isReturned = true;
         world_.time().advanceBy(std::chrono::minutes(2));
         EXPECT_EQ(answers, 1);
-        return managerLines();
+        return managerLines(kind);
     }
 
-    /// The manager's lines since the last call: the level's first letter, a blank, the message.
-    Lines managerLines() {
+    /// The manager's lines since the last call: the level's first letter, a blank, the message, where "%"
+    /// stands for the kind's name.
+    Lines managerLines(Kind kind) {
+        const std::string tag = "[OskaResourceManager] ";
+        const std::string name = kind == Kind::dapo ? "Dapo" : "Pelio";
         Lines lines;
-        for (const auto& line : output_.take()) {
-            const std::string tag = "[OskaResourceManager] ";
-            if (const auto at = line.find(tag); at != std::string::npos) {
-                lines.push_back(line.substr(1, 1) + " " + line.substr(at + tag.size()));
-            }
+        for (auto line : output_.take()) {
+            const auto at = line.find(tag);
+            if (at == std::string::npos) continue;
+            line = line.substr(1, 1) + " " + line.substr(at + tag.size());
+            while (line.find(name) != std::string::npos) line.replace(line.find(name), name.size(), "%");
+            lines.push_back(line);
         }
         return lines;
     }
@@ -73,19 +77,9 @@ protected:
 
 const std::string FETCHED = "I (load%Bundle) : fetched BundleOutput // sectorId = 12, versionId = v1";
 
-/// The lines with each "%" replaced by the kind's name.
-Lines named(Lines lines, Kind kind) {
-    for (auto& line : lines) {
-        while (line.find('%') != std::string::npos)
-            line.replace(line.find('%'), 1, kind == Kind::dapo ? "Dapo" : "Pelio");
-    }
-    return lines;
-}
-
 TEST_F(ResourceManager, DownloadsOnceReusesTheVersionAndDownloadsAgainWhenForced) {
     const auto resources = [](const std::string& text) {
-        return named({FETCHED, "I (load%Resources) : " + text + " %Bundle // sectorId = 12, versionId = v1"},
-                     Kind::pelio);
+        return Lines{FETCHED, "I (load%Resources) : " + text + " %Bundle // sectorId = 12, versionId = v1"};
     };
     publish(Kind::pelio, "v1");
     EXPECT_EQ(load(Kind::pelio), resources("updated"));
@@ -163,7 +157,7 @@ protected:
         const bool fallsBack = isHeld && !forceUpdate;
         auto expected = failure.reason;
         for (auto& line : ending(failure, isDapo, fallsBack, forceUpdate)) expected.push_back(line);
-        EXPECT_EQ(load(kind, forceUpdate), named(std::move(expected), kind));
+        EXPECT_EQ(load(kind, forceUpdate), expected);
         EXPECT_EQ(success_, fallsBack);
         EXPECT_EQ(manager_->currentDapoBundle() != nullptr, isHeld && isDapo);
         EXPECT_EQ(manager_->currentPelioBundle() != nullptr, isHeld && !isDapo);
@@ -274,12 +268,11 @@ TEST_F(ResourceManager, MayBeAskedOnAnyThread) {
 /// Each kind's last line when the manager goes while a load waits for the descriptor, or for the download.
 TEST_F(ResourceManager, EndsALoadThatOutlivesIt) {
     const std::tuple<Kind, int, std::string, std::string> table[] = {
-        {Kind::dapo, 0, "(loadDapoResources) : self is nil before processing BundleOutput",
+        {Kind::dapo, 0, "(load%Resources) : self is nil before processing BundleOutput",
          "forceUpdate = false"},
-        {Kind::pelio, 0, "(loadPelioBundle) : self is nil before handling BundleOutput response",
-         "status = 200"},
-        {Kind::dapo, 1, "(loadDapoResources) : self is nil before decoding DapoBundle", "versionId = v1"},
-        {Kind::pelio, 1, "(loadPelioResources) : downloadResourceData returned nil",
+        {Kind::pelio, 0, "(load%Bundle) : self is nil before handling BundleOutput response", "status = 200"},
+        {Kind::dapo, 1, "(load%Resources) : self is nil before decoding %Bundle", "versionId = v1"},
+        {Kind::pelio, 1, "(load%Resources) : downloadResourceData returned nil",
          "versionId = v1, url = http://files/bundle.json"},
     };
     for (const auto& [kind, seconds, text, values] : table) {
@@ -292,7 +285,7 @@ TEST_F(ResourceManager, EndsALoadThatOutlivesIt) {
         manager_.reset();
         world_.time().advanceBy(std::chrono::seconds(2));
         EXPECT_EQ(success, false);
-        EXPECT_EQ(managerLines().back(), "E " + text + " // sectorId = 12, " + values);
+        EXPECT_EQ(managerLines(kind).back(), "E " + text + " // sectorId = 12, " + values);
     }
 }
 

@@ -3,13 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <iterator>
-#include <ostream>
 #include <sstream>
 
 namespace oska {
-
-void PrintTo(const Url& url, std::ostream* out) { *out << url.absoluteString(); }
-
 namespace {
 
 using Row = std::pair<const char*, const char*>;
