@@ -161,11 +161,12 @@ TEST(JsonEncoding, EscapesControlCharactersByDefaultSlashesAndReplacesWhatIsNotU
 TEST(JsonEncoding, FailsAtNanAndInfinityAndTakesBackWhatItWrote) {
     constexpr double INF = std::numeric_limits<double>::infinity();
     std::string out = "before";
-    const auto error = append(out, std::vector<House>{{}, {{{1, "a", 1, {}}, {2, "b", std::nan(""), {}}}}});
+    const auto error =
+        append(out, std::vector<House>{{}, {{{1, "a", 1, {}}, {2, "b", std::nan(""), {}}}, {}, {}, true}});
     EXPECT_EQ(error->message(), "[1].doors[1].width: Unable to encode Double.nan directly in JSON.");
     EXPECT_EQ(out, "before");
     EXPECT_EQ(encodingOf(INF), "Unable to encode Double.infinity directly in JSON.");
-    EXPECT_EQ(encodingOf(House{{}, {{"a b", -INF}}}),
+    EXPECT_EQ(encodingOf(House{{}, {{"a b", -INF}}, {}, true}),
               "rooms[\"a b\"]: Unable to encode -Double.infinity directly in JSON.");
 }
 
