@@ -22,17 +22,16 @@ using fakes::WireRequest;
 using platform::HttpErrorKind;
 using platform::HttpOutcome;
 using platform::HttpRequest;
-using platform::HttpSessionConfiguration;
 using platform::kindOf;
 using platform::statusOf;
+using Strings = std::vector<std::string>;
+
+inline std::string ok(const WireRequest&) { return wireReply(200, "ok"); }
 
 inline HttpRequest get(const std::string& url) { return {.url = Url::parse(url).value()}; }
 
 inline HttpRequest post(const std::string& url, std::string body) {
-    auto request = get(url);
-    request.method = "POST";
-    request.body = std::move(body);
-    return request;
+    return {.url = Url::parse(url).value(), .method = "POST", .body = std::move(body)};
 }
 
 /// Sends and waits for the end.
@@ -44,18 +43,14 @@ inline HttpOutcome fetch(platform::HttpSession& session, HttpRequest request) {
 
 /// By a session of its own.
 inline HttpOutcome fetch(CurlHttpSessionFactory& factory, HttpRequest request,
-                         const HttpSessionConfiguration& configuration = {},
+                         const platform::HttpSessionConfiguration& configuration = {},
                          std::shared_ptr<platform::HttpSessionDelegate> delegate = nullptr) {
     return fetch(*factory.makeSession(configuration, std::move(delegate)), std::move(request));
 }
 
 class NativeHttp : public testing::Test {
 protected:
-    HttpOutcome fetch(HttpRequest request, const HttpSessionConfiguration& configuration = {}) {
-        return native::fetch(factory_, std::move(request), configuration);
-    }
-    HttpOutcome fetch(const std::string& url) { return fetch(get(url)); }
-
+    LoopbackServer server_{ok};
     CurlHttpSessionFactory factory_;
 };
 

@@ -27,7 +27,7 @@ std::atomic<std::size_t> largestAllocation{NO_LIMIT};
 namespace oska::native {
 namespace {
 
-TEST_F(NativeHttp, EndsOnlyTheRequestForWhoseReplyThereIsNoMemory) {
+TEST_F(NativeHttp, EndsOnlyTheRequestForWhichThereIsNoMemory) {
     const auto small = wireReply(200, "ok");
     const auto large = "HTTP/1.1 200 OK\r\n\r\n" + std::string(4'000'000, 'x');
     LoopbackServer server([&](WireConnection& connection) {
@@ -35,27 +35,24 @@ TEST_F(NativeHttp, EndsOnlyTheRequestForWhoseReplyThereIsNoMemory) {
         connection.send(std::string_view(request->target == "/" ? small : large));
     });
     largestAllocation = 1'000'000;
-    const auto outcome = fetch(server.url("/large"));
-    EXPECT_EQ(fetch(server.url("/")).body, "ok");
+    const auto outcome = fetch(factory_, get(server.url("/large")));
+    EXPECT_EQ(fetch(factory_, get(server.url("/"))).body, "ok");
     largestAllocation = NO_LIMIT;
     EXPECT_EQ(kindOf(outcome), HttpErrorKind::outOfResources);
     EXPECT_FALSE(outcome.body);
-    EXPECT_EQ(fetch(server.url("/large")).body->size(), 4'000'000U);
+    EXPECT_EQ(fetch(factory_, get(server.url("/large"))).body->size(), 4'000'000U);
 }
 
 TEST_F(NativeHttp, EndsTheRequestForWhichThereIsNoThread) {
-    LoopbackServer server([](const WireRequest&) { return wireReply(200, "ok"); });
-    const auto url = server.url("/");
     pthread_attr_t usual;
     pthread_getattr_default_np(&usual);
-    pthread_attr_t impossible;
-    pthread_attr_init(&impossible);
+    auto impossible = usual;
     pthread_attr_setstacksize(&impossible, std::size_t{1} << 46U);
     pthread_setattr_default_np(&impossible);
-    const auto outcome = fetch(url);
+    const auto outcome = fetch(factory_, get("http://127.0.0.1/"));
     pthread_setattr_default_np(&usual);
     EXPECT_EQ(kindOf(outcome), HttpErrorKind::outOfResources);
-    EXPECT_EQ(fetch(url).body, "ok");
+    EXPECT_EQ(fetch(factory_, get(server_.url("/"))).body, "ok");
 }
 
 }  // namespace

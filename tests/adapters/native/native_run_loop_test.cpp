@@ -37,8 +37,6 @@ TEST(RunLoop, RunsUntilThePredicateHoldsAndSleepsBetweenTheJobs) {
     int ticks = 0;
     const auto timer = loop.every(1ms, [&] { ++ticks; });
     EXPECT_TRUE(loop.runUntil([&] { return ticks == 5; }));
-    EXPECT_EQ(ticks, 5);
-
     std::thread other([&] { loop.async([&] { loop.stop(); }); });
     loop.run();
     other.join();
@@ -48,14 +46,11 @@ TEST(RunLoop, RunsUntilThePredicateHoldsAndSleepsBetweenTheJobs) {
 TEST(RunLoop, PumpAnswersWhenToComeBack) {
     RunLoop loop;
     EXPECT_EQ(loop.pump(), std::nullopt);
-
     const auto before = RunLoop::Clock::now();
     const auto later = loop.after(1h, [] {});
     const auto muchLater = loop.after(nanoseconds::max(), [] {});
-    const auto deadline = loop.pump();
-    ASSERT_TRUE(deadline);
-    EXPECT_GE(*deadline, before + 1h);
-    EXPECT_LT(*deadline, before + 2h);
+    EXPECT_GE(loop.pump(), before + 1h);
+    EXPECT_LT(loop.pump(), before + 2h);
 
     // A job that posts itself again must not keep the host's loop from its other work.
     int runs = 0;
@@ -66,29 +61,26 @@ TEST(RunLoop, PumpAnswersWhenToComeBack) {
     };
     loop.async(again);
     const auto next = loop.pump();
-    EXPECT_EQ(runs, 1);
     EXPECT_LE(next, RunLoop::Clock::now());
+    EXPECT_EQ(runs, 1);
 }
 
 TEST(RunLoop, WakesTheHostOnlyForWhatItWouldMiss) {
     int wakes = 0;
-    RunLoop* running = nullptr;
-    RunLoop loop([&] {
+    std::unique_ptr<platform::ScheduledWork> own;
+    std::optional<RunLoop> loop;
+    loop.emplace([&] {
         ++wakes;
-        EXPECT_TRUE(running->isMainThread());  // takes part in no lock
-        (void)running->after(2h, [] {});
+        own = loop->after(2h, [] {});  // the hook is called without a lock
     });
-    running = &loop;
-
-    const auto far = loop.after(1h, [] {});
+    const auto far = loop->after(1h, [] {});
+    const auto farther = loop->after(2h, [] {});
     EXPECT_EQ(wakes, 1);
-    const auto farther = loop.after(2h, [] {});
-    EXPECT_EQ(wakes, 1);
-    loop.async([&] { loop.async([] {}); });
+    loop->async([&] { loop->async([] {}); });
     EXPECT_EQ(wakes, 2);
-    loop.pump();
+    loop->pump();
     EXPECT_EQ(wakes, 2);
-    loop.pump();
+    loop->pump();
 }
 
 TEST(RunLoopDeathTest, StopsTheProcessWhenMisused) {
@@ -99,13 +91,12 @@ TEST(RunLoopDeathTest, StopsTheProcessWhenMisused) {
 }
 
 TEST(SystemWallClock, TellsTheSystemsTime) {
-    const auto before = std::chrono::system_clock::now();
+    using std::chrono::system_clock;
+    const auto before = system_clock::now();
     const auto now = SystemWallClock().now();
-    const auto told =
-        std::chrono::system_clock::time_point(std::chrono::duration_cast<std::chrono::system_clock::duration>(
-            std::chrono::milliseconds(now.milliseconds) + nanoseconds(now.nanoseconds)));
-    EXPECT_GE(told, before);
-    EXPECT_LE(told, std::chrono::system_clock::now());
+    const auto told = std::chrono::milliseconds(now.milliseconds) + nanoseconds(now.nanoseconds);
+    EXPECT_GE(told, before.time_since_epoch());
+    EXPECT_LE(told, system_clock::now().time_since_epoch());
     EXPECT_LT(now.nanoseconds, 1'000'000);
 }
 
