@@ -145,20 +145,15 @@ TYPED_TEST_P(MainQueueContract, AJobIsDestroyedOnceItRanAndMayDestroyItsOwnHandl
 
 TYPED_TEST_P(MainQueueContract, AnEndedJobNeverRunsEvenWhenItWasDue) {
     Held held;
+    std::vector<typename TestFixture::Handle> due;
     auto pending =
         this->queue().after(TestFixture::UNIT, [this, token = held.give()] { this->note("pending")(); });
-    typename TestFixture::Handle due;
-    typename TestFixture::Handle dueTimer;
-    this->queue().async([&] {
-        due.reset();
-        dueTimer.reset();
-    });
-    due = this->queue().after(std::chrono::nanoseconds(0), this->note("due"));
-    dueTimer = this->queue().every(TestFixture::UNIT, this->note("due timer"));
+    this->queue().async([&] { due.clear(); });
+    due.push_back(this->queue().after(std::chrono::nanoseconds(0), this->note("due")));
+    due.push_back(this->queue().every(TestFixture::UNIT, this->note("due timer")));
     pending.reset();
     EXPECT_FALSE(held.isAlive());
     this->runFor(3 * TestFixture::UNIT);
-
     EXPECT_TRUE(this->ran_.empty());
 }
 

@@ -1,16 +1,15 @@
 #include <pthread.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdlib>
-#include <limits>
 #include <new>
 
 #include "tests/adapters/native/native_http_fixture.h"
 
 namespace {
 
-constexpr auto NO_LIMIT = std::numeric_limits<std::size_t>::max();
-std::atomic<std::size_t> largestAllocation{NO_LIMIT};
+std::atomic<std::size_t> largestAllocation{SIZE_MAX};
 
 }  // namespace
 
@@ -37,7 +36,7 @@ TEST_F(NativeHttp, EndsOnlyTheRequestForWhichThereIsNoMemory) {
     largestAllocation = 1'000'000;
     const auto outcome = fetch(factory_, get(server.url("/large")));
     EXPECT_EQ(fetch(factory_, get(server.url("/"))).body, "ok");
-    largestAllocation = NO_LIMIT;
+    largestAllocation = SIZE_MAX;
     EXPECT_EQ(kindOf(outcome), HttpErrorKind::outOfResources);
     EXPECT_FALSE(outcome.body);
     EXPECT_EQ(fetch(factory_, get(server.url("/large"))).body->size(), 4'000'000U);

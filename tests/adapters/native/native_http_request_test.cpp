@@ -12,8 +12,7 @@ using namespace std::chrono_literals;
 TEST_F(NativeHttp, WritesEachHeaderOnceAndItsOwnLengthAndDoesNotAskFirst) {
     const std::string body(3'000'000, 'b');
     auto request = post(server_.url("/a%20b/../c?x=1&y=%41#fragment"), body);
-    request.headers = {{"content-type", "text/plain"},
-                       {"Content-Length", "99"},
+    request.headers = {{"content-length", "9"},
                        {"X-Empty", ""},
                        {"accept-encoding", "br"},
                        {"Transfer-Encoding", "chunked"}};
@@ -22,10 +21,9 @@ TEST_F(NativeHttp, WritesEachHeaderOnceAndItsOwnLengthAndDoesNotAskFirst) {
     EXPECT_EQ(seen.target, "/a%20b/../c?x=1&y=%41");
     EXPECT_EQ(seen.body, body);
     Strings headers;
-    for (const auto* name : {"Content-Type", "Content-Length", "X-Empty", "Accept-Encoding"})
+    for (const auto* name : {"Content-Length", "X-Empty", "Accept-Encoding", "Transfer-Encoding", "Expect"})
         for (const auto& value : seen.values(name)) headers.push_back(value);
-    EXPECT_EQ(headers, (Strings{"text/plain", "3000000", "", "gzip, deflate"}));
-    for (const auto* name : {"Transfer-Encoding", "Expect"}) EXPECT_EQ(seen.values(name), Strings{}) << name;
+    EXPECT_EQ(headers, (Strings{"3000000", "", "gzip, deflate"}));
 
     for (const auto* method : {"DELETE", "PUT", "POST"}) {
         EXPECT_EQ(fetch(factory_, {.url = request.url, .method = method}).body, "ok");
@@ -35,10 +33,8 @@ TEST_F(NativeHttp, WritesEachHeaderOnceAndItsOwnLengthAndDoesNotAskFirst) {
 
 TEST_F(NativeHttp, WritesNothingThatWouldBreakALineAndGoesToNoHostButTheOneThatTheUrlShows) {
     auto request = get(server_.url("/"));
-    for (const auto& header : std::vector<platform::HttpHeader>{{"X-Value", "a\r\nX-Evil: 1"},
-                                                                {"X-Value", std::string("a\0b", 3)},
-                                                                {"X Name", "v"},
-                                                                {"", "v"}}) {
+    for (const auto& header : std::vector<platform::HttpHeader>{
+             {"Line", "a\r\nX: 1"}, {"Zero", std::string("a\0b", 3)}, {"X Name", "v"}, {"", "v"}}) {
         request.headers = {header};
         const auto outcome = fetch(factory_, request);
         EXPECT_EQ(kindOf(outcome), HttpErrorKind::unknown) << header.name;

@@ -15,11 +15,6 @@ public:
 /// One authority that the factory trusts by its file, and certificates that it has signed.
 class NativeTrust : public testing::Test {
 protected:
-    HttpOutcome fetch(const std::string& url,
-                      std::shared_ptr<platform::HttpSessionDelegate> delegate = nullptr) {
-        return native::fetch(factory_, get(url), {}, std::move(delegate));
-    }
-
     const TestIdentity authority_{{.isAuthority = true}};
     const TestIdentity trusted_{{.names = "DNS:localhost,IP:127.0.0.1,IP:::1"}, &authority_};
     const TestIdentity selfSigned_{{.names = "DNS:localhost"}};
@@ -50,7 +45,7 @@ TEST_F(NativeTrust, ChecksChainDatesAndHostInFull) {
          }) {
         const TestIdentity identity(wish, issuer);
         LoopbackServer server(ok, &identity);
-        const auto outcome = fetch(server.url("/", host), delegate_);
+        const auto outcome = fetch(factory_, get(server.url("/", host)), {}, delegate_);
         EXPECT_EQ(outcome.body == "ok", fault.empty()) << fault;
         EXPECT_EQ(server.requests().empty(), !fault.empty()) << fault;
         if (fault.empty()) continue;
@@ -71,14 +66,14 @@ TEST_F(NativeTrust, TheDelegateOverrulesWhateverIsWrongAndHearsEachHostAsTheUrlS
         },
         &expired);
     next = server.url("/", "127.0.0.1");
-    EXPECT_EQ(fetch(server.url("/away", "LocalHost"), delegate_).body, "ok");
+    EXPECT_EQ(fetch(factory_, get(server.url("/away", "LocalHost")), {}, delegate_).body, "ok");
     EXPECT_EQ(delegate_->hosts(), (Strings{"LocalHost", "127.0.0.1"}));
 
     LoopbackServer v6(LoopbackServer::answering(ok), &trusted_, "::1");
     if (!v6.isListening()) GTEST_SKIP() << "this machine has no IPv6";
-    EXPECT_EQ(fetch(v6.url("/", "[::1]"), delegate_).body, "ok");
+    EXPECT_EQ(fetch(factory_, get(v6.url("/", "[::1]")), {}, delegate_).body, "ok");
     EXPECT_EQ(delegate_->hosts().back(), "::1");
-    EXPECT_EQ(fetch(v6.url("/", "[::1]")).body, "ok");
+    EXPECT_EQ(fetch(factory_, get(v6.url("/", "[::1]"))).body, "ok");
 }
 
 TEST_F(NativeTrust, ASessionKeepsWhatItsDelegateAcceptedWhileTheBasisStaysAndSharesItWithNone) {
@@ -89,8 +84,8 @@ TEST_F(NativeTrust, ASessionKeepsWhatItsDelegateAcceptedWhileTheBasisStaysAndSha
     delegate_->answer(ChallengeDisposition::useCredential);
     const auto asked = [&](platform::HttpSession& by) {
         for (int i = 0; i < 2; ++i) {
-            EXPECT_EQ(native::fetch(by, get(url)).body, "");
-            EXPECT_EQ(native::fetch(by, post(url, body)).body, body);
+            EXPECT_EQ(fetch(by, get(url)).body, "");
+            EXPECT_EQ(fetch(by, post(url, body)).body, body);
         }
         EXPECT_EQ(server.connections(), delegate_->hosts().size());
         return delegate_->hosts().size();
@@ -105,8 +100,8 @@ TEST_F(NativeTrust, ASessionKeepsWhatItsDelegateAcceptedWhileTheBasisStaysAndSha
     EXPECT_EQ(asked(*one), 7U);
     delegate_->basis = "withdrawn";
     delegate_->answer(ChallengeDisposition::performDefaultHandling);
-    EXPECT_EQ(kindOf(native::fetch(*one, get(url))), HttpErrorKind::untrustedCertificate);
-    EXPECT_EQ(kindOf(fetch(url)), HttpErrorKind::untrustedCertificate);
+    EXPECT_EQ(kindOf(fetch(*one, get(url))), HttpErrorKind::untrustedCertificate);
+    EXPECT_EQ(kindOf(fetch(factory_, get(url))), HttpErrorKind::untrustedCertificate);
 }
 
 TEST_F(NativeTrust, SendsNoPostTwiceOverAKeptConnectionAndClosesItWithTheSession) {
@@ -121,38 +116,32 @@ TEST_F(NativeTrust, SendsNoPostTwiceOverAKeptConnectionAndClosesItWithTheSession
     delegate_->answer(ChallengeDisposition::useCredential);
     auto session = factory_.makeSession({}, delegate_);
     const auto url = server.url("/", "localhost");
-    EXPECT_EQ(native::fetch(*session, get(url)).body, "ok");
-    EXPECT_EQ(kindOf(native::fetch(*session, post(url, "x"))), HttpErrorKind::connectionLost);
+    EXPECT_EQ(fetch(*session, get(url)).body, "ok");
+    EXPECT_EQ(kindOf(fetch(*session, post(url, "x"))), HttpErrorKind::connectionLost);
     EXPECT_EQ(server.requests().size(), 2U);
-    EXPECT_EQ(native::fetch(*session, get(url)).body, "ok");
+    EXPECT_EQ(fetch(*session, get(url)).body, "ok");
     session.reset();
     closed.get_future().wait();
 }
 
-TEST_F(NativeTrust, AsksOncePerConnectionAndSharesWhatNoDelegateCouldHaveAccepted) {
+TEST_F(NativeTrust, AsksOncePerConnectionSharesWhatNoDelegateAcceptsAndNamesUnreadableAuthorities) {
+    LoopbackServer plain([](WireConnection& connection) { connection.send(wireReply(400)); });
+    const auto outcome = fetch(factory_, get("https" + plain.url("/").substr(4)), {}, delegate_);
+    EXPECT_EQ(kindOf(outcome), HttpErrorKind::secureConnectionFailed) << outcome.error->description;
+    EXPECT_TRUE(delegate_->hosts().empty()) << "there is no TLS";
+
     LoopbackServer server(ok, &trusted_);
     delegate_->basis.reset();
-    for (int i = 0; i < 3; ++i) EXPECT_EQ(fetch(server.url("/"), delegate_).body, "ok");
-    EXPECT_EQ(fetch(server.url("/")).body, "ok");
+    for (const auto& delegate : {delegate_, delegate_, std::shared_ptr<BasisDelegate>()})
+        EXPECT_EQ(fetch(factory_, get(server.url("/")), {}, delegate).body, "ok");
     EXPECT_EQ(delegate_->hosts().size(), 1U);
     EXPECT_EQ(server.connections(), 1U);
-}
 
-TEST_F(NativeTrust, AsksNobodyWhenThereIsNoTls) {
-    LoopbackServer plain([](WireConnection& connection) { connection.send(wireReply(400)); });
-    const auto outcome = fetch("https" + plain.url("/").substr(4), delegate_);
-    EXPECT_EQ(kindOf(outcome), HttpErrorKind::secureConnectionFailed) << outcome.error->description;
-    EXPECT_TRUE(delegate_->hosts().empty());
-}
-
-TEST_F(NativeTrust, NamesTheFileOfAuthoritiesThatCannotBeRead) {
-    LoopbackServer server(ok, &trusted_);
     const TestFile notCertificates("no certificates");
     for (const auto& path : {std::string("/no/such/file.pem"), notCertificates.path()}) {
         CurlHttpSessionFactory factory(path);
-        const auto outcome = native::fetch(factory, get(server.url("/")));
-        EXPECT_EQ(kindOf(outcome), HttpErrorKind::untrustedCertificate);
-        EXPECT_NE(outcome.error->description.find(path), std::string::npos) << outcome.error->description;
+        const auto text = fetch(factory, get(server.url("/"))).error->description;
+        EXPECT_NE(text.find(path), std::string::npos) << text;
     }
 }
 
