@@ -12,7 +12,6 @@ using std::chrono::nanoseconds;
 using namespace std::chrono_literals;
 
 constexpr WallTime START{1'700'000'000'000, 0};
-constexpr auto FIRST_MILLISECOND = std::numeric_limits<std::int64_t>::min();
 constexpr auto LAST_MILLISECOND = std::numeric_limits<std::int64_t>::max();
 
 struct VirtualDriver {
@@ -29,23 +28,13 @@ struct VirtualDriver {
     VirtualMainQueue time{START};
 };
 
-}  // namespace
-}  // namespace oska::virtual_world
-
-namespace oska::platform {
-INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, MainQueueContract, virtual_world::VirtualDriver);
-}  // namespace oska::platform
-
-namespace oska::virtual_world {
-namespace {
-
 class VirtualTime : public testing::Test {
 protected:
     platform::Task note(std::string name) {
-        return [this, name = std::move(name)] { log_.emplace_back(name, sinceStart()); };
+        return [this, name = std::move(name)] {
+            log_.emplace_back(name, platform::millisecondsBetween(START, time_.now()));
+        };
     }
-    std::int64_t sinceStart() const { return platform::millisecondsBetween(START, time_.now()); }
-
     using Log = std::vector<std::pair<std::string, std::int64_t>>;
     VirtualMainQueue time_{START};
     Log log_;
@@ -57,12 +46,11 @@ TEST_F(VirtualTime, EachJobFindsTheClockAtItsOwnDeadline) {
     const auto due = time_.after(100ms, note("due"));
     time_.advanceBy(200ms);
     EXPECT_EQ(log_, (Log{{"tick", 0}, {"due", 100}, {"tick", 100}, {"tick", 200}}));
-    EXPECT_EQ(sinceStart(), 200);
+    log_.clear();
     time_.advanceTo(START + 299ms + 999'999ns);
-    EXPECT_EQ(log_.size(), 4U);
+    EXPECT_EQ(log_, Log{});
     time_.advanceTo(START + 300ms);
-    EXPECT_EQ(log_.back(), (std::pair<std::string, std::int64_t>{"tick", 300}));
-    EXPECT_EQ(log_[4].first, "late");
+    EXPECT_EQ(log_, (Log{{"late", 300}, {"tick", 300}}));
 }
 
 TEST_F(VirtualTime, TheClockNeverGoesBackButWhatIsDueRunsAndWhatThatSchedulesForNow) {
@@ -72,18 +60,10 @@ TEST_F(VirtualTime, TheClockNeverGoesBackButWhatIsDueRunsAndWhatThatSchedulesFor
                                         [&] { time_.runDue(); }};
     for (const auto& move : moves) {
         log_.clear();
-        time_.async([&] { time_.async(note("due")); });
+        std::thread([&] { time_.async([&] { time_.async(note("due")); }); }).join();
         move();
         EXPECT_EQ(log_, (Log{{"due", 1000}}));
     }
-}
-
-TEST_F(VirtualTime, AJumpOverMonthsRunsEveryTick) {
-    constexpr auto MONTHS = 24h * 90;
-    std::int64_t ticks = 0;
-    const auto timer = time_.every(10s, [&] { ++ticks; });
-    time_.advanceBy(MONTHS);
-    EXPECT_EQ(ticks, MONTHS / 10s + 1);
 }
 
 // The tick after the ones passed over keeps its instant, and its turn before what is scheduled later.
@@ -95,16 +75,13 @@ TEST_F(VirtualTime, IdleTicksAreLeftOutAndNothingElseChanges) {
             return [&, name] { seen.emplace_back(name, time.now()); };
         };
         const auto late = time.after(3s, note("once"));
-        int ticks = 0;
         const auto tick = time.every(interval, [&] {
-            ++ticks;
             if (time.now() > START + way) note("tick")();
         });
         time.advanceTo(START + way, [&] { return skips; });
         const auto rest = interval - way % interval;  // until the first tick behind the way
         const auto alike = time.after(rest, note("with the tick"));
         time.advanceBy(2 * interval);
-        EXPECT_TRUE(!skips || ticks <= 3s / interval + 4) << ticks;
         return seen;
     };
     for (const nanoseconds interval : {nanoseconds(333'333'333), nanoseconds(7ms), nanoseconds(20s)}) {
@@ -117,34 +94,21 @@ TEST_F(VirtualTime, IdleTicksAreLeftOutAndNothingElseChanges) {
     EXPECT_EQ(time_.now(), (WallTime{LAST_MILLISECOND, 0}));
 }
 
-TEST(VirtualTimeRange, AnyMillisecondIsAnInstant) {
-    VirtualMainQueue time({FIRST_MILLISECOND, 0});
-    bool hasRun = false;
-    const auto job = time.after(1h, [&] { hasRun = true; });
-    time.advanceTo({LAST_MILLISECOND, 0});
-    EXPECT_TRUE(hasRun);
-    EXPECT_EQ(time.now(), (WallTime{LAST_MILLISECOND, 0}));
-}
-
-TEST(VirtualTimeRange, WhatWouldComeDueBeyondTheLastInstantNeverDoes) {
-    VirtualMainQueue time({LAST_MILLISECOND - 1, 500'000});
+TEST(VirtualTimeRange, ReachesFromTheFirstMillisecondToTheLastAndNoJobBeyond) {
+    VirtualMainQueue time({std::numeric_limits<std::int64_t>::min(), 0});
     std::vector<WallTime> ticks;
+    const auto first = time.after(1h, [&] { ticks.push_back(time.now()); });
+    time.advanceTo({LAST_MILLISECOND - 1, 500'000});
+    EXPECT_EQ(ticks.size(), 1U);
+
     platform::Held held;
     const auto timer = time.every(1'200us, [&] { ticks.push_back(time.now()); });
-    auto beyond = time.after(1h, [token = held.give()] { ADD_FAILURE() << "ran at the end of time"; });
+    const auto beyond = time.after(1h, [token = held.give()] { ADD_FAILURE() << "ran at the end of time"; });
     time.advanceTo({LAST_MILLISECOND, 999'999});
     time.advanceBy(1h);
+    ticks.erase(ticks.begin());
     EXPECT_EQ(ticks, (std::vector<WallTime>{{LAST_MILLISECOND - 1, 500'000}, {LAST_MILLISECOND, 700'000}}));
     EXPECT_TRUE(held.isAlive());
-    beyond.reset();
-    EXPECT_FALSE(held.isAlive());
-}
-
-TEST_F(VirtualTime, WhatOtherThreadsSubmitIsDueAtTheInstantTheClockShows) {
-    time_.advanceBy(5ms);
-    std::thread([&] { time_.async(note("async")); }).join();
-    time_.advanceBy(1s);
-    EXPECT_EQ(log_, (Log{{"async", 5}}));
 }
 
 TEST_F(VirtualTime, StopsTheProcessWhenMovedWrongly) {
@@ -157,3 +121,7 @@ TEST_F(VirtualTime, StopsTheProcessWhenMovedWrongly) {
 
 }  // namespace
 }  // namespace oska::virtual_world
+
+namespace oska::platform {
+INSTANTIATE_TYPED_TEST_SUITE_P(Virtual, MainQueueContract, virtual_world::VirtualDriver);
+}  // namespace oska::platform
