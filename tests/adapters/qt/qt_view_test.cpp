@@ -1,147 +1,280 @@
-// Trees of views over a widget.
-#include <gtest/gtest.h>
-
+// Trees of views over a widget of a host's, and a real Dapo view in one.
+#include <QApplication>
+#include <QBuffer>
+#include <QImage>
 #include <QPointingDevice>
-#include <QVBoxLayout>
-#include <functional>
+#include <QTest>
+#include <QWheelEvent>
+#include <map>
 
+#include "adapters/qt/qt_host_view.h"
 #include "adapters/qt/qt_view_peer.h"
-#include "adapters/virtual/virtual_platform.h"
-#include "tests/adapters/qt/qt_host.h"
+#include "tests/dapo/dapo_view_fixture.h"
 
 namespace oska::qt {
 namespace {
 
-using views::TapGestureRecognizer;
 using views::View;
 
-class QtViews : public testing::Test {
-protected:
-    QtViews() {
-        auto platform = world_.platform();
-        platform.makeViewPeer = makeViewPeer;
-        platform::install(std::move(platform));
-        host_.show();
+/// A white widget of a host that counts the events that reach it. Hosts that are painted are less than 96
+/// points high: Qt paints larger areas on several threads, with locks that the thread sanitizer cannot see.
+class Host : public QWidget {
+public:
+    explicit Host(QSize size, QWidget* parent = nullptr) : QWidget(parent) {
+        resize(size);
+        setStyleSheet("background: white");
+        show();
     }
 
-    std::shared_ptr<View> viewIn(View& above, const views::Rect& frame) {
+    QList<QWidget*> widgetsOver() const { return findChildren<QWidget*>(); }
+    void clickAt(QPoint at, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(window()->windowHandle(), button, {}, at);
+    }
+
+    std::map<QEvent::Type, int> counts;
+
+protected:
+    bool event(QEvent* event) override {
+        ++counts[event->type()];
+        return QWidget::event(event);
+    }
+};
+
+std::shared_ptr<const views::Image> redImage(int width, int height) {
+    QImage image(width, height, QImage::Format_RGB32);
+    image.fill(Qt::red);
+    QBuffer file;
+    image.save(&file, "PNG");
+    return std::make_shared<views::Image>(*views::pngImage(file.data().toStdString()));
+}
+
+/// Whether a pixel is red, in this strength, over white.
+bool isRed(Host& host, int x, int y, double strength = 0.65) {
+    const auto colour = host.grab().toImage().pixelColor(x, y);
+    const double rest = 255 * (1 - strength);
+    return colour.red() == 255 && std::abs(colour.green() - rest) <= 2 && std::abs(colour.blue() - rest) <= 2;
+}
+
+class QtViews : public DapoViewTest {
+protected:
+    QtViews() : DapoViewTest(makeViewPeer) { hostView_ = viewOf(widget_); }
+
+    /// Shows the Dapo view over the widget; from now on its host hears of clicks.
+    void select() {
+        makeRunning();
+        detect();
+        pass(std::chrono::seconds(1));
+        EXPECT_EQ(host_->take(), Events{"changed lobby-a"});
+    }
+
+    /// Taps on the view are written down under its name; without one it listens to none.
+    std::shared_ptr<View> viewIn(View& above, const views::Rect& frame, const std::string& name = "") {
         auto view = View::create(frame);
         above.addSubview(view);
+        if (!name.empty()) {
+            view->addGestureRecognizer(
+                std::make_shared<views::TapGestureRecognizer>([this, name] { taps_.push_back(name); }));
+        }
         return view;
     }
 
-    /// Each tap on the view is written down under its name.
-    void name(View& view, std::string name) {
-        view.addGestureRecognizer(std::make_shared<TapGestureRecognizer>(
-            [this, name = std::move(name)] { taps_.push_back(name); }));
+    Events tapAt(QPoint at) {
+        widget_.clickAt(at);
+        return std::exchange(taps_, {});
     }
 
-    std::string tapAt(QPoint at) {
-        taps_.clear();
-        host_.clickAt(at);
-        return taps_.size() == 1 ? taps_[0] : std::to_string(taps_.size()) + " taps";
-    }
+    auto touch() { return QTest::touchEvent(&widget_, screen_.get()); }
 
-    virtual_world::VirtualPlatform world_{{0, 0}};
-    Host host_{{100, 100}};
-    std::vector<std::string> taps_;
+    Host widget_{{240, 80}};
+    Events taps_;
+    const std::unique_ptr<QPointingDevice> screen_{QTest::createTouchDevice()};
 };
 
-TEST_F(QtViews, TapsGoToTheViewThatTheTreeWouldChoose) {
-    const auto root = viewOf(host_);
-    const auto below = viewIn(*root, {0, 0, 60, 60});
-    const auto above = viewIn(*root, {40, 40, 60, 60});
-    const auto inner = viewIn(*below, {0, 0, 20, 20});
-    name(*below, "below");
-    name(*above, "above");
-    EXPECT_EQ(tapAt({50, 50}), "above");
-    EXPECT_EQ(tapAt({10, 10}), "below") << "the inner one listens to nothing";
-    name(*inner, "inner");
-    EXPECT_EQ(tapAt({10, 10}), "inner");
-    inner->setUserInteractionEnabled(false);
-    EXPECT_EQ(tapAt({10, 10}), "below");
-    below->setHidden(true);
-    EXPECT_EQ(tapAt({10, 10}), "0 taps");
-    below->setHidden(false);
-    root->addSubview(below);  // to the top
-    EXPECT_EQ(tapAt({50, 50}), "below");
-    new QWidget(&host_);  // whatever comes later changes nothing between the views
-    EXPECT_EQ(tapAt({50, 50}), "below");
+TEST_F(QtViews, AClickAndATouchAreTapsAndADragAndTwoFingersAreNone) {
+    select();
+    auto* window = widget_.windowHandle();
+    QTest::mousePress(window, Qt::LeftButton, {}, {120, 40});
+    for (const int x : {170, 120}) QTest::mouseMove(window, {x, 40});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {120, 40});
+    QTest::mousePress(window, Qt::LeftButton, {}, {1, 40});
+    QTest::mouseRelease(window, Qt::LeftButton, {}, {-1, 40});
+    touch().press(0, {120, 40}).press(1, {160, 40});
+    touch().release(0, {120, 40}).release(1, {160, 40});
+    EXPECT_EQ(host_->take(), Events{});
+
+    widget_.clickAt({120, 40});
+    QTest::mouseDClick(window, Qt::LeftButton, {}, {230, 70});
+    EXPECT_EQ(host_->take(), Events(3, "click lobby-a"));
+    touch().press(0, {120, 40});
+    touch().move(0, {122, 40});
+    touch().release(0, {122, 40});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    for (const auto type : {QEvent::MouseButtonPress, QEvent::MouseButtonDblClick, QEvent::TouchBegin})
+        EXPECT_EQ(widget_.counts[type], 0) << type;
 }
 
-TEST_F(QtViews, ATreeThatLeavesAndComesBackIsShownWhole) {
-    const auto root = viewOf(host_);
-    const auto outer = viewIn(*root, {10, 10, 50, 50});
-    const auto inner = viewIn(*outer, {10, 10, 20, 20});
-    name(*inner, "inner");
-    outer->removeFromSuperview();
-    EXPECT_TRUE(host_.widgetsOver().isEmpty());
-    inner->setFrame({0, 0, 5, 5});
-    root->addSubview(outer);
-    EXPECT_EQ(tapAt({12, 12}), "inner");
-    EXPECT_EQ(tapAt({22, 22}), "0 taps");
-    EXPECT_EQ(host_.widgetsOver().size(), 2);
+TEST_F(QtViews, WhatIsNoTapReachesTheWidget) {
+    viewIn(*hostView_, {0, 0, 240, 80}, "view");
+    widget_.setFocus();
+    widget_.setMouseTracking(true);
+    QTest::keyClick(widget_.windowHandle(), Qt::Key_Down);
+    auto* over = widget_.childAt(120, 40);
+    ASSERT_TRUE(over);
+    QWheelEvent wheel({120, 40}, over->mapToGlobal(QPointF(120, 40)), {}, {0, 120}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QSpontaneKeyEvent::setSpontaneous(&wheel);  // as from the system
+    qApp->notify(over, &wheel);
+    for (const int x : {100, 105}) QTest::mouseMove(widget_.windowHandle(), {x, 40});
+    EXPECT_GT(widget_.counts[QEvent::MouseMove], 0);
+    widget_.clickAt({120, 40}, Qt::RightButton);
+    for (const auto type :
+         {QEvent::KeyPress, QEvent::Wheel, QEvent::MouseButtonPress, QEvent::MouseButtonRelease})
+        EXPECT_EQ(widget_.counts[type], 1) << type;
+    EXPECT_EQ(taps_, Events{});
+}
+
+TEST_F(QtViews, AViewThatCannotBeTappedLetsClicksThroughAndForgetsThePressThatItSaw) {
+    const auto view = viewIn(*hostView_, {0, 0, 240, 80}, "view");
+    const std::function<void(bool)> ways[]{[&](bool isOff) { view->setHidden(isOff); },
+                                           [&](bool isOff) { view->setAlpha(isOff ? 0.005 : 1); },
+                                           [&](bool isOff) { view->setUserInteractionEnabled(!isOff); }};
+    int clicks = 0;
+    for (const auto& turnOff : ways) {
+        touch().press(0, {50, 50});
+        turnOff(true);
+        turnOff(false);
+        touch().release(0, {50, 50});
+        turnOff(true);
+        EXPECT_EQ(tapAt({50, 50}), Events{});
+        EXPECT_EQ(widget_.counts[QEvent::MouseButtonPress], ++clicks);
+        turnOff(false);
+    }
+    EXPECT_EQ(tapAt({50, 50}), Events{"view"});
+}
+
+TEST_F(QtViews, TapsGoToTheViewThatTheTreeWouldChooseAlsoWhenItLeftAndCameBack) {
+    const auto below = viewIn(*hostView_, {0, 0, 60, 60}, "below");
+    viewIn(*hostView_, {40, 40, 60, 40}, "above");
+    viewIn(*below, {0, 0, 20, 20});
+    EXPECT_EQ(tapAt({50, 50}), Events{"above"});
+    EXPECT_EQ(tapAt({10, 10}), Events{"below"}) << "the inner one listens to nothing";
+    hostView_->addSubview(below);  // to the top
+    new QWidget(&widget_);         // whatever comes later changes nothing between the views
+    EXPECT_EQ(tapAt({50, 50}), Events{"below"});
+
+    below->removeFromSuperview();
+    const auto inner = viewIn(*below, {0, 0, 5, 5}, "inner");
+    EXPECT_EQ(tapAt({50, 50}), Events{"above"});
+    EXPECT_EQ(widget_.widgetsOver().size(), 2);
+    hostView_->addSubview(below);
+    EXPECT_EQ(tapAt({2, 2}), Events{"inner"});
+    EXPECT_EQ(tapAt({22, 22}), Events{"below"});
 }
 
 TEST_F(QtViews, FramesThatShareAnEdgeDoSoOnTheScreen) {
-    const auto root = viewOf(host_);
-    viewIn(*root, {0, 0, 33.4, 100});
-    viewIn(*root, {33.4, 0, 33.2, 100});
-    viewIn(*root, {66.6, 0, 33.4, 100});
-    const auto widgets = host_.widgetsOver();
-    ASSERT_EQ(widgets.size(), 3);
-    EXPECT_EQ(widgets[0]->geometry(), QRect(0, 0, 33, 100));
-    EXPECT_EQ(widgets[1]->geometry(), QRect(33, 0, 34, 100));
-    EXPECT_EQ(widgets[2]->geometry(), QRect(67, 0, 33, 100));
+    const std::pair<double, double> columns[]{{0, 33.4}, {33.4, 33.2}, {66.6, 33.4}};
+    for (const auto& [x, width] : columns) viewIn(*hostView_, {x, 0, width, 80});
+    QList<QRect> shown;
+    for (const auto* widget : widget_.widgetsOver()) shown.push_back(widget->geometry());
+    EXPECT_EQ(shown, (QList{QRect(0, 0, 33, 80), QRect(33, 0, 34, 80), QRect(67, 0, 33, 80)}));
 }
 
 TEST_F(QtViews, AWidgetHasOneViewThatKnowsItsSize) {
-    auto* child = new Host({10, 10}, &host_);
+    auto* child = new Host({10, 10}, &widget_);
     const auto view = viewOf(*child);
-    child->setGeometry(1, 2, 30, 40);  // never shown
+    child->setGeometry(1, 2, 30, 40);
     EXPECT_EQ(viewOf(*child), view);
     EXPECT_EQ(view->frame(), (views::Rect{1, 2, 30, 40}));
-
-    Host window({500, 500});
-    auto* layout = new QVBoxLayout(&window);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(child);
-    window.show();
-    EXPECT_EQ(view->frame(), (views::Rect{0, 0, 500, 500}));
-    const std::weak_ptr<View> watch = view;
     delete child;
     EXPECT_FALSE(view->peer()) << "a tree in memory again";
     viewIn(*view, {});
 }
 
-TEST_F(QtViews, ATapMayDestroyTheHostsWidgetsInAnEventLoopOfItsOwn) {
-    auto* child = new Host({100, 100}, &host_);
-    child->show();
-    auto view = viewIn(*viewOf(*child), {0, 0, 100, 100});
-    view->addGestureRecognizer(std::make_shared<TapGestureRecognizer>([&] {
+TEST_F(QtViews, TheDapoViewCoversTheWidgetWhateverItsSizeAndItsChildren) {
+    select();
+    widget_.move(30, 40);
+    widget_.resize(301, 93);
+    auto* later = new QWidget(&widget_);
+    later->setGeometry(widget_.rect());
+    later->show();
+    auto* over = widget_.childAt(300, 92);
+    ASSERT_TRUE(over);
+    EXPECT_NE(over, later);
+    EXPECT_EQ(view_->frame(), (views::Rect{0, 0, 301, 93}));
+    EXPECT_EQ(over->geometry(), widget_.rect());
+    widget_.setStyleSheet("QWidget QWidget { max-height: 9px; min-width: 400px }");
+    EXPECT_EQ(over->geometry(), widget_.rect());
+    widget_.scroll(5, 7);
+    EXPECT_EQ(over->geometry(), widget_.rect());
+}
+
+TEST_F(QtViews, AnImageIsAsLargeAsItsProportionsAllowAndClearWithAnyStyleSheetOfTheHost) {
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(200, 100)});
+    EXPECT_TRUE(isRed(widget_, 120, 40, 0)) << "hidden";
+    view_->setVisibility(true);
+    for (const auto& [x, y] : {std::pair{41, 1}, {120, 40}, {198, 78}})
+        EXPECT_TRUE(isRed(widget_, x, y)) << x;
+    for (const auto& [x, y] : {std::pair{38, 40}, {202, 40}, {0, 0}})
+        EXPECT_TRUE(isRed(widget_, x, y, 0)) << x;
+    view_->setAlpha(0.5);
+    EXPECT_TRUE(isRed(widget_, 120, 40, 0.5 * 0.65));
+
+    auto* below = new QWidget(&widget_);
+    below->setStyleSheet("background: white; border: none");
+    below->setGeometry(widget_.rect());
+    below->show();
+    widget_.setStyleSheet("* { background: #00ff00; border: 9px solid blue; }");
+    EXPECT_TRUE(isRed(widget_, 120, 40, 0.5 * 0.65));
+    EXPECT_TRUE(isRed(widget_, 2, 2, 0));
+}
+
+TEST_F(QtViews, AnImageThatCannotBeDecodedIsNotShownAndReportedOnce) {
+    static int warnings;
+    qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
+    auto broken = *redImage(10, 10);
+    broken.encoded.resize(40);
+    const auto image = std::make_shared<views::Image>(std::move(broken));
+    for (int i = 0; i < 2; ++i) view_->configureFrame({.to = hostView_, .dapoImage = image});
+    view_->setVisibility(true);
+    EXPECT_TRUE(isRed(widget_, 120, 40, 0));
+    EXPECT_EQ(warnings, 1);
+    qInstallMessageHandler(nullptr);
+}
+
+TEST_F(QtViews, ADapoViewMovesToAnotherWidgetAndOutlivesIt) {
+    select();
+    auto second = std::make_unique<Host>(QSize(80, 60));
+    view_->configureFrame({.to = viewOf(*second), .dapoImage = redImage(8, 6)});
+    EXPECT_TRUE(widget_.widgetsOver().isEmpty());
+    EXPECT_TRUE(isRed(*second, 40, 30));
+    for (auto* host : {&widget_, second.get()}) host->clickAt({40, 30});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    second.reset();
+    view_->setFrame({1, 2, 3, 4});
+    view_->configureFrame({.to = hostView_, .dapoImage = redImage(20, 10)});
+    EXPECT_TRUE(isRed(widget_, 120, 40));
+}
+
+TEST_F(QtViews, ATapMayDestroyItsViewAndTheHostsWidgetsInAnEventLoopOfItsOwn) {
+    select();
+    host_->reaction = [&](const auto&) {
+        view_->removeFromSuperview();
+        view_.reset();
+        EXPECT_TRUE(widget_.widgetsOver().isEmpty());
+    };
+    widget_.clickAt({120, 40});
+    EXPECT_EQ(host_->take(), Events{"click lobby-a"});
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+    auto* child = new Host({240, 80}, &widget_);
+    const std::weak_ptr view = viewIn(*viewOf(*child), {0, 0, 100, 80});
+    view.lock()->addGestureRecognizer(std::make_shared<views::TapGestureRecognizer>([&] {
         delete child;
-        view.reset();
         QCoreApplication::processEvents();
         taps_.push_back("done");
     }));
-    EXPECT_EQ(tapAt({50, 50}), "done");
-    EXPECT_TRUE(host_.widgetsOver().isEmpty());
-}
-
-TEST_F(QtViews, AViewThatCannotBeTappedForgetsThePressThatItSaw) {
-    const auto view = viewIn(*viewOf(host_), {0, 0, 100, 100});
-    name(*view, "view");
-    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
-    const std::function<void(bool)> ways[]{[&](bool isOff) { view->setHidden(isOff); },
-                                           [&](bool isOff) { view->setAlpha(isOff ? 0 : 1); },
-                                           [&](bool isOff) { view->setUserInteractionEnabled(!isOff); }};
-    for (const auto& turn : ways) {
-        QTest::touchEvent(&host_, screen.get()).press(0, {50, 50});
-        turn(true);
-        turn(false);
-        QTest::touchEvent(&host_, screen.get()).release(0, {50, 50});
-    }
-    EXPECT_TRUE(taps_.empty());
+    EXPECT_EQ(tapAt({50, 50}), Events{"done"});
+    EXPECT_TRUE(view.expired()) << "only its widget's view held it";
 }
 
 }  // namespace
