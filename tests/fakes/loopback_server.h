@@ -19,7 +19,6 @@ namespace oska::fakes {
 
 /// One request as it stood on the wire.
 struct WireRequest {
-    std::size_t connection = 0;  ///< 0 for the first that was accepted, and so on
     std::string method;
     std::string target;
     std::vector<platform::HttpHeader> headers;
@@ -32,7 +31,7 @@ struct WireRequest {
 /// The server's end of one connection. Threads: the thread of its handler.
 class WireConnection {
 public:
-    using OnRequest = std::function<void(WireRequest&)>;
+    using OnRequest = std::function<void(const WireRequest&)>;
 
     WireConnection(int socket, SSL* tls, OnRequest onRequest)
         : socket_(socket), tls_(tls), onRequest_(std::move(onRequest)) {}
@@ -47,8 +46,6 @@ public:
 
 private:
     [[nodiscard]] bool readMore();
-    [[nodiscard]] bool readUntil(std::size_t size);
-    [[nodiscard]] std::optional<std::size_t> readHead();
 
     const int socket_;
     SSL* const tls_;
@@ -77,7 +74,7 @@ public:
     /// False when the machine has no such address.
     [[nodiscard]] bool isListening() const { return port_ != 0; }
     [[nodiscard]] int port() const { return port_; }
-    [[nodiscard]] std::string url(std::string_view path, std::string_view host = "127.0.0.1") const;
+    [[nodiscard]] std::string url(const std::string& path, const std::string& host = "127.0.0.1") const;
     [[nodiscard]] std::vector<WireRequest> requests() const;
     [[nodiscard]] std::size_t connections() const;
 
@@ -91,8 +88,7 @@ private:
 
     void listenOn(const char* address);
     void acceptAll();
-    void serve(int socket, std::size_t number);
-    void note(WireRequest& request, std::size_t connection);
+    void serve(int socket);
 
     const Handler handler_;
     SSL_CTX* tls_ = nullptr;

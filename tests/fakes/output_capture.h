@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -14,28 +15,28 @@ class OutputCapture {
 public:
     OutputCapture() { testing::internal::CaptureStdout(); }
     ~OutputCapture() {
-        std::fflush(stdout);
-        all_ += testing::internal::GetCapturedStdout();
+        taken();
         if (testing::Test::HasFailure()) std::fputs(all_.c_str(), stderr);
     }
     OutputCapture(const OutputCapture&) = delete;
     OutputCapture& operator=(const OutputCapture&) = delete;
 
     std::vector<std::string> take() {
-        std::fflush(stdout);
-        const auto text = testing::internal::GetCapturedStdout();
+        std::istringstream text(taken());
         testing::internal::CaptureStdout();
-        all_ += text;
         std::vector<std::string> lines;
-        for (std::size_t at = 0; at < text.size();) {
-            const auto end = text.find('\n', at);
-            lines.push_back(text.substr(at, end - at));
-            at = end == std::string::npos ? text.size() : end + 1;
-        }
+        for (std::string line; std::getline(text, line);) lines.push_back(line);
         return lines;
     }
 
 private:
+    std::string taken() {
+        std::fflush(stdout);
+        auto text = testing::internal::GetCapturedStdout();
+        all_ += text;
+        return text;
+    }
+
     std::string all_;
 };
 

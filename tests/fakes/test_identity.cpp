@@ -11,26 +11,15 @@
 #include <cstdio>
 #include <fstream>
 #include <iterator>
+#include <type_traits>
 
 namespace oska::fakes {
 namespace {
 
-constexpr long DAY = 86'400;
-
-void check(bool isGood, const char* step) {
-    if (!isGood) ADD_FAILURE() << "OpenSSL: " << step;
-}
-
-/// Each certificate has its own name, because issuers are found by name.
-std::string nextCommonName() {
-    static std::atomic<int> count{0};
-    return "test identity " + std::to_string(++count);
-}
-
-template <class Write>
-std::string written(Write write) {
+template <class... Arguments>
+std::string pemOf(int (*write)(BIO*, Arguments...), std::type_identity_t<Arguments>... arguments) {
     const std::unique_ptr<BIO, decltype(&BIO_free)> bio(BIO_new(BIO_s_mem()), BIO_free);
-    check(write(bio.get()) == 1, "PEM");
+    EXPECT_EQ(write(bio.get(), arguments...), 1);
     char* text = nullptr;
     const auto size = BIO_get_mem_data(bio.get(), &text);
     return {text, static_cast<std::size_t>(size)};
@@ -45,21 +34,19 @@ TestIdentity::TestIdentity(const Wish& wish, const TestIdentity* issuer)
     X509_set_version(certificate, X509_VERSION_3);
     ASN1_INTEGER_set(X509_get_serialNumber(certificate), 1);
     X509_set_pubkey(certificate, key_.get());
-    setDates(wish.secondsFromNow);
+    X509_gmtime_adj(X509_getm_notBefore(certificate), wish.secondsFromNow - 2 * 86'400L);
+    X509_gmtime_adj(X509_getm_notAfter(certificate), wish.secondsFromNow);
     setNames(issuer);
     addExtension(NID_basic_constraints, wish.isAuthority ? "critical,CA:TRUE" : "CA:FALSE");
     addExtension(NID_ext_key_usage, wish.usage);
     if (!wish.names.empty()) addExtension(NID_subject_alt_name, wish.names);
-    check(X509_sign(certificate, issuer ? issuer->key() : key_.get(), EVP_sha256()) != 0, "sign");
-}
-
-void TestIdentity::setDates(long secondsFromNow) {
-    X509_gmtime_adj(X509_getm_notBefore(certificate_.get()), secondsFromNow - 2 * DAY);
-    X509_gmtime_adj(X509_getm_notAfter(certificate_.get()), secondsFromNow);
+    EXPECT_NE(X509_sign(certificate, issuer ? issuer->key() : key_.get(), EVP_sha256()), 0);
 }
 
 void TestIdentity::setNames(const TestIdentity* issuer) {
-    const auto name = nextCommonName();
+    // Each has its own name, because issuers are found by name.
+    static std::atomic<int> count{0};
+    const auto name = "test identity " + std::to_string(++count);
     auto* subject = X509_get_subject_name(certificate_.get());
     X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_UTF8,
                                reinterpret_cast<const unsigned char*>(name.c_str()), -1, -1, 0);
@@ -68,18 +55,14 @@ void TestIdentity::setNames(const TestIdentity* issuer) {
 
 void TestIdentity::addExtension(int kind, const std::string& value) {
     auto* extension = X509V3_EXT_conf_nid(nullptr, nullptr, kind, value.c_str());
-    check(extension && X509_add_ext(certificate_.get(), extension, -1) == 1, "extension");
+    EXPECT_TRUE(extension && X509_add_ext(certificate_.get(), extension, -1) == 1) << value;
     X509_EXTENSION_free(extension);
 }
 
-std::string TestIdentity::pem() const {
-    return written([this](BIO* bio) { return PEM_write_bio_X509(bio, certificate_.get()); });
-}
+std::string TestIdentity::pem() const { return pemOf(PEM_write_bio_X509, certificate_.get()); }
 
 std::string TestIdentity::keyPem() const {
-    return written([this](BIO* bio) {
-        return PEM_write_bio_PrivateKey(bio, key_.get(), nullptr, nullptr, 0, nullptr, nullptr);
-    });
+    return pemOf(PEM_write_bio_PrivateKey, key_.get(), nullptr, nullptr, 0, nullptr, nullptr);
 }
 
 TestFile::TestFile(const std::string& content) : path_(testing::TempDir() + "oska-test-XXXXXX") {

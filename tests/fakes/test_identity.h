@@ -26,7 +26,6 @@ public:
     [[nodiscard]] std::string keyPem() const;  ///< the key, unprotected
 
 private:
-    void setDates(long secondsFromNow);
     void setNames(const TestIdentity* issuer);
     void addExtension(int kind, const std::string& value);
 
