@@ -179,17 +179,6 @@ TEST_F(QtViews, FramesThatShareAnEdgeDoSoOnTheScreen) {
     EXPECT_EQ(shown, (QList{QRect(0, 0, 33, 80), QRect(33, 0, 34, 80), QRect(67, 0, 33, 80)}));
 }
 
-TEST_F(QtViews, AWidgetHasOneViewThatKnowsItsSize) {
-    auto* child = new Host({10, 10}, &widget_);
-    const auto view = viewOf(*child);
-    child->setGeometry(1, 2, 30, 40);
-    EXPECT_EQ(viewOf(*child), view);
-    EXPECT_EQ(view->frame(), (views::Rect{1, 2, 30, 40}));
-    delete child;
-    EXPECT_FALSE(view->peer()) << "a tree in memory again";
-    viewIn(*view, {});
-}
-
 TEST_F(QtViews, TheDapoViewCoversTheWidgetWhateverItsSizeAndItsChildren) {
     select();
     widget_.move(30, 40);
@@ -208,7 +197,7 @@ TEST_F(QtViews, TheDapoViewCoversTheWidgetWhateverItsSizeAndItsChildren) {
     EXPECT_EQ(over->geometry(), widget_.rect());
 }
 
-TEST_F(QtViews, AnImageIsAsLargeAsItsProportionsAllowAndClearWithAnyStyleSheetOfTheHost) {
+TEST_F(QtViews, AnImageIsAsLargeAsItsProportionsAllowAndClearAndOneThatIsBrokenIsNotShown) {
     view_->configureFrame({.to = hostView_, .dapoImage = redImage(200, 100)});
     EXPECT_TRUE(isRed(widget_, 120, 40, 0)) << "hidden";
     view_->setVisibility(true);
@@ -226,9 +215,7 @@ TEST_F(QtViews, AnImageIsAsLargeAsItsProportionsAllowAndClearWithAnyStyleSheetOf
     widget_.setStyleSheet("* { background: #00ff00; border: 9px solid blue; }");
     EXPECT_TRUE(isRed(widget_, 120, 40, 0.5 * 0.65));
     EXPECT_TRUE(isRed(widget_, 2, 2, 0));
-}
 
-TEST_F(QtViews, AnImageThatCannotBeDecodedIsNotShownAndReportedOnce) {
     static int warnings;
     qInstallMessageHandler([](QtMsgType, const QMessageLogContext&, const QString&) { ++warnings; });
     auto broken = *redImage(10, 10);
@@ -237,7 +224,7 @@ TEST_F(QtViews, AnImageThatCannotBeDecodedIsNotShownAndReportedOnce) {
     for (int i = 0; i < 2; ++i) view_->configureFrame({.to = hostView_, .dapoImage = image});
     view_->setVisibility(true);
     EXPECT_TRUE(isRed(widget_, 120, 40, 0));
-    EXPECT_EQ(warnings, 1);
+    EXPECT_EQ(warnings, 1) << "cannot be decoded";
     qInstallMessageHandler(nullptr);
 }
 
@@ -267,14 +254,18 @@ TEST_F(QtViews, ATapMayDestroyItsViewAndTheHostsWidgetsInAnEventLoopOfItsOwn) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
 
     auto* child = new Host({240, 80}, &widget_);
-    const std::weak_ptr view = viewIn(*viewOf(*child), {0, 0, 100, 80});
+    auto root = viewOf(*child);
+    EXPECT_EQ(viewOf(*child), root);
+    const std::weak_ptr view = viewIn(*root, {0, 0, 100, 80});
     view.lock()->addGestureRecognizer(std::make_shared<views::TapGestureRecognizer>([&] {
         delete child;
         QCoreApplication::processEvents();
         taps_.push_back("done");
     }));
     EXPECT_EQ(tapAt({50, 50}), Events{"done"});
-    EXPECT_TRUE(view.expired()) << "only its widget's view held it";
+    EXPECT_FALSE(root->peer()) << "a tree in memory again";
+    root.reset();
+    EXPECT_TRUE(view.expired());
 }
 
 }  // namespace

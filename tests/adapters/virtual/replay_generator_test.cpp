@@ -131,14 +131,13 @@ TEST_F(Replay, FeedingThreadsTakeTurnsWhileServicesComeAndGo) {
 
 TEST_F(Replay, AvailabilityAndSupplyAreScriptedAndEndWithTheSource) {
     const auto make = source_->factory();
+    source_->setSupply(false);
+    EXPECT_EQ(make(), nullptr);
+    source_->setSupply(true);
     const auto generator = make();
     EXPECT_TRUE(generator->checkIsAvailableRfd().available);
     source_->setAvailability({false, "bluetooth is off"});
     EXPECT_EQ(generator->checkIsAvailableRfd().message, "bluetooth is off");
-    source_->setSupply(false);
-    EXPECT_EQ(make(), nullptr);
-    source_->setSupply(true);
-    EXPECT_NE(make(), nullptr);
     source_.reset();
     generator->generateReplayRfd();
     EXPECT_FALSE(generator->checkIsAvailableRfd().available);
