@@ -3,34 +3,29 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 
-extern char** environ;
-
 namespace oska::tool_tests {
 namespace {
 
-struct Redirection {
-    int file;
-    int target;
-};
+using Streams = std::array<int, 3>;  // standard input, output and error
 
-pid_t spawn(const std::vector<std::string>& arguments, const std::vector<Redirection>& redirections) {
-    std::vector<std::string> words{OSKA_PROGRAM};
-    words.insert(words.end(), arguments.begin(), arguments.end());
+pid_t spawn(std::vector<std::string> words, const Streams& streams) {
+    words.insert(words.begin(), OSKA_PROGRAM);
     std::vector<char*> pointers;
     for (auto& word : words) pointers.push_back(word.data());
     pointers.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
-    for (const auto& [file, target] : redirections) posix_spawn_file_actions_adddup2(&actions, file, target);
+    int target = 0;
+    for (const int file : streams) posix_spawn_file_actions_adddup2(&actions, file, target++);
     pid_t process = -1;
     EXPECT_EQ(posix_spawn(&process, OSKA_PROGRAM, &actions, nullptr, pointers.data(), environ), 0);
     posix_spawn_file_actions_destroy(&actions);
@@ -93,54 +88,47 @@ std::string Folder::file(const std::string& name, const std::string& content) co
     return path;
 }
 
+std::vector<std::string> words(const std::string& commandLine) {
+    std::vector<std::string> found;
+    std::istringstream text(commandLine);
+    for (std::string word; std::getline(text, word, ' ');) found.push_back(word);
+    return found;
+}
+
 // Through files, so that neither side ever waits for a full pipe.
 Ended runOska(const std::vector<std::string>& arguments, const std::string& standardInput) {
     const Folder folder;
-    const auto in = folder.file("in", standardInput);
-    const auto out = folder.file("out", "");
-    const auto err = folder.file("err", "");
-    const std::array files{open(in.c_str(), O_RDONLY | O_CLOEXEC), open(out.c_str(), O_WRONLY | O_CLOEXEC),
-                           open(err.c_str(), O_WRONLY | O_CLOEXEC)};
-    const auto process = spawn(arguments, {{files[0], 0}, {files[1], 1}, {files[2], 2}});
-    for (const int file : files) close(file);
-    const int status = statusOf(process);
-    return {status, contentOf(out), contentOf(err)};
+    Streams streams{};
+    const std::array paths{folder.file("in", standardInput), folder.file("out", ""), folder.file("err", "")};
+    for (std::size_t i = 0; i < 3; ++i) streams.at(i) = open(paths.at(i).c_str(), O_RDWR | O_CLOEXEC);
+    const int status = statusOf(spawn(arguments, streams));
+    for (const int file : streams) close(file);
+    return {status, contentOf(paths[1]), contentOf(paths[2])};
 }
 
-RunningOska::RunningOska(const std::vector<std::string>& arguments, int output) {
-    std::array<int, 2> toProgram{};
-    std::array<int, 2> fromProgram{};
-    EXPECT_EQ(pipe2(toProgram.data(), O_CLOEXEC) + pipe2(fromProgram.data(), O_CLOEXEC), 0);
-    process_ = spawn(arguments, {{toProgram[0], 0}, {fromProgram[1], output}});
-    close(toProgram[0]);
-    close(fromProgram[1]);
-    input_ = toProgram[1];
-    output_ = fromProgram[0];
+RunningOska::RunningOska(const std::vector<std::string>& arguments, std::size_t output) {
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_.data()), 0);
+    Streams streams{ends_[1], 1, 2};
+    streams.at(output) = ends_[1];
+    process_ = spawn(arguments, streams);
+    close(ends_[1]);
 }
 
 RunningOska::~RunningOska() {
-    if (input_ >= 0) close(input_);
-    close(output_);
+    close(ends_[0]);
     if (process_ > 0) statusOf(process_);
 }
 
 void RunningOska::write(const std::string& text) const {
-    EXPECT_EQ(::write(input_, text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    EXPECT_EQ(::write(ends_[0], text.data(), text.size()), static_cast<ssize_t>(text.size()));
 }
 
-void RunningOska::endInput() { close(std::exchange(input_, -1)); }
+void RunningOska::endInput() const { shutdown(ends_[0], SHUT_WR); }
 
-std::string RunningOska::readUntil(const std::string& text) {
+std::string RunningOska::readLine(const std::string& text) const {
     std::string line;
-    do line = readLine();
-    while (!line.empty() && line.find(text) == std::string::npos);
-    return line;
-}
-
-std::string RunningOska::readLine() {
-    std::string line;
-    for (char c = 0; read(output_, &c, 1) == 1 && c != '\n';) line += c;
-    return line;
+    for (char c = 0; read(ends_[0], &c, 1) == 1 && c != '\n';) line += c;
+    return line.empty() || line.find(text) != std::string::npos ? line : readLine(text);
 }
 
 void RunningOska::interrupt() const { kill(process_, SIGINT); }

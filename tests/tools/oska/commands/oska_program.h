@@ -2,7 +2,7 @@
 
 #include <sys/types.h>
 
-#include <map>
+#include <array>
 #include <string>
 #include <vector>
 
@@ -34,6 +34,9 @@ private:
     std::string path_;
 };
 
+/// A command line's words, which stand between single blanks.
+[[nodiscard]] std::vector<std::string> words(const std::string& commandLine);
+
 /// Runs the program to its end.
 Ended runOska(const std::vector<std::string>& arguments, const std::string& standardInput = "");
 
@@ -52,25 +55,22 @@ Ended runOska(const std::vector<std::string>& arguments, const std::string& stan
 class RunningOska {
 public:
     /// `output`: 1 to read from standard output, 2 from standard error.
-    explicit RunningOska(const std::vector<std::string>& arguments, int output = 1);
+    explicit RunningOska(const std::vector<std::string>& arguments, std::size_t output = 1);
     ~RunningOska();
     RunningOska(const RunningOska&) = delete;
     RunningOska& operator=(const RunningOska&) = delete;
 
     void write(const std::string& text) const;
-    void endInput();
-    /// Waits for one line of its output; empty at its end.
-    [[nodiscard]] std::string readLine();
-    /// Waits for a line that holds `text`, and passes over those before; empty when there is none.
-    [[nodiscard]] std::string readUntil(const std::string& text);
+    void endInput() const;
+    /// Waits for one line of its output that holds `text`, and passes over those before; empty at its end.
+    [[nodiscard]] std::string readLine(const std::string& text = "") const;
     /// As Ctrl-C does.
     void interrupt() const;
     int waitForStatus();
 
 private:
+    std::array<int, 2> ends_{};
     pid_t process_ = -1;
-    int input_ = -1;
-    int output_ = -1;
 };
 
 }  // namespace oska::tool_tests
