@@ -15,7 +15,7 @@
 namespace oska::tool_tests {
 namespace {
 
-using Streams = std::array<int, 3>;  // standard input, output and error
+using Streams = std::array<int, 3>;  // input, output and errors
 
 pid_t spawn(std::vector<std::string> words, const Streams& streams) {
     words.insert(words.begin(), OSKA_PROGRAM);
@@ -65,12 +65,10 @@ std::string action(int mobileTime, const std::string& name) {
     return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"action":")" + name + "\"}\n";
 }
 
-std::vector<std::string> Ended::events() const {
-    std::vector<std::string> found;
+std::string Ended::events() const {
+    std::string found;
     std::istringstream lines(out);
-    for (std::string line; std::getline(lines, line);) {
-        if (line.starts_with('{')) found.push_back(line);
-    }
+    for (std::string line; std::getline(lines, line);) found += line.starts_with('{') ? line + "\n" : "";
     return found;
 }
 
@@ -95,35 +93,32 @@ std::vector<std::string> words(const std::string& commandLine) {
     return found;
 }
 
-// Through files, so that neither side ever waits for a full pipe.
+// Through files, so that neither side ever waits for a full pipe; one holds more input than a test has.
 Ended runOska(const std::vector<std::string>& arguments, const std::string& standardInput) {
     const Folder folder;
-    Streams streams{};
-    const std::array paths{folder.file("in", standardInput), folder.file("out", ""), folder.file("err", "")};
-    for (std::size_t i = 0; i < 3; ++i) streams.at(i) = open(paths.at(i).c_str(), O_RDWR | O_CLOEXEC);
+    std::array<int, 2> input{};
+    EXPECT_EQ(pipe2(input.data(), O_CLOEXEC), 0);
+    EXPECT_EQ(write(input[1], standardInput.data(), standardInput.size()), ssize(standardInput));
+    close(input[1]);
+    const std::array paths{folder.file("out", ""), folder.file("err", "")};
+    const Streams streams{input[0], open(paths[0].c_str(), O_WRONLY | O_CLOEXEC),
+                          open(paths[1].c_str(), O_WRONLY | O_CLOEXEC)};
     const int status = statusOf(spawn(arguments, streams));
     for (const int file : streams) close(file);
-    return {status, contentOf(paths[1]), contentOf(paths[2])};
+    return {status, contentOf(paths[0]), contentOf(paths[1])};
 }
 
-RunningOska::RunningOska(const std::vector<std::string>& arguments, std::size_t output) {
+RunningOska::RunningOska(const std::vector<std::string>& arguments) {
     EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends_.data()), 0);
-    Streams streams{ends_[1], 1, 2};
-    streams.at(output) = ends_[1];
-    process_ = spawn(arguments, streams);
+    process_ = spawn(arguments, {ends_[1], ends_[1], ends_[1]});
     close(ends_[1]);
 }
 
-RunningOska::~RunningOska() {
-    close(ends_[0]);
-    if (process_ > 0) statusOf(process_);
-}
+RunningOska::~RunningOska() { close(ends_[0]); }
 
 void RunningOska::write(const std::string& text) const {
-    EXPECT_EQ(::write(ends_[0], text.data(), text.size()), static_cast<ssize_t>(text.size()));
+    EXPECT_EQ(::write(ends_[0], text.data(), text.size()), ssize(text));
 }
-
-void RunningOska::endInput() const { shutdown(ends_[0], SHUT_WR); }
 
 std::string RunningOska::readLine(const std::string& text) const {
     std::string line;
@@ -131,8 +126,9 @@ std::string RunningOska::readLine(const std::string& text) const {
     return line.empty() || line.find(text) != std::string::npos ? line : readLine(text);
 }
 
-void RunningOska::interrupt() const { kill(process_, SIGINT); }
-
-int RunningOska::waitForStatus() { return statusOf(std::exchange(process_, -1)); }
+int RunningOska::interrupt() const {
+    kill(process_, SIGINT);
+    return statusOf(process_);
+}
 
 }  // namespace oska::tool_tests

@@ -14,7 +14,7 @@ struct Ended {
     std::string err;
 
     /// The event lines of `out`.
-    [[nodiscard]] std::vector<std::string> events() const;
+    [[nodiscard]] std::string events() const;
 };
 
 /// A folder of its own for input files, gone with it.
@@ -51,22 +51,20 @@ Ended runOska(const std::vector<std::string>& arguments, const std::string& stan
 [[nodiscard]] std::string heard(int mobileTime);
 [[nodiscard]] std::string action(int mobileTime, const std::string& name);
 
-/// The program while it waits for its input.
+/// The program while it waits for its input. It must be interrupted before this is destroyed.
 class RunningOska {
 public:
-    /// `output`: 1 to read from standard output, 2 from standard error.
-    explicit RunningOska(const std::vector<std::string>& arguments, std::size_t output = 1);
+    explicit RunningOska(const std::vector<std::string>& arguments);
     ~RunningOska();
     RunningOska(const RunningOska&) = delete;
     RunningOska& operator=(const RunningOska&) = delete;
 
     void write(const std::string& text) const;
-    void endInput() const;
-    /// Waits for one line of its output that holds `text`, and passes over those before; empty at its end.
+    /// Waits for one line of its output or errors that holds `text`, and passes over those before; empty at
+    /// the end.
     [[nodiscard]] std::string readLine(const std::string& text = "") const;
-    /// As Ctrl-C does.
-    void interrupt() const;
-    int waitForStatus();
+    /// As Ctrl-C does; returns the status with which it ends.
+    [[nodiscard]] int interrupt() const;
 
 private:
     std::array<int, 2> ends_{};

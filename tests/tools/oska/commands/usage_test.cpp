@@ -16,50 +16,43 @@ namespace oska::tool_tests {
 namespace {
 
 TEST(Usage, HelpHasAnExampleAndTheVersionIsPrinted) {
-    for (const auto* asked : {"--help", "replay --help", "check --help", "run --bogus --help"}) {
-        const auto ended = runOska(words(asked));
-        EXPECT_EQ(ended.status, 0);
-        EXPECT_THAT(ended.out, testing::ContainsRegex("Examples?: +oska ")) << asked;
-    }
+    for (const auto* asked : {"--help", "replay --help", "check --help", "run --bogus --help"})
+        EXPECT_THAT(runOska(words(asked)).out, testing::ContainsRegex("Examples?: oska ")) << asked;
     EXPECT_EQ(runOska({"--version"}).out, "oska " OSKA_VERSION "\n");
 }
 
 TEST(Usage, AMistakeIsNamedOnStandardError) {
-    const struct {
-        std::string arguments;
-        std::string complaint = {};  // the beginning; empty: any
-    } cases[] = {
-        {""},
+    const std::pair<std::string, std::string> complaints[] = {
+        {"", ""},
         {"--bogus", "Not expected: --bogus\n"},
         {"repaly", "oska: there is no command repaly; did you mean replay? oska --help lists them\n"},
         {"fly\t", "oska: there is no command fly\\t; oska --help lists them\n"},
-        {"check"},
-        {"check --kind other b"},
-        {"explain dapo --bundle b --recording r --at -1",
-         "--at: -1 is not an instant; it takes whole milliseconds, from 0 on\n"},
-        {"replay pelio --bundle b"},
-        {"replay tovan --bundle b --recording r"},
-        {"replay pelio --bundle - --recording -"},
+        {"check", ""},
+        {"check --kind other b", ""},
+        {"explain dapo --bundle b --recording r --at -1", "--at: -1 is not an instant; it takes whole "},
+        {"replay pelio --bundle b", ""},
+        {"replay tovan --bundle b --recording r", ""},
+        {"replay pelio --bundle - --recording -", ""},
         {"replay pelio --bundle /none --recording -", "/none: No such file"},
-        {"replay pelio --bundle b --recording - --tail -1"},
+        {"replay pelio --bundle b --recording - --tail -1", ""},
         {"replay pelio --bundel b --recording r", "Not expected: --bundel b; did you mean --bundle?\n"},
         {"run pelio", "--sector is required\n"},
         {"run pelio one --two --sector 1", "Not expected: one --two\n"},
-        {"run pelio --sector 1x"},
-        {"run pelio --sector 9223372036854775808"},
-        {"run pelio --sector 1 --output-interval 1"},
-        {"run dapo --sector 1 --region KOREA"},
-        {"run pelio --sector 1 --token a --no-token"},
-        {"run pelio --sector 1 --speed 0"},
-        {"run pelio --sector 1 --speed inf"},
+        {"run pelio --sector 1 --recording /none", "/none: No such file or directory\n"},
+        {"run pelio --sector 1x", ""},
+        {"run pelio --sector 9223372036854775808", ""},
+        {"run pelio --sector 1 --output-interval 1", ""},
+        {"run dapo --sector 1 --region KOREA", ""},
+        {"run pelio --sector 1 --token a --no-token", ""},
+        {"run pelio --sector 1 --speed 0", ""},
+        {"run pelio --sector 1 --speed inf", ""},
         {"serve", "SITE_FOLDER"},
-
         {"serve /dev/null", "oska: /dev/null: Not a directory\n"},
         {"serve / --port 65536", "--port"},
         {"serve / --tls-cert c", "--tls-cert requires --tls-key"},
         {"--bogus serve --port 0", "Not expected: --bogus\n"},
     };
-    for (const auto& [arguments, complaint] : cases) {
+    for (const auto& [arguments, complaint] : complaints) {  // of which this is the beginning
         const auto ended = runOska(words(arguments));
         EXPECT_EQ(ended.status, 2) << arguments;
         EXPECT_EQ(ended.out, "") << arguments;
@@ -76,12 +69,11 @@ TEST(Interrupted, EveryCommandThatWaitsForInputEnds) {
     ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
     for (const auto& waiting :
          {"simulate --bundle " + pipe + " --route " + site, "simulate --bundle " + site + " --route " + pipe,
-          "check " + site + " " + pipe, "explain dapo --bundle " + pipe + " --recording " + site,
+          "check " + site + " " + pipe + " " + site, "explain dapo --bundle " + pipe + " --recording " + site,
           "replay pelio --bundle " + site + " --recording " + pipe}) {
-        RunningOska program(words(waiting));
+        const RunningOska program(words(waiting));
         const int writer = open(pipe.c_str(), O_WRONLY | O_CLOEXEC);
-        program.interrupt();
-        EXPECT_EQ(program.waitForStatus(), 130) << waiting;
+        EXPECT_EQ(program.interrupt(), 130) << waiting;
         close(writer);
     }
 }
