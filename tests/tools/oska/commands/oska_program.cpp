@@ -57,14 +57,6 @@ std::string levelDocument(int id, const std::string& wards, const std::string& s
            R"(,"scale_y":1,"offset_x":0,"offset_y":0},"wards":[)" + wards + "]}";
 }
 
-std::string heard(int mobileTime) {
-    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"rfs":{" Lobby-A\n":-60}})" + "\n";
-}
-
-std::string action(int mobileTime, const std::string& name) {
-    return R"({"mobile_time":)" + std::to_string(mobileTime) + R"(,"action":")" + name + "\"}\n";
-}
-
 std::string Ended::events() const {
     std::string found;
     std::istringstream lines(out);

@@ -47,10 +47,6 @@ Ended runOska(const std::vector<std::string>& arguments, const std::string& stan
 /// A level with a map image of 10 by 10 pixels, the scale 1 unless given, and no offset.
 [[nodiscard]] std::string levelDocument(int id, const std::string& wards, const std::string& scale = "1");
 
-/// A line of a recording: a sample that names lobby-a at -60 dBm, or an action.
-[[nodiscard]] std::string heard(int mobileTime);
-[[nodiscard]] std::string action(int mobileTime, const std::string& name);
-
 /// The program while it waits for its input. It must be interrupted before this is destroyed.
 class RunningOska {
 public:
