@@ -67,8 +67,8 @@ public:
     [[nodiscard]] std::optional<Claim> claim();
 
     /// Checks Bluetooth, makes a generator, configures it and starts it: live with `platform::LIVE_SCAN`, or
-    /// from recorded data while the process is in replay mode. Must be called after each claim. A start that is
-    /// overtaken before it could fail counts as successful.
+    /// from recorded data while the process is in replay mode. Must be called after each claim. A start that
+    /// is overtaken before it could fail counts as successful.
     Outcome start(Claim claim, const Start& start);
 
     /// Stops the generator, then takes its delegate away, then releases it.
