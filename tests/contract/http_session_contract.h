@@ -55,10 +55,7 @@ public:
             outcomes_.push_back(std::move(outcome));
         };
     }
-    std::size_t count() const {
-        const std::lock_guard lock(mutex_);
-        return outcomes_.size();
-    }
+    std::size_t count() const { return all().size(); }
     std::vector<HttpOutcome> all() const {
         const std::lock_guard lock(mutex_);
         return outcomes_;
@@ -69,27 +66,20 @@ private:
     std::vector<HttpOutcome> outcomes_;
 };
 
-/// Gives the answer that was set, and records the hosts that it was asked about.
+/// Gives the answer that was set, and records the hosts that it was asked about. Threads: to be used by the
+/// test while no request is under way.
 class ContractDelegate : public HttpSessionDelegate {
 public:
     ChallengeDisposition didReceiveChallenge(const AuthenticationChallenge& challenge) override {
         EXPECT_EQ(challenge.method, AuthenticationChallenge::Method::serverTrust);
         EXPECT_TRUE(challenge.hasServerTrust);
-        const std::lock_guard lock(mutex_);
         hosts_.push_back(challenge.host);
         return answer_;
     }
-    void answer(ChallengeDisposition disposition) {
-        const std::lock_guard lock(mutex_);
-        answer_ = disposition;
-    }
-    std::vector<std::string> hosts() const {
-        const std::lock_guard lock(mutex_);
-        return hosts_;
-    }
+    void answer(ChallengeDisposition disposition) { answer_ = disposition; }
+    const std::vector<std::string>& hosts() const { return hosts_; }
 
 private:
-    mutable std::mutex mutex_;
     ChallengeDisposition answer_ = ChallengeDisposition::performDefaultHandling;
     std::vector<std::string> hosts_;
 };
