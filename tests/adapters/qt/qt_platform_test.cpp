@@ -145,6 +145,8 @@ TEST(QtPlatform, RunsTheMainQueueInTheApplicationsLoopUntilItIsShutDown) {
     QWidget host;
     const auto view = views::View::create();
     viewOf(host)->addSubview(view);
+    host.setGeometry(1, 2, 30, 40);  // of a widget that was never shown, no event tells
+    EXPECT_EQ(viewOf(host)->frame(), (views::Rect{1, 2, 30, 40}));
     const auto timer = queue->every(1ms, [] {});
     std::thread([&] { queue->async([] {}); }).join();
     for (int i = 0; i < 2; ++i) qt->shutDown();
