@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "oska/foundation/logger.h"
+#include "oska/text/one_line.h"
 #include "tools/oska/site/sector_folder.h"
 #include "tools/oska_serve/site_server.h"
 #include "tools/site_viewer/options.h"
@@ -25,7 +26,7 @@ constexpr int FAILED = 1;
 constexpr int BAD_INPUT = 2;
 
 int complain(const std::string& text, int status) {
-    std::fprintf(stderr, "site_viewer: %s\n", text.c_str());
+    std::fprintf(stderr, "site_viewer: %s\n", oska::text::onOneLine(text).c_str());
     return status;
 }
 
