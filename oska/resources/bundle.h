@@ -86,10 +86,10 @@ struct LevelMapImage {
     std::string url = {};     ///< of the image; the kit hands it to the host and does not fetch it
     double image_width = 0;   ///< pixels
     double image_height = 0;  ///< pixels
-    double scale_x = 0;       ///< map units for one bundle unit, along x
+    double scale_x = 0;       ///< map pixels for one bundle unit, along x
     double scale_y = 0;       ///< the same along y; negative where the two axes run opposite
-    double offset_x = 0;      ///< map units, added after scaling
-    double offset_y = 0;      ///< map units, added after scaling
+    double offset_x = 0;      ///< map pixels, added after scaling
+    double offset_y = 0;      ///< map pixels, added after scaling
 
     /// Field by field.
     bool operator==(const LevelMapImage&) const = default;

@@ -21,10 +21,10 @@ struct LevelMap {
     std::string url = {};            ///< of the image, as the bundle has it; the kit does not fetch it
     double image_width = 0;          ///< pixels
     double image_height = 0;         ///< pixels
-    double scale_x = 0;              ///< map units for one bundle unit, along x
+    double scale_x = 0;              ///< map pixels for one bundle unit, along x
     double scale_y = 0;              ///< the same along y; negative where the two axes run opposite
-    double offset_x = 0;             ///< map units, added after scaling
-    double offset_y = 0;             ///< map units, added after scaling
+    double offset_x = 0;             ///< map pixels, added after scaling
+    double offset_y = 0;             ///< map pixels, added after scaling
 };
 
 /// The record's fields under their JSON keys, in the order of the document (see oska/json/record.h).

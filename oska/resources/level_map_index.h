@@ -11,8 +11,8 @@ namespace oska {
 
 /// A place on a level's map, as the services report it.
 struct MapPoint {
-    double x;  ///< map units
-    double y;  ///< map units
+    double x;  ///< map pixels
+    double y;  ///< map pixels
 };
 
 /// The map images of a site by level id, from a bundle of either kind. Where several levels have the same id,

@@ -11,7 +11,7 @@ namespace oska::tool {
 /// A walk as an SVG document: one panel a level, with the level's wards, the positions that Pelio reported,
 /// numbered in their order, and the wards that Dapo delivered, numbered by delivery. Colours are those of the
 /// Okabe-Ito palette, and shapes differ as well. The same input gives the same bytes. What lies beyond 1e9
-/// map units is left out.
+/// map pixels is left out.
 [[nodiscard]] std::string drawWalk(const Site& site, const WalkTrace& trace, OskaService service);
 
 }  // namespace oska::tool

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-/// What `oska explain` answers, the same for people and for programs. `at` and whatever ends in it are
-/// milliseconds since the run began, as in the events of a replay; strengths are dBm.
+/// What `oska explain` answers, the same for people and for programs. `at`, and each name that ends in `_at`,
+/// is in milliseconds since the run began, as in the events of a replay; strengths are dBm.
 namespace oska::tool {
 
 struct HeardReading {
